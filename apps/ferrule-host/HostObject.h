@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+// The host side of the plug-in contract: the system data, the font, the value texts, the update
+// flag, the panel colour and the MIDI output. The plug-in reaches every member by name.
+class HostObject : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(int FontFamily READ fontFamily)
+    Q_PROPERTY(QString FontName READ fontName)
+    Q_PROPERTY(bool FontItalic READ fontItalic)
+    Q_PROPERTY(bool FontBold READ fontBold)
+    Q_PROPERTY(float FontSize READ fontSize)
+    Q_PROPERTY(bool FontUnderline READ fontUnderline)
+    Q_PROPERTY(bool FontStrikethrough READ fontStrikethrough)
+    Q_PROPERTY(bool GTUpdate READ gtUpdate)
+    Q_PROPERTY(int ShadingColourPanelEnd READ panelColour)
+public:
+    explicit HostObject(const QByteArray& image, QObject* parent = nullptr);
+
+    Q_INVOKABLE int SysData(int index) const;
+    Q_INVOKABLE void SysData(int index, int value);
+    Q_INVOKABLE void MIDISendEx(int address, const QByteArray& data, int model);
+    Q_INVOKABLE void SetGTUpdate(bool flag, int model);
+    Q_INVOKABLE QString ValueText(int value, int format, int type) const;
+
+    int fontFamily() const { return 0; }
+    QString fontName() const;
+    bool fontItalic() const { return false; }
+    bool fontBold() const { return false; }
+    float fontSize() const;
+    bool fontUnderline() const { return false; }
+    bool fontStrikethrough() const { return false; }
+    bool gtUpdate() const { return gtUpdate_; }
+    int panelColour() const { return panelColour_; }
+    void setPanelColour(int colour) { panelColour_ = colour; }
+    void setRefuseUpdate(bool refuse) { refuseUpdate_ = refuse; }
+
+    const QByteArray& image() const { return image_; }
+    bool changed() const { return changed_; }
+
+    // Where MIDISendEx hands each block: address, data bytes, model.
+    void setBlockSink(std::function<void(int, const QByteArray&, int)> sink);
+
+private:
+    QByteArray image_;
+    bool changed_ = false;
+    bool gtUpdate_ = true;
+    bool refuseUpdate_ = false;
+    int panelColour_ = 0xCEBEB0; // red in bits 0-7: a light steel blue
+    std::function<void(int, const QByteArray&, int)> sink_;
+};

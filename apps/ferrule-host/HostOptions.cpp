@@ -1,0 +1,91 @@
+#include "HostOptions.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstring>
+
+bool wantsHeadless(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        const char* a = argv[i];
+        if (std::strncmp(a, "--screenshot", 12) == 0 || std::strcmp(a, "--describe") == 0 ||
+            std::strcmp(a, "--transmit") == 0)
+            return true;
+    }
+    return false;
+}
+
+ParsedOptions parseHostOptions(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Stand-alone host for the Ferrule system-settings editor of GT- devices."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption model({QStringLiteral("m"), QStringLiteral("model")},
+                                   QStringLiteral("Device model: 3, 5, 6, 8 or 10 (default 10)."),
+                                   QStringLiteral("N"), QStringLiteral("10"));
+    const QCommandLineOption title(QStringLiteral("title"),
+                                   QStringLiteral("Window title after \"System: \" (default GT-N)."),
+                                   QStringLiteral("TEXT"));
+    const QCommandLineOption data({QStringLiteral("d"), QStringLiteral("data")},
+                                  QStringLiteral("Raw 43,252-byte system data file to edit; written back "
+                                                 "when the editor closes keeping its changes."),
+                                  QStringLiteral("FILE"));
+    const QCommandLineOption plugin(QStringLiteral("plugin"),
+                                    QStringLiteral("Plug-in library, or a folder holding it."),
+                                    QStringLiteral("PATH"));
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Headless: render the editor as it first appears to FILE.png and exit."),
+        QStringLiteral("FILE.png"));
+    const QCommandLineOption page(QStringLiteral("page"),
+                                  QStringLiteral("Page to open (otherwise the stored one)."),
+                                  QStringLiteral("N"));
+    const QCommandLineOption describe(
+        QStringLiteral("describe"),
+        QStringLiteral("Headless: print the open editor's visible controls as JSON and exit."));
+    parser.addOptions({model, title, data, plugin, screenshot, page, describe});
+
+    ParsedOptions result;
+    if (!parser.parse(arguments)) {
+        result.error = parser.errorText();
+        return result;
+    }
+    if (parser.isSet(help)) {
+        result.message = parser.helpText();
+        return result;
+    }
+    if (parser.isSet(version)) {
+        result.message = QCoreApplication::applicationName() + QLatin1Char(' ') +
+                         QCoreApplication::applicationVersion() + QLatin1Char('\n');
+        return result;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        result.error = QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
+        return result;
+    }
+    HostOptions o;
+    bool ok = false;
+    o.model = parser.value(model).toInt(&ok);
+    if (!ok || (o.model != 3 && o.model != 5 && o.model != 6 && o.model != 8 && o.model != 10)) {
+        result.error = QStringLiteral("--model \"%1\" is not one of 3, 5, 6, 8 or 10")
+                           .arg(parser.value(model));
+        return result;
+    }
+    o.title = parser.isSet(title) ? parser.value(title) : QStringLiteral("GT-%1").arg(o.model);
+    o.dataFile = parser.value(data);
+    o.pluginPath = parser.value(plugin);
+    o.screenshot = parser.value(screenshot);
+    o.describe = parser.isSet(describe);
+    if (parser.isSet(page)) {
+        o.page = parser.value(page).toInt(&ok);
+        if (!ok || o.page < 0 || o.page > 15) {
+            result.error = QStringLiteral("--page \"%1\" is not a page number 0-15").arg(parser.value(page));
+            return result;
+        }
+    }
+    result.options = o;
+    return result;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+// Finds the plug-in library whose metadata carries a key: in an explicit path (a file or a
+// folder), else in the build tree and the install location.
+struct LocatedPlugIn {
+    QString file;
+    QString error;
+};
+
+QStringList defaultPlugInFolders();
+LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath);

@@ -1,0 +1,191 @@
+#include "ButtonArt.h"
+
+#include <QFont>
+#include <QFontMetrics>
+#include <QLinearGradient>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <array>
+
+namespace ferrule {
+namespace {
+
+enum class Look { Normal, Pressed, Current };
+
+const QColor kAmber(0xf2, 0xa3, 0x3a);
+const QColor kLedGreen(0x5c, 0xe0, 0x6a);
+
+QPixmap blank(int w, int h)
+{
+    QPixmap pm(w, h);
+    pm.fill(Qt::transparent);
+    return pm;
+}
+
+QFont captionFont(int pixelSize, bool bold)
+{
+    QFont f(QStringLiteral("DejaVu Sans"));
+    f.setPixelSize(pixelSize);
+    f.setBold(bold);
+    return f;
+}
+
+// A tab: a rounded-top strip whose caption runs upwards, with an indicator bar at the foot.
+QPixmap drawTab(const QString& caption, Look look)
+{
+    const int w = ButtonArt::kTabWidth;
+    const int h = ButtonArt::kTabHeight;
+    QPixmap pm = blank(w, h);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    QPainterPath path;
+    const QRectF r(1.5, 1.5, w - 3.0, h - 2.0);
+    path.moveTo(r.left(), r.bottom());
+    path.lineTo(r.left(), r.top() + 6);
+    path.quadTo(r.left(), r.top(), r.left() + 6, r.top());
+    path.lineTo(r.right() - 6, r.top());
+    path.quadTo(r.right(), r.top(), r.right(), r.top() + 6);
+    path.lineTo(r.right(), r.bottom());
+    path.closeSubpath();
+
+    QLinearGradient g(0, 0, w, 0);
+    QColor text;
+    switch (look) {
+    case Look::Normal:
+        g.setColorAt(0, QColor(0x4a, 0x52, 0x5d));
+        g.setColorAt(1, QColor(0x33, 0x39, 0x41));
+        text = QColor(0xd6, 0xdc, 0xe3);
+        break;
+    case Look::Pressed:
+        g.setColorAt(0, QColor(0x24, 0x28, 0x2e));
+        g.setColorAt(1, QColor(0x2e, 0x33, 0x3a));
+        text = QColor(0xf0, 0xf3, 0xf6);
+        break;
+    case Look::Current:
+        g.setColorAt(0, QColor(0xf4, 0xf6, 0xf8));
+        g.setColorAt(1, QColor(0xdd, 0xe2, 0xe8));
+        text = QColor(0x1d, 0x22, 0x28);
+        break;
+    }
+    p.fillPath(path, g);
+    p.setPen(QPen(look == Look::Current ? QColor(0x9a, 0xa4, 0xb0) : QColor(0x16, 0x19, 0x1d), 1));
+    p.drawPath(path);
+    if (look == Look::Current) {
+        p.fillRect(QRectF(4, 3, w - 8, 3), kAmber);
+    } else {
+        p.setPen(QPen(QColor(255, 255, 255, 40), 1));
+        p.drawLine(QPointF(3, 7), QPointF(3, h - 2));
+    }
+
+    // The caption reads from bottom to top, centred on the strip.
+    p.save();
+    const int shift = look == Look::Pressed ? 1 : 0;
+    p.translate(w / 2.0 + shift, h - 6 + shift);
+    p.rotate(-90);
+    p.setPen(text);
+    // The largest size at which the caption fits the strip's length.
+    QFont font = captionFont(11, true);
+    while (font.pixelSize() > 8 && QFontMetrics(font).horizontalAdvance(caption) > h - 14)
+        font.setPixelSize(font.pixelSize() - 1);
+    p.setFont(font);
+    p.drawText(QRectF(0, -w / 2.0, h - 12, w), Qt::AlignCenter, caption);
+    p.restore();
+    return pm;
+}
+
+QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor& led,
+                  const QColor& faceTop, const QColor& faceBottom)
+{
+    QPixmap pm = blank(w, h);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QRectF r(0.5, 0.5, w - 1.0, h - 1.0);
+    QLinearGradient g(0, 0, 0, h);
+    if (look == Look::Pressed) {
+        g.setColorAt(0, faceBottom.darker(125));
+        g.setColorAt(1, faceTop.darker(115));
+    } else {
+        g.setColorAt(0, faceTop);
+        g.setColorAt(1, faceBottom);
+    }
+    p.setPen(QPen(QColor(0x12, 0x14, 0x17), 1));
+    p.setBrush(g);
+    p.drawRoundedRect(r, 4, 4);
+    if (look != Look::Pressed) {
+        p.setPen(QPen(QColor(255, 255, 255, 50), 1));
+        p.drawLine(QPointF(4, 1.5), QPointF(w - 4, 1.5));
+    }
+    const int shift = look == Look::Pressed ? 1 : 0;
+    // Indicator lamp at the left.
+    const QPointF lamp(9 + shift, h / 2.0 + shift);
+    QRadialGradient lg(lamp, 4);
+    lg.setColorAt(0, led.lighter(150));
+    lg.setColorAt(1, led.darker(130));
+    p.setPen(QPen(QColor(0, 0, 0, 160), 1));
+    p.setBrush(lg);
+    p.drawEllipse(lamp, 3.5, 3.5);
+    p.setPen(look == Look::Current ? QColor(Qt::white) : QColor(0xdf, 0xe4, 0xea));
+    p.setFont(captionFont(11, true));
+    p.drawText(QRectF(16 + shift, shift, w - 20, h), Qt::AlignVCenter | Qt::AlignHCenter, caption);
+    return pm;
+}
+
+const std::array<QString, 13> kTabCaptions = {
+    QStringLiteral("System"),    QStringLiteral("MIDI"),   QStringLiteral("Harmonist"),
+    QStringLiteral("Auto-Riff"), QStringLiteral("OD/DS"),  QStringLiteral("Preamp"),
+    QStringLiteral("Wah"),       QStringLiteral("Meter/EQ"), QStringLiteral("Sys Preamp"),
+    QStringLiteral("Input"),     QStringLiteral("Output"), QStringLiteral("EXP"),
+    QStringLiteral("CTL")};
+
+const std::array<QString, 4> kCommandCaptions = {QStringLiteral("Transmit"), QStringLiteral("Reload"),
+                                                 QStringLiteral("Cancel"), QStringLiteral("OK")};
+
+} // namespace
+
+QString ButtonArt::tabCaption(int tab) { return kTabCaptions.at(std::size_t(tab)); }
+
+QString ButtonArt::modeCaption(int index)
+{
+    static const int models[] = {3, 5, 6, 8, 10};
+    return QStringLiteral("GT-%1").arg(models[index]);
+}
+
+ButtonArt::ButtonArt()
+{
+    const QColor slateTop(0x4b, 0x53, 0x5e), slateBottom(0x2f, 0x35, 0x3d);
+    const QColor dark(0x3a, 0x40, 0x48);
+    for (int i = 0; i < 5; ++i) {
+        const QString c = modeCaption(i);
+        mImg_[i] = drawPlate(kModeWidth, kModeHeight, c, Look::Normal, dark, slateTop, slateBottom);
+        mImg_[i + 10] =
+            drawPlate(kModeWidth, kModeHeight, c, Look::Pressed, dark, slateTop, slateBottom);
+        mImg_[i + 20] = drawPlate(kModeWidth, kModeHeight, c, Look::Current, kLedGreen,
+                                  QColor(0x3d, 0x5a, 0x48), QColor(0x25, 0x3a, 0x2d));
+    }
+    for (int i = 0; i < 13; ++i) {
+        Img_[i] = drawTab(kTabCaptions[std::size_t(i)], Look::Normal);
+        Img_[i + 20] = drawTab(kTabCaptions[std::size_t(i)], Look::Pressed);
+        Img_[i + 40] = drawTab(kTabCaptions[std::size_t(i)], Look::Current);
+    }
+    const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c), QColor(0xd8, 0x58, 0x4f),
+                            kLedGreen};
+    for (int i = 0; i < 4; ++i) {
+        const QString c = kCommandCaptions[std::size_t(i)];
+        CButton_[i + 4] =
+            drawPlate(kCommandWidth, kCommandHeight, c, Look::Normal, leds[i], slateTop, slateBottom);
+        CButton_[i + 8] =
+            drawPlate(kCommandWidth, kCommandHeight, c, Look::Pressed, leds[i], slateTop, slateBottom);
+    }
+    const QColor stopTop(0x8a, 0x2f, 0x2a), stopBottom(0x5c, 0x1c, 0x19), red(0xff, 0x4a, 0x3d);
+    CButton_[12] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Current, red,
+                             stopTop, stopBottom);
+    CButton_[13] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Pressed, red,
+                             stopTop, stopBottom);
+}
+
+const QPixmap& ButtonArt::mImg(int index) const { return mImg_[index]; }
+const QPixmap& ButtonArt::Img(int index) const { return Img_[index]; }
+const QPixmap& ButtonArt::CButton(int index) const { return CButton_[index]; }
+
+} // namespace ferrule

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QPixmap>
+#include <QString>
+
+namespace ferrule {
+
+// The pictures of the window's image buttons, drawn in code at start-up and kept at the indexes
+// the window uses: mode buttons mImg 0-4 (normal), 10-14 (pressed), 20-24 (current model); tab
+// buttons Img 0-12 (normal), 20-32 (pressed), 40-52 (current page); command buttons CButton
+// 4-7 (normal), 8-11 (pressed), 12 and 13 (transmit button while sending: normal, pressed).
+class ButtonArt {
+public:
+    static constexpr int kTabWidth = 32;   // pixels; tabs stand 495 twips apart
+    static constexpr int kTabHeight = 80;
+    static constexpr int kModeWidth = 58;
+    static constexpr int kModeHeight = 26;
+    static constexpr int kCommandWidth = 76;
+    static constexpr int kCommandHeight = 28;
+
+    ButtonArt();
+
+    const QPixmap& mImg(int index) const;
+    const QPixmap& Img(int index) const;
+    const QPixmap& CButton(int index) const;
+
+    static QString tabCaption(int tab);
+    static QString modeCaption(int index);
+
+private:
+    QPixmap mImg_[25];
+    QPixmap Img_[53];
+    QPixmap CButton_[14];
+};
+
+} // namespace ferrule

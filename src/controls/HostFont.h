@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+class QFont;
+
+namespace ferrule {
+
+// The host's font as read once from its seven font members.
+struct HostFontSettings {
+    int family = 0; // the character set number
+    QString name;
+    float size = 0.0F;
+    bool bold = false;
+    bool italic = false;
+    bool underline = false;
+    bool strikethrough = false;
+    bool valid = false;
+};
+
+// Applies the host font to a window, its labels and its command buttons: character set, name,
+// italic, underline and strikethrough; the size and the weight stay as designed.
+void ApplyHostFont(QWidget* window, const HostFontSettings& font);
+
+// The control variant, run by a knob or slider when it is created: as above plus the size, on
+// the control and its labels.
+void ApplyHostFontToControl(QWidget* control, const HostFontSettings& font);
+
+} // namespace ferrule

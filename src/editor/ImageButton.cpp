@@ -1,0 +1,50 @@
+#include "ImageButton.h"
+
+#include "controls/Twips.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace ferrule {
+
+ImageButton::ImageButton(int index, QWidget* parent)
+    : QWidget(parent)
+    , index_(index)
+{
+    setAttribute(Qt::WA_OpaquePaintEvent, false);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void ImageButton::setPicture(const QPixmap& pixmap, const QString& name)
+{
+    pixmap_ = pixmap;
+    pictureName_ = name;
+    resize(pixmap.deviceIndependentSize().toSize());
+    update();
+}
+
+int ImageButton::widthTwips() const { return pxToTwips(width()); }
+int ImageButton::heightTwips() const { return pxToTwips(height()); }
+
+void ImageButton::paintEvent(QPaintEvent*)
+{
+    QPainter p(this);
+    p.drawPixmap(0, 0, pixmap_);
+}
+
+void ImageButton::mousePressEvent(QMouseEvent* e)
+{
+    emit mouseDown(index_, e->button(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
+}
+
+void ImageButton::mouseMoveEvent(QMouseEvent* e)
+{
+    emit mouseMove(index_, e->buttons(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
+}
+
+void ImageButton::mouseReleaseEvent(QMouseEvent* e)
+{
+    emit mouseUp(index_, e->button(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
+}
+
+} // namespace ferrule

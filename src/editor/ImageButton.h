@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QPixmap>
+#include <QWidget>
+
+namespace ferrule {
+
+// A plain picture that reports mouse presses, moves and releases with the pointer position in
+// twips, in its own coordinates. The window swaps its picture; `picture` names the source
+// element it shows (for example "Img(40)"), so that a tool can read which picture is up.
+class ImageButton : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(int index READ index CONSTANT)
+    Q_PROPERTY(QString picture READ pictureName)
+public:
+    ImageButton(int index, QWidget* parent);
+
+    int index() const { return index_; }
+    void setPicture(const QPixmap& pixmap, const QString& name);
+    QString pictureName() const { return pictureName_; }
+    int widthTwips() const;
+    int heightTwips() const;
+
+signals:
+    void mouseDown(int index, Qt::MouseButton button, int x, int y);
+    void mouseMove(int index, Qt::MouseButtons buttons, int x, int y);
+    void mouseUp(int index, Qt::MouseButton button, int x, int y);
+
+protected:
+    void paintEvent(QPaintEvent*) override;
+    void mousePressEvent(QMouseEvent* e) override;
+    void mouseMoveEvent(QMouseEvent* e) override;
+    void mouseReleaseEvent(QMouseEvent* e) override;
+
+private:
+    int index_;
+    QPixmap pixmap_;
+    QString pictureName_;
+};
+
+} // namespace ferrule

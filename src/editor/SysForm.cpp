@@ -1,0 +1,506 @@
+#include "SysForm.h"
+
+#include "ImageButton.h"
+#include "PageArea.h"
+#include "controls/Twips.h"
+#include "host/SettingsStore.h"
+#include "sysdata/FerruleError.h"
+#include "sysdata/ModuleState.h"
+
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace ferrule {
+namespace {
+
+// Tab positions and visibility as the window is designed; SetFormat moves and shows them per
+// model. Tabs stand 495 twips apart.
+struct TabDesign {
+    int left;
+    bool visible;
+};
+constexpr std::array<TabDesign, 13> kTabDesign = {{{60, true},
+                                                   {555, true},
+                                                   {1050, true},
+                                                   {1545, true},
+                                                   {2040, true},
+                                                   {2535, true},
+                                                   {3030, true},
+                                                   {555, false},
+                                                   {1050, false},
+                                                   {2040, false},
+                                                   {2535, false},
+                                                   {3030, false},
+                                                   {3525, false}}};
+constexpr int kTabTop = 120;
+constexpr int kModeTop = 120;
+constexpr int kModeLeft = 4620;
+constexpr int kModeStep = 937;
+constexpr int kCommandTop = 630;
+constexpr int kCommandLeft = 4620;
+constexpr int kCommandStep = 1200;
+
+// What SetFormat does to each tab for a model: keep it as it is, or show or hide it, with an
+// optional new left position.
+struct TabPlacement {
+    enum Visibility { Keep, Show, Hide } visibility = Keep;
+    int left = -1;
+};
+
+std::array<TabPlacement, 13> tabPlacementsFor(int model)
+{
+    std::array<TabPlacement, 13> t{};
+    switch (model) {
+    case 3:
+    case 5:
+    case 6:
+        for (int i = 1; i <= 6; ++i)
+            t[std::size_t(i)] = {TabPlacement::Show, 495 * i + 60};
+        for (int i = 7; i <= 12; ++i)
+            t[std::size_t(i)] = {TabPlacement::Hide, -1};
+        break;
+    case 8:
+        for (int i = 1; i <= 6; ++i)
+            t[std::size_t(i)] = {TabPlacement::Show, 495 * i + 1050};
+        t[7] = t[8] = {TabPlacement::Show, -1};
+        for (int i = 9; i <= 12; ++i)
+            t[std::size_t(i)] = {TabPlacement::Hide, -1};
+        break;
+    default: // 10
+        t[1] = {TabPlacement::Keep, 555};
+        t[5] = {TabPlacement::Keep, 1545};
+        for (int i : {2, 3, 4, 6, 7})
+            t[std::size_t(i)] = {TabPlacement::Hide, -1};
+        t[8] = {TabPlacement::Show, -1};
+        for (int i = 9; i <= 12; ++i)
+            t[std::size_t(i)] = {TabPlacement::Show, 495 * (i - 9) + 2040};
+        break;
+    }
+    return t;
+}
+
+int tabForPage(int page, int model)
+{
+    switch (page) {
+    case 1:
+    case 2:
+    case 3: return 0;
+    case 4: return 1;
+    case 5: return 2;
+    case 6: return 3;
+    case 7: return model == 8 ? 7 : 0;
+    case 8: return 4;
+    case 9: return 5;
+    case 10: return 6;
+    case 11: return 8;
+    case 12:
+    case 13:
+    case 14:
+    case 15: return page - 3;
+    default: return -1;
+    }
+}
+
+} // namespace
+
+SysForm::SysForm(ModuleState& state)
+    : QDialog(nullptr)
+    , state_(state)
+{
+    setObjectName(QStringLiteral("SysForm"));
+    setModal(true);
+    buildChrome();
+    errorReporter_ = [this](const QString& message) {
+        auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Marwick"), message,
+                                    QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    };
+}
+
+SysForm::~SysForm() = default;
+
+int SysForm::model() const { return state_.model; }
+
+void SysForm::buildChrome()
+{
+    setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
+    setAutoFillBackground(true);
+    QPalette pal = palette();
+    pal.setColor(QPalette::Window, QColor(0x23, 0x27, 0x2d));
+    pal.setColor(QPalette::WindowText, QColor(0xe4, 0xe8, 0xec));
+    setPalette(pal);
+
+    for (int i = 0; i < 13; ++i) {
+        auto* b = new ImageButton(i, this);
+        b->setObjectName(QStringLiteral("TabButton%1").arg(i));
+        setButtonPicture(b, art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+        b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
+        b->setVisible(kTabDesign[std::size_t(i)].visible);
+        b->setToolTip(ButtonArt::tabCaption(i));
+        connect(b, &ImageButton::mouseDown, this, &SysForm::tabDown);
+        connect(b, &ImageButton::mouseMove, this,
+                [this](int idx, Qt::MouseButtons, int x, int y) { tabMove(idx, x, y); });
+        connect(b, &ImageButton::mouseUp, this, [this](int idx) { tabUp(idx); });
+        tabButtons_[std::size_t(i)] = b;
+    }
+    for (int i = 0; i < 5; ++i) {
+        auto* b = new ImageButton(i, this);
+        b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
+        setButtonPicture(b, art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+        b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
+        connect(b, &ImageButton::mouseDown, this, &SysForm::modeDown);
+        connect(b, &ImageButton::mouseMove, this,
+                [this](int idx, Qt::MouseButtons, int x, int y) { modeMove(idx, x, y); });
+        connect(b, &ImageButton::mouseUp, this, [this](int idx) { modeUp(idx); });
+        modeButtons_[std::size_t(i)] = b;
+    }
+    for (int i = 0; i < 4; ++i) {
+        auto* b = new ImageButton(i, this);
+        b->setObjectName(QStringLiteral("CButton%1").arg(i));
+        b->setProperty("ferruleCommandButton", true);
+        setButtonPicture(b, art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
+        b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
+        connect(b, &ImageButton::mouseDown, this, &SysForm::commandDown);
+        connect(b, &ImageButton::mouseMove, this,
+                [this](int idx, Qt::MouseButtons, int x, int y) { commandMove(idx, x, y); });
+        connect(b, &ImageButton::mouseUp, this, [this](int idx) { commandUp(idx); });
+        commandButtons_[std::size_t(i)] = b;
+    }
+    txWarning_ = new QLabel(QStringLiteral("Sending system data to the device…"), this);
+    txWarning_->setObjectName(QStringLiteral("TxWarning"));
+    txWarning_->setGeometry(twipsRect(kCommandLeft, 1095, 3300, 270));
+    txWarning_->setStyleSheet(QStringLiteral("color: #f2a33a;"));
+    txWarning_->hide();
+    txProgress_ = new QLabel(this);
+    txProgress_->setObjectName(QStringLiteral("TxProgress"));
+    txProgress_->setGeometry(twipsRect(kCommandLeft + 3 * kCommandStep, 1095, 1080, 270));
+    txProgress_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    txProgress_->setStyleSheet(QStringLiteral("color: #f2a33a; font-weight: bold;"));
+    txProgress_->hide();
+
+    pageArea_ = new PageArea(this);
+    pageArea_->setGeometry(0, twipsToPx(kPageTop), twipsToPx(kWidth), twipsToPx(kPageHeight));
+}
+
+void SysForm::setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name)
+{
+    b->setPicture(pm, name);
+}
+
+void SysForm::setErrorReporter(std::function<void(const QString&)> reporter)
+{
+    errorReporter_ = std::move(reporter);
+}
+
+void SysForm::runGuarded(const std::function<void()>& action)
+{
+    try {
+        action();
+    } catch (const FerruleError& e) {
+        lastError_ = e.message();
+        if (errorReporter_)
+            errorReporter_(lastError_);
+    }
+}
+
+// ---- set-up and lifecycle --------------------------------------------------------------------
+
+void SysForm::Setup()
+{
+    currentPage_ = -1;
+    currentTab_ = -1;
+    scaleView_ = phraseView_ = preampView_ = 0;
+
+    // The host's system data, byte by byte; a value that is not a byte stops the set-up.
+    const QObject* host = state_.host.host();
+    if (!host)
+        throw FerruleError(QStringLiteral("SysData: no host object has been set"));
+    SystemImage& image = state_.image;
+    for (int i = 0; i < SystemImage::kSize; ++i)
+        image.set(i, state_.host.sysData(i));
+    transmitted_ = false;
+
+    QVariant scheme = 0;
+    if (!RegRead(RegRoot::LocalMachine, kEditorKey, QStringLiteral("ColourSchemeX2"), scheme))
+        scheme = 2;
+    setProperty("colourScheme", scheme.toInt());
+    ApplyHostFont(this, state_.font);
+}
+
+void SysForm::SetFormat(int model)
+{
+    for (int i = 0; i < 5; ++i)
+        setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+    static constexpr int modelsByButton[] = {3, 5, 6, 8};
+    int button = 4;
+    for (int i = 0; i < 4; ++i)
+        if (modelsByButton[i] == model)
+            button = i;
+    state_.model = button == 4 ? 10 : model;
+    setButtonPicture(modeButtons_[std::size_t(button)], art_.mImg(20 + button),
+                     QStringLiteral("mImg(%1)").arg(20 + button));
+
+    const auto placements = tabPlacementsFor(state_.model);
+    for (int i = 0; i < 13; ++i) {
+        const TabPlacement& t = placements[std::size_t(i)];
+        ImageButton* b = tabButtons_[std::size_t(i)];
+        if (t.left >= 0)
+            b->move(twipsToPx(t.left), b->y());
+        if (t.visibility != TabPlacement::Keep)
+            b->setVisible(t.visibility == TabPlacement::Show);
+    }
+    setWindowTitle(QStringLiteral("System: GT-%1").arg(state_.model));
+}
+
+void SysForm::ShowTab(int page)
+{
+    if (state_.model == 0)
+        return;
+    if (page == currentPage_)
+        return;
+    currentPage_ = page;
+    const int oldTab = currentTab_;
+    const int tab = tabForPage(page, state_.model);
+    if (tab >= 0)
+        currentTab_ = tab;
+    if (oldTab >= 0)
+        setButtonPicture(tabButtons_[std::size_t(oldTab)], art_.Img(oldTab),
+                         QStringLiteral("Img(%1)").arg(oldTab));
+    if (currentTab_ >= 0)
+        setButtonPicture(tabButtons_[std::size_t(currentTab_)], art_.Img(currentTab_ + 40),
+                         QStringLiteral("Img(%1)").arg(currentTab_ + 40));
+}
+
+void SysForm::Form_Load()
+{
+    ApplyHostFont(this, state_.font);
+    for (int i = 0; i < 4; ++i)
+        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 4),
+                         QStringLiteral("CButton(%1)").arg(i + 4));
+    for (int i = 0; i < 13; ++i)
+        setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+    if (!loaded_) {
+        // A window loaded anew has an empty page area: the next ShowTab builds.
+        currentPage_ = -1;
+        currentTab_ = -1;
+    }
+    loaded_ = true;
+}
+
+void SysForm::Form_Unload()
+{
+    if (state_.model != 0)
+        RegWrite(RegRoot::LocalMachine, kEditorKey,
+                 QStringLiteral("SysLastDisp%1").arg(state_.model), currentPage_);
+}
+
+void SysForm::unload()
+{
+    Form_Unload();
+    loaded_ = false;
+    done(QDialog::Accepted);
+}
+
+void SysForm::closeEvent(QCloseEvent* e)
+{
+    // Closing the window from its frame is a cancel; CancelEdit unloads when it may.
+    e->ignore();
+    if (loaded_)
+        runGuarded([this] { CancelEdit(); });
+}
+
+void SysForm::reject() { runGuarded([this] { CancelEdit(); }); }
+
+// ---- commands -----------------------------------------------------------------------------------
+
+void SysForm::ToggleTransmission() {}
+
+void SysForm::ReloadFromHost()
+{
+    SystemImage reloaded;
+    for (int i = 0; i < SystemImage::kSize; ++i)
+        reloaded.set(i, state_.host.sysData(i));
+    state_.image = reloaded;
+    const int page = currentPage_;
+    currentPage_ = -1;
+    ShowTab(page);
+}
+
+void SysForm::CancelEdit()
+{
+    bool changed = false;
+    for (int i = 0; i < SystemImage::kSize && !changed; ++i)
+        changed = state_.host.sysData(i) != state_.image.at(i);
+    if (transmitted_ && changed) {
+        const QString text =
+            QStringLiteral("Are you sure you want to cancel?\r\n"
+                           "This will discard the changes you made in Tonebench,\r\n"
+                           "but you transmitted new data to the GT-%1.\r\n"
+                           "Click on 'Yes' to cancel anyway.")
+                .arg(state_.model);
+        QMessageBox box(QMessageBox::Question, QStringLiteral("Marwick"), text,
+                        QMessageBox::Yes | QMessageBox::No, this);
+        box.setObjectName(QStringLiteral("CancelQuestion"));
+        if (box.exec() != QMessageBox::Yes)
+            return;
+    }
+    unload();
+}
+
+void SysForm::CommitAndClose()
+{
+    for (int i = 0; i < SystemImage::kSize; ++i)
+        state_.host.call("SysData", {i, state_.image.at(i)});
+    unload();
+}
+
+// ---- tabs, mode and command buttons ---------------------------------------------------------------
+
+bool SysForm::TabAvailable(int tab, int model)
+{
+    // Columns: GT-3, GT-5, GT-6, GT-8, GT-10.
+    static constexpr bool table[13][5] = {
+        {true, true, true, true, true},     {true, true, true, true, true},
+        {true, true, true, true, false},    {true, false, true, true, false},
+        {false, true, true, true, false},   {false, true, true, true, true},
+        {false, false, true, true, false},  {false, false, false, true, false},
+        {false, false, false, true, true},  {false, false, false, false, true},
+        {false, false, false, false, true}, {false, false, false, false, true},
+        {false, false, false, false, true}};
+    if (tab >= 13)
+        return true;
+    if (tab < 0)
+        return false;
+    int column = 4;
+    for (int i = 0; i < 4; ++i)
+        if (modelForModeButton(i) == model)
+            column = i;
+    return table[tab][column];
+}
+
+int SysForm::pageForTab(int tab)
+{
+    static constexpr int pages[13] = {1, 4, 5, 6, 8, 9, 10, 7, 11, 12, 13, 14, 15};
+    return tab >= 0 && tab < 13 ? pages[tab] : -1;
+}
+
+int SysForm::modelForModeButton(int index)
+{
+    static constexpr int models[5] = {3, 5, 6, 8, 10};
+    return models[index];
+}
+
+bool SysForm::outside(const ImageButton* b, int x, int y)
+{
+    return x < 0 || y < 0 || x > b->widthTwips() || y > b->heightTwips();
+}
+
+void SysForm::modeDown(int i, Qt::MouseButton, int, int)
+{
+    if (modelForModeButton(i) == state_.model)
+        return;
+    setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i + 10),
+                     QStringLiteral("mImg(%1)").arg(i + 10));
+    modePressed_ = true;
+}
+
+void SysForm::modeMove(int i, int x, int y)
+{
+    if (!modePressed_ || !outside(modeButtons_[std::size_t(i)], x, y))
+        return;
+    setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+    modePressed_ = false;
+}
+
+void SysForm::modeUp(int i)
+{
+    if (!modePressed_)
+        return;
+    modePressed_ = false;
+    runGuarded([this, i] {
+        SetFormat(modelForModeButton(i));
+        if (TabAvailable(currentTab_, state_.model)) {
+            const int page = currentPage_;
+            currentPage_ = -1;
+            ShowTab(page);
+        } else {
+            ShowTab(1);
+        }
+    });
+}
+
+void SysForm::tabDown(int i, Qt::MouseButton, int, int)
+{
+    if (i == currentTab_ || !TabAvailable(i, state_.model))
+        return;
+    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i + 20), QStringLiteral("Img(%1)").arg(i + 20));
+    tabPressed_ = true;
+}
+
+void SysForm::tabMove(int i, int x, int y)
+{
+    if (!tabPressed_ || !outside(tabButtons_[std::size_t(i)], x, y))
+        return;
+    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+    tabPressed_ = false;
+}
+
+void SysForm::tabUp(int i)
+{
+    if (!tabPressed_)
+        return;
+    tabPressed_ = false;
+    const int page = pageForTab(i);
+    if (page != currentPage_)
+        runGuarded([this, page] { ShowTab(page); });
+}
+
+void SysForm::showCommandNormal(int i)
+{
+    if (i == 0 && state_.transmissionStep != 0)
+        setButtonPicture(commandButtons_[0], art_.CButton(12), QStringLiteral("CButton(12)"));
+    else
+        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 4),
+                         QStringLiteral("CButton(%1)").arg(i + 4));
+}
+
+void SysForm::commandDown(int i, Qt::MouseButton, int, int)
+{
+    const bool running = state_.transmissionStep != 0;
+    if (running && i == 0)
+        setButtonPicture(commandButtons_[0], art_.CButton(13), QStringLiteral("CButton(13)"));
+    else if (!running)
+        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 8),
+                         QStringLiteral("CButton(%1)").arg(i + 8));
+    commandPressed_ = true;
+}
+
+void SysForm::commandMove(int i, int x, int y)
+{
+    if (!commandPressed_ || !outside(commandButtons_[std::size_t(i)], x, y))
+        return;
+    showCommandNormal(i);
+    commandPressed_ = false;
+}
+
+void SysForm::commandUp(int i)
+{
+    if (!commandPressed_)
+        return;
+    showCommandNormal(i);
+    commandPressed_ = false;
+    runGuarded([this, i] {
+        switch (i) {
+        case 0: ToggleTransmission(); break;
+        case 1: ReloadFromHost(); break;
+        case 2: CancelEdit(); break;
+        case 3: CommitAndClose(); break;
+        default: break;
+        }
+    });
+}
+
+} // namespace ferrule

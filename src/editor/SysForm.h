@@ -1,0 +1,117 @@
+#pragma once
+
+#include "controls/ButtonArt.h"
+
+#include <QDialog>
+#include <QString>
+
+#include <array>
+#include <functional>
+
+class QLabel;
+
+namespace ferrule {
+
+struct ModuleState;
+class ImageButton;
+class PageArea;
+
+// The editor window: mode buttons, tab buttons, command buttons and the page area. Set up once
+// for a plug-in (Setup), laid out per model (SetFormat), shown modally by the plug-in's Start.
+class SysForm : public QDialog {
+    Q_OBJECT
+    Q_PROPERTY(int CurrentPage READ currentPage)
+    Q_PROPERTY(int CurrentTab READ currentTab)
+    Q_PROPERTY(int model READ model)
+    Q_PROPERTY(bool transmitted READ transmitted)
+    Q_PROPERTY(QString lastError READ lastError)
+public:
+    // Window geometry in twips.
+    static constexpr int kWidth = 9480;
+    static constexpr int kPageTop = 1440;
+    static constexpr int kPageHeight = 6360;
+    static constexpr int kHeight = kPageTop + kPageHeight;
+
+    explicit SysForm(ModuleState& state);
+    ~SysForm() override;
+
+    void Setup();
+    void SetFormat(int model);
+    Q_INVOKABLE void ShowTab(int page);
+    void Form_Load();
+    void Form_Unload();
+
+    // The four commands of the command buttons.
+    void ToggleTransmission();
+    void ReloadFromHost();
+    void CancelEdit();
+    void CommitAndClose();
+
+    static bool TabAvailable(int tab, int model);
+    static int pageForTab(int tab);
+    static int modelForModeButton(int index);
+
+    int currentPage() const { return currentPage_; }
+    int currentTab() const { return currentTab_; }
+    int model() const;
+    bool transmitted() const { return transmitted_; }
+    QString lastError() const { return lastError_; }
+    bool isLoaded() const { return loaded_; }
+
+    ImageButton* modeButton(int i) const { return modeButtons_.at(std::size_t(i)); }
+    ImageButton* tabButton(int i) const { return tabButtons_.at(std::size_t(i)); }
+    ImageButton* commandButton(int i) const { return commandButtons_.at(std::size_t(i)); }
+    QLabel* txWarning() const { return txWarning_; }
+    QLabel* txProgress() const { return txProgress_; }
+    PageArea* pageArea() const { return pageArea_; }
+
+    // Window actions catch errors at their edge and hand them here; the default shows a message
+    // box. Tests replace it.
+    void setErrorReporter(std::function<void(const QString&)> reporter);
+
+protected:
+    void closeEvent(QCloseEvent* e) override;
+    void reject() override;
+
+private:
+    void buildChrome();
+    void unload();
+    void runGuarded(const std::function<void()>& action);
+    void setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name);
+    void showCommandNormal(int i);
+
+    void modeDown(int i, Qt::MouseButton button, int x, int y);
+    void modeMove(int i, int x, int y);
+    void modeUp(int i);
+    void tabDown(int i, Qt::MouseButton button, int x, int y);
+    void tabMove(int i, int x, int y);
+    void tabUp(int i);
+    void commandDown(int i, Qt::MouseButton button, int x, int y);
+    void commandMove(int i, int x, int y);
+    void commandUp(int i);
+    static bool outside(const ImageButton* b, int x, int y);
+
+    ModuleState& state_;
+    ButtonArt art_;
+    std::array<ImageButton*, 5> modeButtons_{};
+    std::array<ImageButton*, 13> tabButtons_{};
+    std::array<ImageButton*, 4> commandButtons_{};
+    QLabel* txWarning_ = nullptr;
+    QLabel* txProgress_ = nullptr;
+    PageArea* pageArea_ = nullptr;
+
+    int currentPage_ = -1;
+    int currentTab_ = -1;
+    int scaleView_ = 0;
+    int phraseView_ = 0;
+    int preampView_ = 0;
+    bool transmitted_ = false;
+    bool modePressed_ = false;
+    bool tabPressed_ = false;
+    bool commandPressed_ = false;
+    bool loaded_ = false;
+    QString lastError_;
+    std::function<void(const QString&)> errorReporter_;
+};
+
+} // namespace ferrule

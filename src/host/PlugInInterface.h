@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QtPlugin>
+
+namespace ferrule {
+
+// What a host sees of the plug-in: the fifteen members, in slot order. The same members are on
+// the PlugIn object's meta-object, so a host may also reach them by name. A failing member
+// throws ferrule::FerruleError (sysdata/FerruleError.h) back to the host.
+class PlugInInterface {
+public:
+    virtual ~PlugInInterface() = default;
+
+    virtual void Interface(QObject* host) = 0;
+    virtual void Owner(QObject* window) = 0;
+    virtual void Center(qint16 x, qint16 y) = 0;
+    virtual void Title(const QString& title) = 0;
+    virtual void Format(int model) = 0;
+    virtual void Start() = 0;
+    virtual void Quit() = 0;
+    virtual int Version() const = 0;
+    virtual int Compatibility() const = 0;
+    virtual QString About() const = 0;
+    virtual QString MenuEntry() const = 0;
+    virtual void EditForwards() = 0;
+    virtual void EditBackwards() = 0;
+    virtual void EditValue(uchar value) = 0;
+    virtual void QueueEmpty() = 0;
+};
+
+} // namespace ferrule
+
+#define FerrulePlugInInterface_iid "org.tonebench.PlugIn/4.2"
+Q_DECLARE_INTERFACE(ferrule::PlugInInterface, FerrulePlugInInterface_iid)

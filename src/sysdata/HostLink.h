@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QByteArray>
+#include <vector>
+#include <QPointer>
+#include <QVariant>
+
+#include <initializer_list>
+
+class QObject;
+
+namespace ferrule {
+
+// Late-bound access to the host object by member name, through its meta-object. Every failure
+// (a missing member, an argument or result that does not convert) throws FerruleError naming
+// the member.
+class HostLink {
+public:
+    void setHost(QObject* host);
+    QObject* host() const { return host_; }
+    bool hasHost() const { return !host_.isNull(); }
+
+    bool hasProperty(const char* name) const;
+    QVariant property(const char* name) const;
+    int propertyInt(const char* name) const;
+    bool propertyBool(const char* name) const;
+
+    // Calls the host method `name` taking exactly args.size() arguments; each argument is
+    // converted to the parameter's type. Returns the result (invalid for a void method).
+    QVariant call(const char* name, std::initializer_list<QVariant> args) const;
+
+    // A host value converted to an unsigned byte (0-255) or an integer; the error names the
+    // member, with its index when one is given.
+    static int toByte(const QVariant& value, const char* member, int index = -1);
+    static int toInt(const QVariant& value, const char* member, int index = -1);
+
+    // SysData(index) read as a byte.
+    int sysData(int index) const;
+
+private:
+    int methodIndex(const char* name, int argumentCount) const;
+    void requireHost(const char* name) const;
+
+    QPointer<QObject> host_;
+    struct CachedMethod {
+        QByteArray name;
+        int argumentCount;
+        int index;
+    };
+    mutable std::vector<CachedMethod> methodCache_;
+};
+
+} // namespace ferrule

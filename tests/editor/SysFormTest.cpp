@@ -1,0 +1,199 @@
+#include "TestHost.h"
+#include "editor/ImageButton.h"
+#include "editor/SysForm.h"
+#include "sysdata/ModuleState.h"
+#include "sysdata/ParameterEncoding.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+class SysFormTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        state.host.setHost(&host);
+        form = std::make_unique<SysForm>(state);
+        form->Setup();
+        form->Form_Load();
+    }
+
+    std::vector<int> visibleTabs() const
+    {
+        std::vector<int> out;
+        for (int i = 0; i < 13; ++i)
+            if (!form->tabButton(i)->isHidden())
+                out.push_back(i);
+        return out;
+    }
+    int tabLeft(int i) const { return form->tabButton(i)->x() * 15; }
+
+    TestHost host;
+    ModuleState state;
+    std::unique_ptr<SysForm> form;
+};
+
+// Presses, optionally drags to (dx, dy) pixels from the press, and releases, as a user does.
+void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {})
+{
+    const QPoint at(w->width() / 2, w->height() / 2);
+    QTest::mousePress(w, Qt::LeftButton, {}, at);
+    if (!drag.isNull()) {
+        QMouseEvent move(QEvent::MouseMove, at + drag, w->mapToGlobal(at + drag), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QApplication::sendEvent(w, &move);
+    }
+    if (!back.isNull()) {
+        QMouseEvent move(QEvent::MouseMove, at, w->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QApplication::sendEvent(w, &move);
+    }
+    QTest::mouseRelease(w, Qt::LeftButton, {}, at + drag);
+}
+
+} // namespace
+
+TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel)
+{
+    form->SetFormat(3);
+    EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-3"));
+    EXPECT_EQ(visibleTabs(), (std::vector<int>{0, 1, 2, 3, 4, 5, 6}));
+    for (int i = 1; i <= 6; ++i)
+        EXPECT_EQ(tabLeft(i), 495 * i + 60);
+
+    form->SetFormat(8);
+    EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-8"));
+    EXPECT_EQ(visibleTabs(), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+    const int lefts[] = {1545, 2040, 2535, 3030, 3525, 4020};
+    for (int i = 1; i <= 6; ++i)
+        EXPECT_EQ(tabLeft(i), lefts[i - 1]);
+    EXPECT_EQ(form->modeButton(3)->pictureName(), QStringLiteral("mImg(23)"));
+
+    form->SetFormat(10);
+    EXPECT_EQ(visibleTabs(), (std::vector<int>{0, 1, 5, 8, 9, 10, 11, 12}));
+    EXPECT_EQ(tabLeft(1), 555);
+    EXPECT_EQ(tabLeft(5), 1545);
+    for (int i = 9; i <= 12; ++i)
+        EXPECT_EQ(tabLeft(i), 495 * (i - 9) + 2040);
+    EXPECT_EQ(form->modeButton(3)->pictureName(), QStringLiteral("mImg(3)")) << "the old model's button is normal again";
+
+    for (int model : {5, 6}) {
+        form->SetFormat(model);
+        EXPECT_EQ(visibleTabs(), (std::vector<int>{0, 1, 2, 3, 4, 5, 6})) << model;
+    }
+    // Any other number means the GT-10.
+    for (int unknown : {4, 0, -7, 12}) {
+        form->SetFormat(unknown);
+        EXPECT_EQ(state.model, 10);
+        EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-10"));
+        EXPECT_EQ(form->modeButton(4)->pictureName(), QStringLiteral("mImg(24)"));
+    }
+    // No two visible tabs overlap, on any model.
+    for (int model : kModels) {
+        form->SetFormat(model);
+        std::vector<int> lefts2;
+        for (int t : visibleTabs())
+            lefts2.push_back(tabLeft(t));
+        std::sort(lefts2.begin(), lefts2.end());
+        EXPECT_EQ(std::adjacent_find(lefts2.begin(), lefts2.end()), lefts2.end()) << model;
+    }
+}
+
+TEST_F(SysFormTest, TabAvailabilityFollowsTheModelTable)
+{
+    const std::map<int, std::vector<int>> available = {{3, {0, 1, 2, 3}},
+                                                       {5, {0, 1, 2, 4, 5}},
+                                                       {6, {0, 1, 2, 3, 4, 5, 6}},
+                                                       {8, {0, 1, 2, 3, 4, 5, 6, 7, 8}},
+                                                       {10, {0, 1, 5, 8, 9, 10, 11, 12}}};
+    for (const auto& [model, tabs] : available) {
+        for (int t = 0; t < 13; ++t)
+            EXPECT_EQ(SysForm::TabAvailable(t, model), std::find(tabs.begin(), tabs.end(), t) != tabs.end())
+                << "model " << model << " tab " << t;
+        EXPECT_TRUE(SysForm::TabAvailable(13, model));
+    }
+}
+
+TEST_F(SysFormTest, TabPressDragOffAndRelease)
+{
+    form->SetFormat(8);
+    form->ShowTab(1);
+    ImageButton* midi = form->tabButton(1);
+    pressDragRelease(midi, QPoint(0, 200)); // dragged off downwards
+    EXPECT_EQ(form->currentPage(), 1);
+    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(1)"));
+    pressDragRelease(midi, QPoint(0, 200), QPoint(1, 1)); // dragging back does not re-arm
+    EXPECT_EQ(form->currentPage(), 1);
+
+    QTest::mousePress(midi, Qt::LeftButton);
+    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(21)"));
+    QTest::mouseRelease(midi, Qt::LeftButton);
+    EXPECT_EQ(form->currentPage(), 4);
+    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
+    EXPECT_EQ(form->tabButton(0)->pictureName(), QStringLiteral("Img(0)"));
+
+    // The current tab and an unavailable tab do not react.
+    QTest::mousePress(midi, Qt::LeftButton);
+    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
+    QTest::mouseRelease(midi, Qt::LeftButton);
+    form->SetFormat(10);
+    QTest::mousePress(form->tabButton(2), Qt::LeftButton);
+    EXPECT_EQ(form->tabButton(2)->pictureName(), QStringLiteral("Img(2)"));
+    QTest::mouseRelease(form->tabButton(2), Qt::LeftButton);
+    EXPECT_EQ(form->currentPage(), 4);
+}
+
+TEST_F(SysFormTest, ModeButtonsSwitchModelKeepingThePageWhereItsTabExists)
+{
+    form->SetFormat(10);
+    form->ShowTab(14);
+    pressDragRelease(form->modeButton(3)); // GT-8 has no tab 11
+    EXPECT_EQ(state.model, 8);
+    EXPECT_EQ(form->currentPage(), 1);
+
+    form->ShowTab(4);
+    pressDragRelease(form->modeButton(1)); // GT-5 has the MIDI tab
+    EXPECT_EQ(state.model, 5);
+    EXPECT_EQ(form->currentPage(), 4);
+    EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-5"));
+
+    // The current model's button changes nothing, not even its picture.
+    QTest::mousePress(form->modeButton(1), Qt::LeftButton);
+    EXPECT_EQ(form->modeButton(1)->pictureName(), QStringLiteral("mImg(21)"));
+    QTest::mouseRelease(form->modeButton(1), Qt::LeftButton);
+
+    // Dragged off: back to normal, no switch.
+    QTest::mousePress(form->modeButton(0), Qt::LeftButton);
+    EXPECT_EQ(form->modeButton(0)->pictureName(), QStringLiteral("mImg(10)"));
+    pressDragRelease(form->modeButton(0), QPoint(-300, 0));
+    EXPECT_EQ(form->modeButton(0)->pictureName(), QStringLiteral("mImg(0)"));
+    EXPECT_EQ(state.model, 5);
+}
+
+TEST_F(SysFormTest, CommandButtonPicturesFollowThePress)
+{
+    ImageButton* reload = form->commandButton(1);
+    QTest::mousePress(reload, Qt::LeftButton);
+    EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(9)"));
+    QMouseEvent move(QEvent::MouseMove, QPointF(-5, 3), reload->mapToGlobal(QPointF(-5, 3)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QApplication::sendEvent(reload, &move);
+    EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(5)"));
+    QTest::mouseRelease(reload, Qt::LeftButton);
+    EXPECT_EQ(host.reads, 43252) << "a dragged-off press does not reload";
+}
+
+TEST_F(SysFormTest, CommitWritesEveryByteAndReloadRereadsTheHost)
+{
+    host.fillPattern();
+    form->ReloadFromHost();
+    EXPECT_EQ(state.image.toByteArray(), host.image);
+    state.image.set(100, 99);
+    state.image.set(43251, 1);
+    QByteArray expected = state.image.toByteArray();
+    form->CommitAndClose();
+    EXPECT_EQ(host.image, expected);
+    EXPECT_EQ(host.writes, 43252);
+}

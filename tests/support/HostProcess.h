@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+
+// Runs the real ferrule-host with the offscreen platform and a private settings root.
+struct HostRun {
+    int exitCode = -1;
+    QByteArray out;
+    QByteArray err;
+    QStringList errLines() const
+    {
+        return QString::fromLocal8Bit(err).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+};
+
+inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000)
+{
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
+    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(FERRULE_HOST_BINARY), args);
+    HostRun r;
+    if (!p.waitForFinished(timeoutMs)) {
+        p.kill();
+        p.waitForFinished();
+        return r;
+    }
+    r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err = p.readAllStandardError();
+    return r;
+}

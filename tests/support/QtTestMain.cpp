@@ -1,0 +1,17 @@
+// Test main for every test program: a QApplication on the offscreen platform and a settings
+// root of its own, so that no test touches a user's settings.
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QTemporaryDir settingsRoot;
+    qputenv("FERRULE_SETTINGS_ROOT", settingsRoot.path().toLocal8Bit());
+    QApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
