@@ -6,8 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
-static void BM_SetupCopiesSystemDataByName(benchmark::State& st)
-{
+static void BM_SetupCopiesSystemDataByName(benchmark::State& st) {
     TestHost host;
     host.fillPattern();
     ferrule::ModuleState state;

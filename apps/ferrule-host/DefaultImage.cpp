@@ -5,17 +5,16 @@ namespace {
 constexpr int kImageSize = 43252;
 
 // Harmonist user scales: 29 scales of 12 bytes; every note harmonised a major third up (28).
-void fillScales(QByteArray& image, int base)
-{
+void fillScales(QByteArray& image, int base) {
     for (int i = 0; i < 29 * 12; ++i)
         image[base + i] = char(28);
 }
 
 // Auto-Riff user phrases: 10 phrases of 12 keys × 16 steps. Each key plays an ascending run on
 // its own root (code 24 = the key's note) and ends after step 8.
-void fillPhrases(QByteArray& image, int base)
-{
-    static constexpr char run[16] = {24, 28, 31, 36, 31, 28, 24, 19, 50, 50, 50, 50, 50, 50, 50, 50};
+void fillPhrases(QByteArray& image, int base) {
+    static constexpr char run[16] = {24, 28, 31, 36, 31, 28, 24, 19,
+                                     50, 50, 50, 50, 50, 50, 50, 50};
     for (int phrase = 0; phrase < 10; ++phrase)
         for (int key = 0; key < 12; ++key)
             for (int step = 0; step < 16; ++step)
@@ -24,15 +23,14 @@ void fillPhrases(QByteArray& image, int base)
 
 } // namespace
 
-QByteArray makeDefaultImage()
-{
+QByteArray makeDefaultImage() {
     QByteArray image(kImageSize, char(0));
-    fillScales(image, 1048);  // GT-3
-    fillScales(image, 5150);  // GT-5
-    fillScales(image, 8074);  // GT-6
-    fillScales(image, 11511); // GT-8
-    fillPhrases(image, 1396); // GT-3
-    fillPhrases(image, 8422); // GT-6
+    fillScales(image, 1048);   // GT-3
+    fillScales(image, 5150);   // GT-5
+    fillScales(image, 8074);   // GT-6
+    fillScales(image, 11511);  // GT-8
+    fillPhrases(image, 1396);  // GT-3
+    fillPhrases(image, 8422);  // GT-6
     fillPhrases(image, 11859); // GT-8
     // A few system values away from zero so that a first look shows the controls at work: tuner
     // pitch, equaliser levels at their middle, reverb level and LCD contrast.
@@ -40,12 +38,12 @@ QByteArray makeDefaultImage()
         int index;
         int value;
     } values[] = {
-        {0, 5},     {3, 20},    {4, 20},    {5, 20},    {6, 50},    {7, 8},     // GT-3
-        {4362, 5},  {4366, 20}, {4367, 20}, {4368, 20}, {4369, 50},             // GT-5
-        {7022, 5},  {7025, 20}, {7026, 20}, {7027, 20}, {7028, 50}, {7029, 8},  // GT-6
-        {10400, 5}, {10403, 20}, {10404, 20}, {10406, 20}, {10407, 20}, {10408, 50},
+        {0, 5},      {3, 20},     {4, 20},     {5, 20},     {6, 50},     {7, 8},    // GT-3
+        {4362, 5},   {4366, 20},  {4367, 20},  {4368, 20},  {4369, 50},             // GT-5
+        {7022, 5},   {7025, 20},  {7026, 20},  {7027, 20},  {7028, 50},  {7029, 8}, // GT-6
+        {10400, 5},  {10403, 20}, {10404, 20}, {10406, 20}, {10407, 20}, {10408, 50},
         {10409, 8}, // GT-8
-        {19105, 8}, {19153, 5}, {19127, 99}, {19169, 20}, {19171, 20}, {19173, 20},
+        {19105, 8},  {19153, 5},  {19127, 99}, {19169, 20}, {19171, 20}, {19173, 20},
         {19175, 20}, {19177, 12}, {19178, 12}, {19181, 12}, // GT-10
     };
     for (const auto& v : values)

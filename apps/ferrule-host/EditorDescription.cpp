@@ -10,37 +10,38 @@ namespace {
 
 constexpr int kTwipsPerPixel = 15;
 
-QJsonValue toJson(const QVariant& v)
-{
+QJsonValue toJson(const QVariant& v) {
     switch (v.typeId()) {
-    case QMetaType::Bool: return v.toBool();
+    case QMetaType::Bool:
+        return v.toBool();
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::Short:
     case QMetaType::UChar:
-    case QMetaType::LongLong: return v.toLongLong();
+    case QMetaType::LongLong:
+        return v.toLongLong();
     case QMetaType::Double:
-    case QMetaType::Float: return v.toDouble();
-    case QMetaType::QStringList: return QJsonArray::fromStringList(v.toStringList());
-    default: return v.toString();
+    case QMetaType::Float:
+        return v.toDouble();
+    case QMetaType::QStringList:
+        return QJsonArray::fromStringList(v.toStringList());
+    default:
+        return v.toString();
     }
 }
 
 // The properties a control class declares itself (not those of QWidget).
-QJsonObject ownProperties(const QObject* o)
-{
+QJsonObject ownProperties(const QObject* o) {
     QJsonObject out;
     const QMetaObject* mo = o->metaObject();
     for (int i = QWidget::staticMetaObject.propertyCount(); i < mo->propertyCount(); ++i) {
         const QMetaProperty p = mo->property(i);
-        if (p.isReadable())
-            out.insert(QString::fromLatin1(p.name()), toJson(p.read(o)));
+        if (p.isReadable()) out.insert(QString::fromLatin1(p.name()), toJson(p.read(o)));
     }
     return out;
 }
 
-QJsonObject position(const QWidget* w, const QWidget* area)
-{
+QJsonObject position(const QWidget* w, const QWidget* area) {
     const QPoint at = w->mapTo(area, QPoint(0, 0));
     return {{QStringLiteral("left"), at.x() * kTwipsPerPixel},
             {QStringLiteral("top"), at.y() * kTwipsPerPixel},
@@ -50,8 +51,7 @@ QJsonObject position(const QWidget* w, const QWidget* area)
 
 } // namespace
 
-QByteArray describeEditor(QWidget* editor)
-{
+QByteArray describeEditor(QWidget* editor) {
     QJsonObject root = ownProperties(editor);
     root.insert(QStringLiteral("caption"), editor->windowTitle());
 
@@ -60,8 +60,7 @@ QByteArray describeEditor(QWidget* editor)
     const QWidget* area = editor->findChild<QWidget*>(QStringLiteral("PageArea"));
     const auto widgets = editor->findChildren<QWidget*>();
     for (const QWidget* w : widgets) {
-        if (!w->isVisibleTo(editor))
-            continue;
+        if (!w->isVisibleTo(editor)) continue;
         const QString kind = w->property("ferruleKind").toString();
         if (w->inherits("ferrule::ImageButton")) {
             QJsonObject b = ownProperties(w);

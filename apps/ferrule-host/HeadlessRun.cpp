@@ -11,37 +11,28 @@
 #include <cstdio>
 
 HeadlessRun::HeadlessRun(const HostOptions& options)
-    : options_(options)
-{
-}
+    : options_(options) {}
 
-void HeadlessRun::arm()
-{
-    if (options_.page < 0 && !options_.headless())
-        return;
+void HeadlessRun::arm() {
+    if (options_.page < 0 && !options_.headless()) return;
     QTimer::singleShot(0, this, &HeadlessRun::run);
 }
 
-QWidget* HeadlessRun::findEditor()
-{
+QWidget* HeadlessRun::findEditor() {
     for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->objectName() == QLatin1String("SysForm") && w->isVisible())
-            return w;
+        if (w->objectName() == QLatin1String("SysForm") && w->isVisible()) return w;
     return nullptr;
 }
 
-void HeadlessRun::run()
-{
+void HeadlessRun::run() {
     QWidget* editor = findEditor();
     if (!editor) {
         std::fprintf(stderr, "ferrule-host: the editor window did not open\n");
         status_ = 1;
         return;
     }
-    if (options_.page >= 0)
-        QMetaObject::invokeMethod(editor, "ShowTab", Q_ARG(int, options_.page));
-    if (!options_.headless())
-        return;
+    if (options_.page >= 0) QMetaObject::invokeMethod(editor, "ShowTab", Q_ARG(int, options_.page));
+    if (!options_.headless()) return;
     if (!options_.screenshot.isEmpty()) {
         const QPixmap shot = editor->grab();
         if (!shot.save(options_.screenshot, "PNG")) {
@@ -52,8 +43,7 @@ void HeadlessRun::run()
             std::printf("screenshot written to %s\n", qPrintable(options_.screenshot));
         }
     }
-    if (options_.describe)
-        std::fputs(describeEditor(editor).constData(), stdout);
+    if (options_.describe) std::fputs(describeEditor(editor).constData(), stdout);
     std::fflush(stdout);
     // Close without keeping changes.
     QMetaObject::invokeMethod(editor, "reject");

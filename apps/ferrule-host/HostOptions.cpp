@@ -5,8 +5,7 @@
 
 #include <cstring>
 
-bool wantsHeadless(int argc, char** argv)
-{
+bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
         if (std::strncmp(a, "--screenshot", 12) == 0 || std::strcmp(a, "--describe") == 0 ||
@@ -16,8 +15,7 @@ bool wantsHeadless(int argc, char** argv)
     return false;
 }
 
-ParsedOptions parseHostOptions(const QStringList& arguments)
-{
+ParsedOptions parseHostOptions(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Stand-alone host for the Ferrule system-settings editor of GT- devices."));
@@ -26,13 +24,14 @@ ParsedOptions parseHostOptions(const QStringList& arguments)
     const QCommandLineOption model({QStringLiteral("m"), QStringLiteral("model")},
                                    QStringLiteral("Device model: 3, 5, 6, 8 or 10 (default 10)."),
                                    QStringLiteral("N"), QStringLiteral("10"));
-    const QCommandLineOption title(QStringLiteral("title"),
-                                   QStringLiteral("Window title after \"System: \" (default GT-N)."),
-                                   QStringLiteral("TEXT"));
-    const QCommandLineOption data({QStringLiteral("d"), QStringLiteral("data")},
-                                  QStringLiteral("Raw 43,252-byte system data file to edit; written back "
-                                                 "when the editor closes keeping its changes."),
-                                  QStringLiteral("FILE"));
+    const QCommandLineOption title(
+        QStringLiteral("title"), QStringLiteral("Window title after \"System: \" (default GT-N)."),
+        QStringLiteral("TEXT"));
+    const QCommandLineOption data(
+        {QStringLiteral("d"), QStringLiteral("data")},
+        QStringLiteral("Raw 43,252-byte system data file to edit; written back "
+                       "when the editor closes keeping its changes."),
+        QStringLiteral("FILE"));
     const QCommandLineOption plugin(QStringLiteral("plugin"),
                                     QStringLiteral("Plug-in library, or a folder holding it."),
                                     QStringLiteral("PATH"));
@@ -63,7 +62,8 @@ ParsedOptions parseHostOptions(const QStringList& arguments)
         return result;
     }
     if (!parser.positionalArguments().isEmpty()) {
-        result.error = QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
+        result.error =
+            QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
         return result;
     }
     HostOptions o;
@@ -82,7 +82,8 @@ ParsedOptions parseHostOptions(const QStringList& arguments)
     if (parser.isSet(page)) {
         o.page = parser.value(page).toInt(&ok);
         if (!ok || o.page < 0 || o.page > 15) {
-            result.error = QStringLiteral("--page \"%1\" is not a page number 0-15").arg(parser.value(page));
+            result.error =
+                QStringLiteral("--page \"%1\" is not a page number 0-15").arg(parser.value(page));
             return result;
         }
     }

@@ -20,8 +20,8 @@ struct HostOptions {
 
 struct ParsedOptions {
     std::optional<HostOptions> options;
-    QString error;     // set when the command line is bad (exit 2)
-    QString message;   // set for --help and --version (exit 0)
+    QString error;   // set when the command line is bad (exit 2)
+    QString message; // set for --help and --version (exit 0)
 };
 
 ParsedOptions parseHostOptions(const QStringList& arguments);

@@ -10,15 +10,13 @@
 
 namespace {
 
-bool carriesKey(const QString& file, const QString& key)
-{
+bool carriesKey(const QString& file, const QString& key) {
     QPluginLoader loader(file);
     const QJsonObject meta = loader.metaData().value(QStringLiteral("MetaData")).toObject();
     return meta.value(QStringLiteral("Keys")).toArray().contains(key);
 }
 
-QString findIn(const QString& folder, const QString& key)
-{
+QString findIn(const QString& folder, const QString& key) {
     const QDir dir(folder);
     for (const QFileInfo& f : dir.entryInfoList(QDir::Files)) {
         if (QLibrary::isLibrary(f.fileName()) && carriesKey(f.absoluteFilePath(), key))
@@ -29,14 +27,13 @@ QString findIn(const QString& folder, const QString& key)
 
 } // namespace
 
-QStringList defaultPlugInFolders()
-{
+QStringList defaultPlugInFolders() {
     const QString appDir = QCoreApplication::applicationDirPath();
-    return {QStringLiteral(FERRULE_BUILD_PLUGIN_DIR), QDir(appDir).filePath(QStringLiteral(FERRULE_PLUGIN_RELDIR))};
+    return {QStringLiteral(FERRULE_BUILD_PLUGIN_DIR),
+            QDir(appDir).filePath(QStringLiteral(FERRULE_PLUGIN_RELDIR))};
 }
 
-LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath)
-{
+LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath) {
     if (!explicitPath.isEmpty()) {
         const QFileInfo info(explicitPath);
         if (!info.exists())
@@ -44,18 +41,22 @@ LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath)
         if (info.isDir()) {
             const QString found = findIn(info.absoluteFilePath(), key);
             if (found.isEmpty())
-                return {{}, QStringLiteral("no plug-in with the key %1 in \"%2\"").arg(key, explicitPath)};
+                return {
+                    {},
+                    QStringLiteral("no plug-in with the key %1 in \"%2\"").arg(key, explicitPath)};
             return {found, {}};
         }
         if (!carriesKey(info.absoluteFilePath(), key))
-            return {{}, QStringLiteral("\"%1\" is not a plug-in with the key %2").arg(explicitPath, key)};
+            return {
+                {},
+                QStringLiteral("\"%1\" is not a plug-in with the key %2").arg(explicitPath, key)};
         return {info.absoluteFilePath(), {}};
     }
     for (const QString& folder : defaultPlugInFolders()) {
         const QString found = findIn(folder, key);
-        if (!found.isEmpty())
-            return {found, {}};
+        if (!found.isEmpty()) return {found, {}};
     }
-    return {{}, QStringLiteral("the plug-in %1 was not found (looked in %2)")
-                    .arg(key, defaultPlugInFolders().join(QStringLiteral(", ")))};
+    return {{},
+            QStringLiteral("the plug-in %1 was not found (looked in %2)")
+                .arg(key, defaultPlugInFolders().join(QStringLiteral(", ")))};
 }

@@ -27,15 +27,13 @@ namespace {
 constexpr int kImageSize = 43252;
 constexpr int kBadInput = 2;
 
-int badInput(const QString& line)
-{
+int badInput(const QString& line) {
     std::fprintf(stderr, "ferrule-host: %s\n", qPrintable(line));
     return kBadInput;
 }
 
 // Reads the data file; on failure returns an empty array and says why.
-QByteArray readImage(const QString& path, QString& error)
-{
+QByteArray readImage(const QString& path, QString& error) {
     const QFileInfo info(path);
     if (!info.exists()) {
         error = QStringLiteral("data file \"%1\" does not exist").arg(path);
@@ -52,7 +50,8 @@ QByteArray readImage(const QString& path, QString& error)
     }
     QByteArray data = file.read(kImageSize + 1);
     if (data.size() != kImageSize) {
-        error = QStringLiteral("data file \"%1\" holds %2 bytes; system data must be exactly 43252 bytes")
+        error = QStringLiteral(
+                    "data file \"%1\" holds %2 bytes; system data must be exactly 43252 bytes")
                     .arg(path)
                     .arg(info.size());
         return {};
@@ -60,28 +59,27 @@ QByteArray readImage(const QString& path, QString& error)
     return data;
 }
 
-bool displayAvailable()
-{
-    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+bool displayAvailable() {
+    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
 } // namespace
 
-int main(int argc, char** argv)
-{
+int main(int argc, char** argv) {
     const bool headless = wantsHeadless(argc, argv);
     if (headless && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     bool needsDisplay = !headless;
     for (int i = 1; i < argc; ++i) {
         const QByteArray a(argv[i]);
-        if (a == "--help" || a == "-h" || a == "--version" || a == "-v")
-            needsDisplay = false;
+        if (a == "--help" || a == "-h" || a == "--version" || a == "-v") needsDisplay = false;
     }
     if (needsDisplay && !displayAvailable())
-        return badInput(QStringLiteral("no display to show the editor on; use --screenshot FILE.png "
-                                       "to render it without one"));
+        return badInput(
+            QStringLiteral("no display to show the editor on; use --screenshot FILE.png "
+                           "to render it without one"));
     if (!needsDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !displayAvailable())
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
@@ -96,8 +94,7 @@ int main(int argc, char** argv)
             arguments << QString::fromLocal8Bit(argv[++i]);
             continue;
         }
-        if (i > 0 && (a.startsWith("--plugin=") || a.startsWith("-plugin=")))
-            continue;
+        if (i > 0 && (a.startsWith("--plugin=") || a.startsWith("-plugin="))) continue;
         qtArgv.push_back(argv[i]);
     }
     int qtArgc = int(qtArgv.size());
@@ -111,8 +108,7 @@ int main(int argc, char** argv)
         std::fputs(qPrintable(parsed.message), stdout);
         return 0;
     }
-    if (!parsed.options)
-        return badInput(parsed.error);
+    if (!parsed.options) return badInput(parsed.error);
     const HostOptions& options = *parsed.options;
 
     QByteArray image;
@@ -121,15 +117,16 @@ int main(int argc, char** argv)
     } else {
         QString error;
         image = readImage(options.dataFile, error);
-        if (image.isEmpty())
-            return badInput(error);
+        if (image.isEmpty()) return badInput(error);
     }
-    if (!options.screenshot.isEmpty() && !options.screenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive))
-        return badInput(QStringLiteral("screenshot file \"%1\" must end in .png").arg(options.screenshot));
+    if (!options.screenshot.isEmpty() &&
+        !options.screenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive))
+        return badInput(
+            QStringLiteral("screenshot file \"%1\" must end in .png").arg(options.screenshot));
 
-    const LocatedPlugIn located = locatePlugIn(QStringLiteral("Ferrule.PlugIn"), options.pluginPath);
-    if (!located.error.isEmpty())
-        return badInput(located.error);
+    const LocatedPlugIn located =
+        locatePlugIn(QStringLiteral("Ferrule.PlugIn"), options.pluginPath);
+    if (!located.error.isEmpty()) return badInput(located.error);
     QPluginLoader loader(located.file);
     QObject* instance = loader.instance();
     if (!instance)
@@ -137,7 +134,8 @@ int main(int argc, char** argv)
                             .arg(located.file, loader.errorString()));
     auto* plugIn = qobject_cast<ferrule::PlugInInterface*>(instance);
     if (!plugIn)
-        return badInput(QStringLiteral("\"%1\" does not offer the plug-in interface").arg(located.file));
+        return badInput(
+            QStringLiteral("\"%1\" does not offer the plug-in interface").arg(located.file));
 
     ferrule::RegCreateKey(ferrule::RegRoot::LocalMachine, ferrule::kEditorKey);
 
@@ -153,7 +151,8 @@ int main(int argc, char** argv)
         plugIn->Format(options.model);
         const QScreen* screen = QGuiApplication::primaryScreen();
         const QPoint centre = screen ? screen->geometry().center() : QPoint(512, 384);
-        plugIn->Center(qint16(std::min(centre.x() * 15, 32767)), qint16(std::min(centre.y() * 15, 32767)));
+        plugIn->Center(qint16(std::min(centre.x() * 15, 32767)),
+                       qint16(std::min(centre.y() * 15, 32767)));
         headlessRun.arm();
         plugIn->Start();
         plugIn->Quit();
@@ -165,7 +164,8 @@ int main(int argc, char** argv)
 
     if (!options.dataFile.isEmpty() && host.changed()) {
         QSaveFile out(options.dataFile);
-        if (!out.open(QIODevice::WriteOnly) || out.write(host.image()) != kImageSize || !out.commit()) {
+        if (!out.open(QIODevice::WriteOnly) || out.write(host.image()) != kImageSize ||
+            !out.commit()) {
             std::fprintf(stderr, "ferrule-host: data file \"%s\" could not be written: %s\n",
                          qPrintable(options.dataFile), qPrintable(out.errorString()));
             return 1;

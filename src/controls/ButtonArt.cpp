@@ -16,15 +16,13 @@ enum class Look { Normal, Pressed, Current };
 const QColor kAmber(0xf2, 0xa3, 0x3a);
 const QColor kLedGreen(0x5c, 0xe0, 0x6a);
 
-QPixmap blank(int w, int h)
-{
+QPixmap blank(int w, int h) {
     QPixmap pm(w, h);
     pm.fill(Qt::transparent);
     return pm;
 }
 
-QFont captionFont(int pixelSize, bool bold)
-{
+QFont captionFont(int pixelSize, bool bold) {
     QFont f(QStringLiteral("DejaVu Sans"));
     f.setPixelSize(pixelSize);
     f.setBold(bold);
@@ -32,8 +30,7 @@ QFont captionFont(int pixelSize, bool bold)
 }
 
 // A tab: a rounded-top strip whose caption runs upwards, with an indicator bar at the foot.
-QPixmap drawTab(const QString& caption, Look look)
-{
+QPixmap drawTab(const QString& caption, Look look) {
     const int w = ButtonArt::kTabWidth;
     const int h = ButtonArt::kTabHeight;
     QPixmap pm = blank(w, h);
@@ -95,8 +92,7 @@ QPixmap drawTab(const QString& caption, Look look)
 }
 
 QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor& led,
-                  const QColor& faceTop, const QColor& faceBottom)
-{
+                  const QColor& faceTop, const QColor& faceBottom) {
     QPixmap pm = blank(w, h);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
@@ -132,27 +128,28 @@ QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor&
 }
 
 const std::array<QString, 13> kTabCaptions = {
-    QStringLiteral("System"),    QStringLiteral("MIDI"),   QStringLiteral("Harmonist"),
-    QStringLiteral("Auto-Riff"), QStringLiteral("OD/DS"),  QStringLiteral("Preamp"),
+    QStringLiteral("System"),    QStringLiteral("MIDI"),     QStringLiteral("Harmonist"),
+    QStringLiteral("Auto-Riff"), QStringLiteral("OD/DS"),    QStringLiteral("Preamp"),
     QStringLiteral("Wah"),       QStringLiteral("Meter/EQ"), QStringLiteral("Sys Preamp"),
-    QStringLiteral("Input"),     QStringLiteral("Output"), QStringLiteral("EXP"),
+    QStringLiteral("Input"),     QStringLiteral("Output"),   QStringLiteral("EXP"),
     QStringLiteral("CTL")};
 
-const std::array<QString, 4> kCommandCaptions = {QStringLiteral("Transmit"), QStringLiteral("Reload"),
-                                                 QStringLiteral("Cancel"), QStringLiteral("OK")};
+const std::array<QString, 4> kCommandCaptions = {QStringLiteral("Transmit"),
+                                                 QStringLiteral("Reload"), QStringLiteral("Cancel"),
+                                                 QStringLiteral("OK")};
 
 } // namespace
 
-QString ButtonArt::tabCaption(int tab) { return kTabCaptions.at(std::size_t(tab)); }
+QString ButtonArt::tabCaption(int tab) {
+    return kTabCaptions.at(std::size_t(tab));
+}
 
-QString ButtonArt::modeCaption(int index)
-{
+QString ButtonArt::modeCaption(int index) {
     static const int models[] = {3, 5, 6, 8, 10};
     return QStringLiteral("GT-%1").arg(models[index]);
 }
 
-ButtonArt::ButtonArt()
-{
+ButtonArt::ButtonArt() {
     const QColor slateTop(0x4b, 0x53, 0x5e), slateBottom(0x2f, 0x35, 0x3d);
     const QColor dark(0x3a, 0x40, 0x48);
     for (int i = 0; i < 5; ++i) {
@@ -168,24 +165,30 @@ ButtonArt::ButtonArt()
         Img_[i + 20] = drawTab(kTabCaptions[std::size_t(i)], Look::Pressed);
         Img_[i + 40] = drawTab(kTabCaptions[std::size_t(i)], Look::Current);
     }
-    const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c), QColor(0xd8, 0x58, 0x4f),
-                            kLedGreen};
+    const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c),
+                            QColor(0xd8, 0x58, 0x4f), kLedGreen};
     for (int i = 0; i < 4; ++i) {
         const QString c = kCommandCaptions[std::size_t(i)];
-        CButton_[i + 4] =
-            drawPlate(kCommandWidth, kCommandHeight, c, Look::Normal, leds[i], slateTop, slateBottom);
-        CButton_[i + 8] =
-            drawPlate(kCommandWidth, kCommandHeight, c, Look::Pressed, leds[i], slateTop, slateBottom);
+        CButton_[i + 4] = drawPlate(kCommandWidth, kCommandHeight, c, Look::Normal, leds[i],
+                                    slateTop, slateBottom);
+        CButton_[i + 8] = drawPlate(kCommandWidth, kCommandHeight, c, Look::Pressed, leds[i],
+                                    slateTop, slateBottom);
     }
     const QColor stopTop(0x8a, 0x2f, 0x2a), stopBottom(0x5c, 0x1c, 0x19), red(0xff, 0x4a, 0x3d);
-    CButton_[12] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Current, red,
-                             stopTop, stopBottom);
-    CButton_[13] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Pressed, red,
-                             stopTop, stopBottom);
+    CButton_[12] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Current,
+                             red, stopTop, stopBottom);
+    CButton_[13] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Pressed,
+                             red, stopTop, stopBottom);
 }
 
-const QPixmap& ButtonArt::mImg(int index) const { return mImg_[index]; }
-const QPixmap& ButtonArt::Img(int index) const { return Img_[index]; }
-const QPixmap& ButtonArt::CButton(int index) const { return CButton_[index]; }
+const QPixmap& ButtonArt::mImg(int index) const {
+    return mImg_[index];
+}
+const QPixmap& ButtonArt::Img(int index) const {
+    return Img_[index];
+}
+const QPixmap& ButtonArt::CButton(int index) const {
+    return CButton_[index];
+}
 
 } // namespace ferrule

@@ -11,7 +11,7 @@ namespace ferrule {
 // 4-7 (normal), 8-11 (pressed), 12 and 13 (transmit button while sending: normal, pressed).
 class ButtonArt {
 public:
-    static constexpr int kTabWidth = 32;   // pixels; tabs stand 495 twips apart
+    static constexpr int kTabWidth = 32; // pixels; tabs stand 495 twips apart
     static constexpr int kTabHeight = 80;
     static constexpr int kModeWidth = 58;
     static constexpr int kModeHeight = 26;

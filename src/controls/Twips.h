@@ -9,10 +9,13 @@ namespace ferrule {
 // pixels for high-density screens.
 inline constexpr int kTwipsPerPixel = 15;
 
-inline int twipsToPx(double twips) { return int(std::floor(twips / kTwipsPerPixel)); }
-inline int pxToTwips(double px) { return int(std::lround(px * kTwipsPerPixel)); }
-inline QRect twipsRect(int x, int y, int w, int h)
-{
+inline int twipsToPx(double twips) {
+    return int(std::floor(twips / kTwipsPerPixel));
+}
+inline int pxToTwips(double px) {
+    return int(std::lround(px * kTwipsPerPixel));
+}
+inline QRect twipsRect(int x, int y, int w, int h) {
     return QRect(twipsToPx(x), twipsToPx(y), twipsToPx(w), twipsToPx(h));
 }
 

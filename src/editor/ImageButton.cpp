@@ -9,41 +9,40 @@ namespace ferrule {
 
 ImageButton::ImageButton(int index, QWidget* parent)
     : QWidget(parent)
-    , index_(index)
-{
+    , index_(index) {
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     setCursor(Qt::PointingHandCursor);
 }
 
-void ImageButton::setPicture(const QPixmap& pixmap, const QString& name)
-{
+void ImageButton::setPicture(const QPixmap& pixmap, const QString& name) {
     pixmap_ = pixmap;
     pictureName_ = name;
     resize(pixmap.deviceIndependentSize().toSize());
     update();
 }
 
-int ImageButton::widthTwips() const { return pxToTwips(width()); }
-int ImageButton::heightTwips() const { return pxToTwips(height()); }
+int ImageButton::widthTwips() const {
+    return pxToTwips(width());
+}
+int ImageButton::heightTwips() const {
+    return pxToTwips(height());
+}
 
-void ImageButton::paintEvent(QPaintEvent*)
-{
+void ImageButton::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.drawPixmap(0, 0, pixmap_);
 }
 
-void ImageButton::mousePressEvent(QMouseEvent* e)
-{
+void ImageButton::mousePressEvent(QMouseEvent* e) {
     emit mouseDown(index_, e->button(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
 }
 
-void ImageButton::mouseMoveEvent(QMouseEvent* e)
-{
-    emit mouseMove(index_, e->buttons(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
+void ImageButton::mouseMoveEvent(QMouseEvent* e) {
+    emit mouseMove(index_, e->buttons(), pxToTwips(e->position().x()),
+                   pxToTwips(e->position().y()));
 }
 
-void ImageButton::mouseReleaseEvent(QMouseEvent* e)
-{
+void ImageButton::mouseReleaseEvent(QMouseEvent* e) {
     emit mouseUp(index_, e->button(), pxToTwips(e->position().x()), pxToTwips(e->position().y()));
 }
 

@@ -5,13 +5,11 @@
 namespace ferrule {
 
 PageArea::PageArea(QWidget* parent)
-    : QWidget(parent)
-{
+    : QWidget(parent) {
     setObjectName(QStringLiteral("PageArea"));
 }
 
-void PageArea::paintEvent(QPaintEvent*)
-{
+void PageArea::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.fillRect(rect(), QColor(0xec, 0xee, 0xf1));
     p.setPen(QColor(0xb8, 0xbf, 0xc8));

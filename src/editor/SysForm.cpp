@@ -1,11 +1,14 @@
 #include "SysForm.h"
 
+#include "ControlPools.h"
 #include "ImageButton.h"
 #include "PageArea.h"
 #include "controls/Twips.h"
+#include "controls/cCheckRadio.h"
 #include "host/SettingsStore.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
+#include "sysdata/ValueText.h"
 
 #include <QCloseEvent>
 #include <QLabel>
@@ -49,8 +52,7 @@ struct TabPlacement {
     int left = -1;
 };
 
-std::array<TabPlacement, 13> tabPlacementsFor(int model)
-{
+std::array<TabPlacement, 13> tabPlacementsFor(int model) {
     std::array<TabPlacement, 13> t{};
     switch (model) {
     case 3:
@@ -81,25 +83,35 @@ std::array<TabPlacement, 13> tabPlacementsFor(int model)
     return t;
 }
 
-int tabForPage(int page, int model)
-{
+int tabForPage(int page, int model) {
     switch (page) {
     case 1:
     case 2:
-    case 3: return 0;
-    case 4: return 1;
-    case 5: return 2;
-    case 6: return 3;
-    case 7: return model == 8 ? 7 : 0;
-    case 8: return 4;
-    case 9: return 5;
-    case 10: return 6;
-    case 11: return 8;
+    case 3:
+        return 0;
+    case 4:
+        return 1;
+    case 5:
+        return 2;
+    case 6:
+        return 3;
+    case 7:
+        return model == 8 ? 7 : 0;
+    case 8:
+        return 4;
+    case 9:
+        return 5;
+    case 10:
+        return 6;
+    case 11:
+        return 8;
     case 12:
     case 13:
     case 14:
-    case 15: return page - 3;
-    default: return -1;
+    case 15:
+        return page - 3;
+    default:
+        return -1;
     }
 }
 
@@ -107,8 +119,7 @@ int tabForPage(int page, int model)
 
 SysForm::SysForm(ModuleState& state)
     : QDialog(nullptr)
-    , state_(state)
-{
+    , state_(state) {
     setObjectName(QStringLiteral("SysForm"));
     setModal(true);
     buildChrome();
@@ -122,10 +133,11 @@ SysForm::SysForm(ModuleState& state)
 
 SysForm::~SysForm() = default;
 
-int SysForm::model() const { return state_.model; }
+int SysForm::model() const {
+    return state_.model;
+}
 
-void SysForm::buildChrome()
-{
+void SysForm::buildChrome() {
     setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
     setAutoFillBackground(true);
     QPalette pal = palette();
@@ -183,45 +195,52 @@ void SysForm::buildChrome()
 
     pageArea_ = new PageArea(this);
     pageArea_->setGeometry(0, twipsToPx(kPageTop), twipsToPx(kWidth), twipsToPx(kPageHeight));
+    pools_ = std::make_unique<ControlPools>(pageArea_, state_.font,
+                                            [this](int value, int format, int type) {
+                                                return ValueText(state_.host, value, format, type);
+                                            });
 }
 
-void SysForm::setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name)
-{
+void SysForm::setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name) {
     b->setPicture(pm, name);
 }
 
-void SysForm::setErrorReporter(std::function<void(const QString&)> reporter)
-{
+void SysForm::setErrorReporter(std::function<void(const QString&)> reporter) {
     errorReporter_ = std::move(reporter);
 }
 
-void SysForm::runGuarded(const std::function<void()>& action)
-{
+void SysForm::runGuarded(const std::function<void()>& action) {
     try {
         action();
     } catch (const FerruleError& e) {
         lastError_ = e.message();
-        if (errorReporter_)
-            errorReporter_(lastError_);
+        if (errorReporter_) errorReporter_(lastError_);
     }
 }
 
 // ---- set-up and lifecycle --------------------------------------------------------------------
 
-void SysForm::Setup()
-{
+void SysForm::Setup() {
     currentPage_ = -1;
     currentTab_ = -1;
     scaleView_ = phraseView_ = preampView_ = 0;
 
     // The host's system data, byte by byte; a value that is not a byte stops the set-up.
     const QObject* host = state_.host.host();
-    if (!host)
-        throw FerruleError(QStringLiteral("SysData: no host object has been set"));
+    if (!host) throw FerruleError(QStringLiteral("SysData: no host object has been set"));
     SystemImage& image = state_.image;
     for (int i = 0; i < SystemImage::kSize; ++i)
         image.set(i, state_.host.sysData(i));
     transmitted_ = false;
+
+    if (!pools_->groups[0]) {
+        pools_->createOptionGroups(this);
+        for (int g = 0; g < ControlPools::kGroups; ++g)
+            connect(pools_->groups[std::size_t(g)], &cCheckRadio::Click, this,
+                    [this, g](int value) {
+                        runGuarded([this, g, value] { optionGroupClicked(g, value); });
+                    });
+    }
 
     QVariant scheme = 0;
     if (!RegRead(RegRoot::LocalMachine, kEditorKey, QStringLiteral("ColourSchemeX2"), scheme))
@@ -230,15 +249,14 @@ void SysForm::Setup()
     ApplyHostFont(this, state_.font);
 }
 
-void SysForm::SetFormat(int model)
-{
+void SysForm::SetFormat(int model) {
     for (int i = 0; i < 5; ++i)
-        setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+        setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i),
+                         QStringLiteral("mImg(%1)").arg(i));
     static constexpr int modelsByButton[] = {3, 5, 6, 8};
     int button = 4;
     for (int i = 0; i < 4; ++i)
-        if (modelsByButton[i] == model)
-            button = i;
+        if (modelsByButton[i] == model) button = i;
     state_.model = button == 4 ? 10 : model;
     setButtonPicture(modeButtons_[std::size_t(button)], art_.mImg(20 + button),
                      QStringLiteral("mImg(%1)").arg(20 + button));
@@ -247,25 +265,19 @@ void SysForm::SetFormat(int model)
     for (int i = 0; i < 13; ++i) {
         const TabPlacement& t = placements[std::size_t(i)];
         ImageButton* b = tabButtons_[std::size_t(i)];
-        if (t.left >= 0)
-            b->move(twipsToPx(t.left), b->y());
-        if (t.visibility != TabPlacement::Keep)
-            b->setVisible(t.visibility == TabPlacement::Show);
+        if (t.left >= 0) b->move(twipsToPx(t.left), b->y());
+        if (t.visibility != TabPlacement::Keep) b->setVisible(t.visibility == TabPlacement::Show);
     }
     setWindowTitle(QStringLiteral("System: GT-%1").arg(state_.model));
 }
 
-void SysForm::ShowTab(int page)
-{
-    if (state_.model == 0)
-        return;
-    if (page == currentPage_)
-        return;
+void SysForm::ShowTab(int page) {
+    if (state_.model == 0) return;
+    if (page == currentPage_) return;
     currentPage_ = page;
     const int oldTab = currentTab_;
     const int tab = tabForPage(page, state_.model);
-    if (tab >= 0)
-        currentTab_ = tab;
+    if (tab >= 0) currentTab_ = tab;
     if (oldTab >= 0)
         setButtonPicture(tabButtons_[std::size_t(oldTab)], art_.Img(oldTab),
                          QStringLiteral("Img(%1)").arg(oldTab));
@@ -274,14 +286,14 @@ void SysForm::ShowTab(int page)
                          QStringLiteral("Img(%1)").arg(currentTab_ + 40));
 }
 
-void SysForm::Form_Load()
-{
+void SysForm::Form_Load() {
     ApplyHostFont(this, state_.font);
     for (int i = 0; i < 4; ++i)
         setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 4),
                          QStringLiteral("CButton(%1)").arg(i + 4));
     for (int i = 0; i < 13; ++i)
-        setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+        setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i),
+                         QStringLiteral("Img(%1)").arg(i));
     if (!loaded_) {
         // A window loaded anew has an empty page area: the next ShowTab builds.
         currentPage_ = -1;
@@ -290,36 +302,41 @@ void SysForm::Form_Load()
     loaded_ = true;
 }
 
-void SysForm::Form_Unload()
-{
+void SysForm::Form_Unload() {
     if (state_.model != 0)
         RegWrite(RegRoot::LocalMachine, kEditorKey,
                  QStringLiteral("SysLastDisp%1").arg(state_.model), currentPage_);
 }
 
-void SysForm::unload()
-{
+void SysForm::unload() {
     Form_Unload();
     loaded_ = false;
     done(QDialog::Accepted);
 }
 
-void SysForm::closeEvent(QCloseEvent* e)
-{
+void SysForm::closeEvent(QCloseEvent* e) {
     // Closing the window from its frame is a cancel; CancelEdit unloads when it may.
     e->ignore();
-    if (loaded_)
-        runGuarded([this] { CancelEdit(); });
+    if (loaded_) runGuarded([this] { CancelEdit(); });
 }
 
-void SysForm::reject() { runGuarded([this] { CancelEdit(); }); }
+void SysForm::reject() {
+    runGuarded([this] { CancelEdit(); });
+}
+
+// ---- value binding
+// ---------------------------------------------------------------------------------
+
+void SysForm::optionGroupClicked(int group, int value) {
+    if (group == ControlPools::kSelectorList) return;
+    state_.image.set(pools_->groups[std::size_t(group)]->TFormat(), value);
+}
 
 // ---- commands -----------------------------------------------------------------------------------
 
 void SysForm::ToggleTransmission() {}
 
-void SysForm::ReloadFromHost()
-{
+void SysForm::ReloadFromHost() {
     SystemImage reloaded;
     for (int i = 0; i < SystemImage::kSize; ++i)
         reloaded.set(i, state_.host.sysData(i));
@@ -329,8 +346,7 @@ void SysForm::ReloadFromHost()
     ShowTab(page);
 }
 
-void SysForm::CancelEdit()
-{
+void SysForm::CancelEdit() {
     bool changed = false;
     for (int i = 0; i < SystemImage::kSize && !changed; ++i)
         changed = state_.host.sysData(i) != state_.image.at(i);
@@ -344,23 +360,21 @@ void SysForm::CancelEdit()
         QMessageBox box(QMessageBox::Question, QStringLiteral("Marwick"), text,
                         QMessageBox::Yes | QMessageBox::No, this);
         box.setObjectName(QStringLiteral("CancelQuestion"));
-        if (box.exec() != QMessageBox::Yes)
-            return;
+        if (box.exec() != QMessageBox::Yes) return;
     }
     unload();
 }
 
-void SysForm::CommitAndClose()
-{
+void SysForm::CommitAndClose() {
     for (int i = 0; i < SystemImage::kSize; ++i)
         state_.host.call("SysData", {i, state_.image.at(i)});
     unload();
 }
 
-// ---- tabs, mode and command buttons ---------------------------------------------------------------
+// ---- tabs, mode and command buttons
+// ---------------------------------------------------------------
 
-bool SysForm::TabAvailable(int tab, int model)
-{
+bool SysForm::TabAvailable(int tab, int model) {
     // Columns: GT-3, GT-5, GT-6, GT-8, GT-10.
     static constexpr bool table[13][5] = {
         {true, true, true, true, true},     {true, true, true, true, true},
@@ -370,55 +384,43 @@ bool SysForm::TabAvailable(int tab, int model)
         {false, false, false, true, true},  {false, false, false, false, true},
         {false, false, false, false, true}, {false, false, false, false, true},
         {false, false, false, false, true}};
-    if (tab >= 13)
-        return true;
-    if (tab < 0)
-        return false;
+    if (tab >= 13) return true;
+    if (tab < 0) return false;
     int column = 4;
     for (int i = 0; i < 4; ++i)
-        if (modelForModeButton(i) == model)
-            column = i;
+        if (modelForModeButton(i) == model) column = i;
     return table[tab][column];
 }
 
-int SysForm::pageForTab(int tab)
-{
+int SysForm::pageForTab(int tab) {
     static constexpr int pages[13] = {1, 4, 5, 6, 8, 9, 10, 7, 11, 12, 13, 14, 15};
     return tab >= 0 && tab < 13 ? pages[tab] : -1;
 }
 
-int SysForm::modelForModeButton(int index)
-{
+int SysForm::modelForModeButton(int index) {
     static constexpr int models[5] = {3, 5, 6, 8, 10};
     return models[index];
 }
 
-bool SysForm::outside(const ImageButton* b, int x, int y)
-{
+bool SysForm::outside(const ImageButton* b, int x, int y) {
     return x < 0 || y < 0 || x > b->widthTwips() || y > b->heightTwips();
 }
 
-void SysForm::modeDown(int i, Qt::MouseButton, int, int)
-{
-    if (modelForModeButton(i) == state_.model)
-        return;
+void SysForm::modeDown(int i, Qt::MouseButton, int, int) {
+    if (modelForModeButton(i) == state_.model) return;
     setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i + 10),
                      QStringLiteral("mImg(%1)").arg(i + 10));
     modePressed_ = true;
 }
 
-void SysForm::modeMove(int i, int x, int y)
-{
-    if (!modePressed_ || !outside(modeButtons_[std::size_t(i)], x, y))
-        return;
+void SysForm::modeMove(int i, int x, int y) {
+    if (!modePressed_ || !outside(modeButtons_[std::size_t(i)], x, y)) return;
     setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
     modePressed_ = false;
 }
 
-void SysForm::modeUp(int i)
-{
-    if (!modePressed_)
-        return;
+void SysForm::modeUp(int i) {
+    if (!modePressed_) return;
     modePressed_ = false;
     runGuarded([this, i] {
         SetFormat(modelForModeButton(i));
@@ -432,34 +434,27 @@ void SysForm::modeUp(int i)
     });
 }
 
-void SysForm::tabDown(int i, Qt::MouseButton, int, int)
-{
-    if (i == currentTab_ || !TabAvailable(i, state_.model))
-        return;
-    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i + 20), QStringLiteral("Img(%1)").arg(i + 20));
+void SysForm::tabDown(int i, Qt::MouseButton, int, int) {
+    if (i == currentTab_ || !TabAvailable(i, state_.model)) return;
+    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i + 20),
+                     QStringLiteral("Img(%1)").arg(i + 20));
     tabPressed_ = true;
 }
 
-void SysForm::tabMove(int i, int x, int y)
-{
-    if (!tabPressed_ || !outside(tabButtons_[std::size_t(i)], x, y))
-        return;
+void SysForm::tabMove(int i, int x, int y) {
+    if (!tabPressed_ || !outside(tabButtons_[std::size_t(i)], x, y)) return;
     setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i), QStringLiteral("Img(%1)").arg(i));
     tabPressed_ = false;
 }
 
-void SysForm::tabUp(int i)
-{
-    if (!tabPressed_)
-        return;
+void SysForm::tabUp(int i) {
+    if (!tabPressed_) return;
     tabPressed_ = false;
     const int page = pageForTab(i);
-    if (page != currentPage_)
-        runGuarded([this, page] { ShowTab(page); });
+    if (page != currentPage_) runGuarded([this, page] { ShowTab(page); });
 }
 
-void SysForm::showCommandNormal(int i)
-{
+void SysForm::showCommandNormal(int i) {
     if (i == 0 && state_.transmissionStep != 0)
         setButtonPicture(commandButtons_[0], art_.CButton(12), QStringLiteral("CButton(12)"));
     else
@@ -467,8 +462,7 @@ void SysForm::showCommandNormal(int i)
                          QStringLiteral("CButton(%1)").arg(i + 4));
 }
 
-void SysForm::commandDown(int i, Qt::MouseButton, int, int)
-{
+void SysForm::commandDown(int i, Qt::MouseButton, int, int) {
     const bool running = state_.transmissionStep != 0;
     if (running && i == 0)
         setButtonPicture(commandButtons_[0], art_.CButton(13), QStringLiteral("CButton(13)"));
@@ -478,27 +472,32 @@ void SysForm::commandDown(int i, Qt::MouseButton, int, int)
     commandPressed_ = true;
 }
 
-void SysForm::commandMove(int i, int x, int y)
-{
-    if (!commandPressed_ || !outside(commandButtons_[std::size_t(i)], x, y))
-        return;
+void SysForm::commandMove(int i, int x, int y) {
+    if (!commandPressed_ || !outside(commandButtons_[std::size_t(i)], x, y)) return;
     showCommandNormal(i);
     commandPressed_ = false;
 }
 
-void SysForm::commandUp(int i)
-{
-    if (!commandPressed_)
-        return;
+void SysForm::commandUp(int i) {
+    if (!commandPressed_) return;
     showCommandNormal(i);
     commandPressed_ = false;
     runGuarded([this, i] {
         switch (i) {
-        case 0: ToggleTransmission(); break;
-        case 1: ReloadFromHost(); break;
-        case 2: CancelEdit(); break;
-        case 3: CommitAndClose(); break;
-        default: break;
+        case 0:
+            ToggleTransmission();
+            break;
+        case 1:
+            ReloadFromHost();
+            break;
+        case 2:
+            CancelEdit();
+            break;
+        case 3:
+            CommitAndClose();
+            break;
+        default:
+            break;
         }
     });
 }

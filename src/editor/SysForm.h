@@ -7,12 +7,14 @@
 
 #include <array>
 #include <functional>
+#include <memory>
 
 class QLabel;
 
 namespace ferrule {
 
 struct ModuleState;
+class ControlPools;
 class ImageButton;
 class PageArea;
 
@@ -64,6 +66,11 @@ public:
     QLabel* txWarning() const { return txWarning_; }
     QLabel* txProgress() const { return txProgress_; }
     PageArea* pageArea() const { return pageArea_; }
+    ControlPools& pools() const { return *pools_; }
+    const ModuleState& state() const { return state_; }
+
+    // Click of option group `group` (0-8, or 9 for the selector list) with the reported value.
+    void optionGroupClicked(int group, int value);
 
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
@@ -99,6 +106,7 @@ private:
     QLabel* txWarning_ = nullptr;
     QLabel* txProgress_ = nullptr;
     PageArea* pageArea_ = nullptr;
+    std::unique_ptr<ControlPools> pools_;
 
     int currentPage_ = -1;
     int currentTab_ = -1;

@@ -14,25 +14,24 @@ namespace ferrule {
 
 PlugIn::PlugIn(QObject* parent)
     : QObject(parent)
-    , state_(std::make_unique<ModuleState>())
-{
+    , state_(std::make_unique<ModuleState>()) {
     setObjectName(QStringLiteral("Ferrule.PlugIn"));
 }
 
 PlugIn::~PlugIn() = default;
 
-int PlugIn::versionNumber(int major, int minor, int revision)
-{
+int PlugIn::versionNumber(int major, int minor, int revision) {
     const int minorPart = minor * 256;
     if (minorPart > INT16_MAX || minorPart < INT16_MIN)
         throw FerruleError(QStringLiteral("Version: overflow"));
     return major * 65536 + minorPart + revision;
 }
 
-int PlugIn::Version() const { return versionNumber(kMajor, kMinor, kRevision); }
+int PlugIn::Version() const {
+    return versionNumber(kMajor, kMinor, kRevision);
+}
 
-void PlugIn::Interface(QObject* host)
-{
+void PlugIn::Interface(QObject* host) {
     state_->host.setHost(host);
     HostFontSettings font;
     const HostLink& link = state_->host;
@@ -43,27 +42,31 @@ void PlugIn::Interface(QObject* host)
     bool ok = false;
     font.size = link.property("FontSize").toFloat(&ok);
     if (!ok)
-        throw FerruleError(QStringLiteral("FontSize: the host's value does not convert to a number"));
+        throw FerruleError(
+            QStringLiteral("FontSize: the host's value does not convert to a number"));
     font.underline = link.propertyBool("FontUnderline");
     font.strikethrough = link.propertyBool("FontStrikethrough");
     font.valid = true;
     state_->font = font;
 }
 
-QObject* PlugIn::hostObject() const { return state_->host.host(); }
+QObject* PlugIn::hostObject() const {
+    return state_->host.host();
+}
 
-void PlugIn::Owner(QObject* window)
-{
+void PlugIn::Owner(QObject* window) {
     const auto* widget = qobject_cast<QWidget*>(window);
     if (!qobject_cast<QWindow*>(window) && !widget)
-        throw FerruleError(QStringLiteral("Owner: type mismatch: the value is not a window object"));
+        throw FerruleError(
+            QStringLiteral("Owner: type mismatch: the value is not a window object"));
     state_->owner = window;
 }
 
-QObject* PlugIn::ownerWindow() const { return state_->owner; }
+QObject* PlugIn::ownerWindow() const {
+    return state_->owner;
+}
 
-SysForm& PlugIn::ensureEditor()
-{
+SysForm& PlugIn::ensureEditor() {
     if (!editor_) {
         auto form = std::make_unique<SysForm>(*state_);
         form->Setup();
@@ -73,8 +76,7 @@ SysForm& PlugIn::ensureEditor()
     return *editor_;
 }
 
-void PlugIn::Center(qint16 x, qint16 y)
-{
+void PlugIn::Center(qint16 x, qint16 y) {
     SysForm& form = ensureEditor();
     const int width = form.width() * 15;
     const int height = form.height() * 15;
@@ -86,44 +88,42 @@ void PlugIn::Center(qint16 x, qint16 y)
     const QRect available = screen ? screen->geometry() : QRect(0, 0, 1024, 768);
     const int screenWidth = available.width() * 15;
     const int screenHeight = available.height() * 15;
-    if (left + width > screenWidth)
-        left = screenWidth - width;
-    if (top + height > screenHeight)
-        top = screenHeight - height;
+    if (left + width > screenWidth) left = screenWidth - width;
+    if (top + height > screenHeight) top = screenHeight - height;
     form.move(left / 15, top / 15);
 }
 
-void PlugIn::Title(const QString& title)
-{
+void PlugIn::Title(const QString& title) {
     ensureEditor().setWindowTitle(QStringLiteral("System: ") + title);
 }
 
-QString PlugIn::title() const { return editor_ ? editor_->windowTitle() : QString(); }
+QString PlugIn::title() const {
+    return editor_ ? editor_->windowTitle() : QString();
+}
 
-void PlugIn::Format(int model) { ensureEditor().SetFormat(model); }
+void PlugIn::Format(int model) {
+    ensureEditor().SetFormat(model);
+}
 
-int PlugIn::format() const { return state_->model; }
+int PlugIn::format() const {
+    return state_->model;
+}
 
-void PlugIn::Start()
-{
+void PlugIn::Start() {
     SysForm& form = ensureEditor();
-    if (state_->model == 0)
-        Format(10);
-    if (!form.isLoaded())
-        form.Form_Load();
+    if (state_->model == 0) Format(10);
+    if (!form.isLoaded()) form.Form_Load();
     QVariant stored = 0;
     int page = 1;
-    if (RegRead(RegRoot::LocalMachine, kEditorKey, QStringLiteral("SysLastDisp%1").arg(state_->model),
-                stored))
+    if (RegRead(RegRoot::LocalMachine, kEditorKey,
+                QStringLiteral("SysLastDisp%1").arg(state_->model), stored))
         page = stored.toInt();
-    if (page < 0 || page > 10)
-        page = 1;
+    if (page < 0 || page > 10) page = 1;
     form.ShowTab(page);
     form.exec();
 }
 
-void PlugIn::Quit()
-{
+void PlugIn::Quit() {
     state_->owner = nullptr;
     editor_.reset();
     state_->host.setHost(nullptr);

@@ -17,24 +17,20 @@ const QString kString = QStringLiteral("sz:");
 const QString kBinary = QStringLiteral("binary:");
 const QString kExpand = QStringLiteral("expand_sz:");
 
-QString settingsRoot()
-{
+QString settingsRoot() {
     const QString moved = qEnvironmentVariable("FERRULE_SETTINGS_ROOT");
-    if (!moved.isEmpty())
-        return moved;
+    if (!moved.isEmpty()) return moved;
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            QStringLiteral("/Tonebench");
 }
 
-QString hiveName(RegRoot root)
-{
+QString hiveName(RegRoot root) {
     return root == RegRoot::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE")
                                          : QStringLiteral("HKEY_CURRENT_USER");
 }
 
 // %NAME% is replaced by the environment variable NAME; unknown names stay as written.
-QString expandEnvironment(const QString& text)
-{
+QString expandEnvironment(const QString& text) {
     static const QRegularExpression var(QStringLiteral("%([^%]+)%"));
     QString out;
     qsizetype last = 0;
@@ -50,8 +46,7 @@ QString expandEnvironment(const QString& text)
     return out + text.mid(last);
 }
 
-bool fail(QVariant& result)
-{
+bool fail(QVariant& result) {
     if (result.typeId() == QMetaType::QString)
         result = QString();
     else
@@ -59,51 +54,42 @@ bool fail(QVariant& result)
     return false;
 }
 
-QString dropTerminator(QString s)
-{
-    if (s.endsWith(QChar(0)))
-        s.chop(1);
+QString dropTerminator(QString s) {
+    if (s.endsWith(QChar(0))) s.chop(1);
     return s;
 }
 
 } // namespace
 
-QString settingsFileFor(RegRoot root, const QString& key)
-{
+QString settingsFileFor(RegRoot root, const QString& key) {
     QString path = key;
     path.replace(QLatin1Char('\\'), QLatin1Char('/'));
     return settingsRoot() + QLatin1Char('/') + hiveName(root) + QLatin1Char('/') + path +
            QStringLiteral(".ini");
 }
 
-bool RegRead(RegRoot root, const QString& key, const QString& valueName, QVariant& result)
-{
+bool RegRead(RegRoot root, const QString& key, const QString& valueName, QVariant& result) {
     const QString file = settingsFileFor(root, key);
-    if (!QFileInfo(file).isFile())
-        return fail(result);
+    if (!QFileInfo(file).isFile()) return fail(result);
     QSettings store(file, QSettings::IniFormat);
-    if (store.status() != QSettings::NoError || !store.contains(valueName))
-        return fail(result);
+    if (store.status() != QSettings::NoError || !store.contains(valueName)) return fail(result);
     const QString raw = store.value(valueName).toString();
     if (raw.startsWith(kDword)) {
         bool ok = false;
         const qlonglong v = raw.mid(kDword.size()).toLongLong(&ok);
-        if (!ok)
-            return fail(result);
+        if (!ok) return fail(result);
         result = int(quint32(v)); // the four bytes as a little-endian 32-bit integer
         return true;
     }
     if (raw.startsWith(kString) || raw.startsWith(kBinary)) {
         const QString data = dropTerminator(raw.mid(raw.indexOf(QLatin1Char(':')) + 1));
-        if (data.isEmpty())
-            return fail(result);
+        if (data.isEmpty()) return fail(result);
         result = data;
         return true;
     }
     if (raw.startsWith(kExpand)) {
         const QString expanded = expandEnvironment(dropTerminator(raw.mid(kExpand.size())));
-        if (expanded.isEmpty())
-            return fail(result);
+        if (expanded.isEmpty()) return fail(result);
         result = expanded;
         return true;
     }
@@ -111,12 +97,10 @@ bool RegRead(RegRoot root, const QString& key, const QString& valueName, QVarian
 }
 
 bool RegWrite(RegRoot root, const QString& key, const QString& valueName, const QVariant& value,
-              bool asBinary)
-{
+              bool asBinary) {
     const QString file = settingsFileFor(root, key);
     const QFileInfo info(file);
-    if (!info.isFile() || !info.isWritable())
-        return false;
+    if (!info.isFile() || !info.isWritable()) return false;
     QString stored;
     switch (value.typeId()) {
     case QMetaType::Int:
@@ -138,16 +122,12 @@ bool RegWrite(RegRoot root, const QString& key, const QString& valueName, const 
     return store.status() == QSettings::NoError;
 }
 
-bool RegCreateKey(RegRoot root, const QString& key)
-{
+bool RegCreateKey(RegRoot root, const QString& key) {
     const QString file = settingsFileFor(root, key);
-    if (QFileInfo(file).isFile())
-        return true;
-    if (!QDir().mkpath(QFileInfo(file).absolutePath()))
-        return false;
+    if (QFileInfo(file).isFile()) return true;
+    if (!QDir().mkpath(QFileInfo(file).absolutePath())) return false;
     QSaveFile out(file);
-    if (!out.open(QIODevice::WriteOnly))
-        return false;
+    if (!out.open(QIODevice::WriteOnly)) return false;
     out.write("; Tonebench settings\n");
     return out.commit();
 }

@@ -10,9 +10,7 @@ namespace ferrule {
 class FerruleError : public std::runtime_error {
 public:
     explicit FerruleError(const QString& message)
-        : std::runtime_error(message.toStdString())
-    {
-    }
+        : std::runtime_error(message.toStdString()) {}
     QString message() const { return QString::fromStdString(what()); }
 };
 

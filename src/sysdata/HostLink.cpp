@@ -11,57 +11,51 @@
 
 namespace ferrule {
 
-void HostLink::setHost(QObject* host)
-{
+void HostLink::setHost(QObject* host) {
     host_ = host;
     methodCache_.clear();
 }
 
-void HostLink::requireHost(const char* name) const
-{
+void HostLink::requireHost(const char* name) const {
     if (host_.isNull())
         throw FerruleError(QStringLiteral("%1: no host object has been set").arg(name));
 }
 
-bool HostLink::hasProperty(const char* name) const
-{
+bool HostLink::hasProperty(const char* name) const {
     return host_ && host_->metaObject()->indexOfProperty(name) >= 0;
 }
 
-QVariant HostLink::property(const char* name) const
-{
+QVariant HostLink::property(const char* name) const {
     requireHost(name);
     const QMetaObject* mo = host_->metaObject();
     const int index = mo->indexOfProperty(name);
-    if (index < 0)
-        throw FerruleError(QStringLiteral("%1: the host has no such member").arg(name));
+    if (index < 0) throw FerruleError(QStringLiteral("%1: the host has no such member").arg(name));
     QVariant value = mo->property(index).read(host_);
     if (!value.isValid())
         throw FerruleError(QStringLiteral("%1: the host returned no value").arg(name));
     return value;
 }
 
-int HostLink::propertyInt(const char* name) const { return toInt(property(name), name); }
+int HostLink::propertyInt(const char* name) const {
+    return toInt(property(name), name);
+}
 
-bool HostLink::propertyBool(const char* name) const
-{
+bool HostLink::propertyBool(const char* name) const {
     QVariant value = property(name);
     if (!value.canConvert<bool>() || !value.convert(QMetaType::fromType<bool>()))
-        throw FerruleError(QStringLiteral("%1: the host's value does not convert to a boolean")
-                               .arg(name));
+        throw FerruleError(
+            QStringLiteral("%1: the host's value does not convert to a boolean").arg(name));
     return value.toBool();
 }
 
 namespace {
-QString memberName(const char* member, int index)
-{
+QString memberName(const char* member, int index) {
     return index < 0 ? QString::fromLatin1(member)
                      : QStringLiteral("%1(%2)").arg(QLatin1String(member)).arg(index);
 }
 } // namespace
 
-int HostLink::toInt(const QVariant& value, const char* member, int index)
-{
+int HostLink::toInt(const QVariant& value, const char* member, int index) {
     bool ok = false;
     const qlonglong v = value.toLongLong(&ok);
     if (!ok || v < INT32_MIN || v > INT32_MAX)
@@ -71,8 +65,7 @@ int HostLink::toInt(const QVariant& value, const char* member, int index)
     return int(v);
 }
 
-int HostLink::toByte(const QVariant& value, const char* member, int index)
-{
+int HostLink::toByte(const QVariant& value, const char* member, int index) {
     bool ok = false;
     const qlonglong v = value.toLongLong(&ok);
     if (!ok || v < 0 || v > 255)
@@ -82,13 +75,13 @@ int HostLink::toByte(const QVariant& value, const char* member, int index)
     return int(v);
 }
 
-int HostLink::sysData(int index) const { return toByte(call("SysData", {index}), "SysData", index); }
+int HostLink::sysData(int index) const {
+    return toByte(call("SysData", {index}), "SysData", index);
+}
 
-int HostLink::methodIndex(const char* name, int argumentCount) const
-{
+int HostLink::methodIndex(const char* name, int argumentCount) const {
     for (const CachedMethod& c : methodCache_)
-        if (c.argumentCount == argumentCount && c.name == name)
-            return c.index;
+        if (c.argumentCount == argumentCount && c.name == name) return c.index;
     const QMetaObject* mo = host_->metaObject();
     for (int i = 0; i < mo->methodCount(); ++i) {
         const QMetaMethod m = mo->method(i);
@@ -103,13 +96,11 @@ int HostLink::methodIndex(const char* name, int argumentCount) const
                            .arg(argumentCount));
 }
 
-QVariant HostLink::call(const char* name, std::initializer_list<QVariant> args) const
-{
+QVariant HostLink::call(const char* name, std::initializer_list<QVariant> args) const {
     requireHost(name);
     constexpr int maxArgs = 8;
     const int argc = int(args.size());
-    if (argc > maxArgs)
-        throw FerruleError(QStringLiteral("%1: too many arguments").arg(name));
+    if (argc > maxArgs) throw FerruleError(QStringLiteral("%1: too many arguments").arg(name));
     const int index = methodIndex(name, argc);
     const QMetaMethod method = host_->metaObject()->method(index);
 
@@ -135,8 +126,7 @@ QVariant HostLink::call(const char* name, std::initializer_list<QVariant> args) 
     }
     QObject* target = host_;
     QMetaObject::metacall(target, QMetaObject::InvokeMetaMethod, index, argv.data());
-    if (returnType.id() == QMetaType::QVariant)
-        return result.value<QVariant>();
+    if (returnType.id() == QMetaType::QVariant) return result.value<QVariant>();
     return result;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QByteArray>
-#include <vector>
 #include <QPointer>
 #include <QVariant>
+#include <vector>
 
 #include <initializer_list>
 

@@ -4,8 +4,7 @@
 
 namespace ferrule {
 
-QString ValueText(const HostLink& host, int value, int format, int type)
-{
+QString ValueText(const HostLink& host, int value, int format, int type) {
     return host.call("ValueText", {value, format, type}).toString();
 }
 

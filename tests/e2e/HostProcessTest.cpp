@@ -15,14 +15,12 @@ protected:
     QString path(const QString& name) const { return dir.filePath(name); }
     QString root() const { return dir.filePath(QStringLiteral("settings")); }
 
-    static void writeFile(const QString& file, const QByteArray& bytes)
-    {
+    static void writeFile(const QString& file, const QByteArray& bytes) {
         QFile f(file);
         ASSERT_TRUE(f.open(QIODevice::WriteOnly));
         f.write(bytes);
     }
-    static QByteArray readFile(const QString& file)
-    {
+    static QByteArray readFile(const QString& file) {
         QFile f(file);
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
@@ -32,8 +30,7 @@ protected:
 
 } // namespace
 
-TEST_F(HostProcessTest, ScreenshotOfEveryModel)
-{
+TEST_F(HostProcessTest, ScreenshotOfEveryModel) {
     for (int model : {3, 5, 6, 8, 10}) {
         const QString png = path(QStringLiteral("gt%1.png").arg(model));
         const HostRun r = runHost({QStringLiteral("--model"), QString::number(model),
@@ -56,21 +53,20 @@ TEST_F(HostProcessTest, ScreenshotOfEveryModel)
     EXPECT_TRUE(text.contains("SysLastDisp10=dword:1"));
 }
 
-TEST_F(HostProcessTest, ScreenshotOfADataFileLeavesItUnchanged)
-{
+TEST_F(HostProcessTest, ScreenshotOfADataFileLeavesItUnchanged) {
     QByteArray data(43252, char(3));
     const QString file = path(QStringLiteral("sys.bin"));
     writeFile(file, data);
-    const HostRun r = runHost({QStringLiteral("--data"), file, QStringLiteral("--model"), QStringLiteral("6"),
-                               QStringLiteral("--title"), QStringLiteral("My GT"), QStringLiteral("--screenshot"),
-                               path(QStringLiteral("a.png"))},
-                              root());
+    const HostRun r =
+        runHost({QStringLiteral("--data"), file, QStringLiteral("--model"), QStringLiteral("6"),
+                 QStringLiteral("--title"), QStringLiteral("My GT"), QStringLiteral("--screenshot"),
+                 path(QStringLiteral("a.png"))},
+                root());
     ASSERT_EQ(r.exitCode, 0) << r.err.constData();
     EXPECT_EQ(readFile(file), data);
 }
 
-TEST_F(HostProcessTest, BadInputGetsOneClearLineAndExitTwo)
-{
+TEST_F(HostProcessTest, BadInputGetsOneClearLineAndExitTwo) {
     const QString wrongSize = path(QStringLiteral("short.bin"));
     writeFile(wrongSize, QByteArray(43251, char(1)));
     const QString tooLong = path(QStringLiteral("long.bin"));
@@ -96,7 +92,8 @@ TEST_F(HostProcessTest, BadInputGetsOneClearLineAndExitTwo)
     };
     for (const auto& c : cases) {
         const QByteArray before = readFile(wrongSize);
-        const HostRun r = runHost(c.args + QStringList{QStringLiteral("--screenshot"), png}, root());
+        const HostRun r =
+            runHost(c.args + QStringList{QStringLiteral("--screenshot"), png}, root());
         const QString joined = c.args.join(QLatin1Char(' '));
         EXPECT_EQ(r.exitCode, 2) << qPrintable(joined);
         ASSERT_EQ(r.errLines().size(), 1) << qPrintable(joined) << r.err.constData();
@@ -106,10 +103,8 @@ TEST_F(HostProcessTest, BadInputGetsOneClearLineAndExitTwo)
     }
 }
 
-TEST_F(HostProcessTest, AnUnreadableDataFileIsRefused)
-{
-    if (geteuid() == 0)
-        GTEST_SKIP() << "root reads every file";
+TEST_F(HostProcessTest, AnUnreadableDataFileIsRefused) {
+    if (geteuid() == 0) GTEST_SKIP() << "root reads every file";
     const QString file = path(QStringLiteral("locked.bin"));
     writeFile(file, QByteArray(43252, char(0)));
     QFile::setPermissions(file, QFileDevice::WriteOwner);
@@ -121,8 +116,7 @@ TEST_F(HostProcessTest, AnUnreadableDataFileIsRefused)
     EXPECT_TRUE(r.errLines().first().contains(QLatin1String("cannot be read")));
 }
 
-TEST_F(HostProcessTest, HelpAndVersion)
-{
+TEST_F(HostProcessTest, HelpAndVersion) {
     HostRun r = runHost({QStringLiteral("--help")}, root());
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_TRUE(r.out.contains("--screenshot"));

@@ -1,6 +1,9 @@
-#include "TestHost.h"
-#include "editor/ImageButton.h"
 #include "editor/SysForm.h"
+#include "TestHost.h"
+#include "controls/VSlider.h"
+#include "controls/cCheckRadio.h"
+#include "editor/ControlPools.h"
+#include "editor/ImageButton.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ParameterEncoding.h"
 
@@ -13,20 +16,17 @@ namespace {
 
 class SysFormTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         state.host.setHost(&host);
         form = std::make_unique<SysForm>(state);
         form->Setup();
         form->Form_Load();
     }
 
-    std::vector<int> visibleTabs() const
-    {
+    std::vector<int> visibleTabs() const {
         std::vector<int> out;
         for (int i = 0; i < 13; ++i)
-            if (!form->tabButton(i)->isHidden())
-                out.push_back(i);
+            if (!form->tabButton(i)->isHidden()) out.push_back(i);
         return out;
     }
     int tabLeft(int i) const { return form->tabButton(i)->x() * 15; }
@@ -37,8 +37,7 @@ protected:
 };
 
 // Presses, optionally drags to (dx, dy) pixels from the press, and releases, as a user does.
-void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {})
-{
+void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {}) {
     const QPoint at(w->width() / 2, w->height() / 2);
     QTest::mousePress(w, Qt::LeftButton, {}, at);
     if (!drag.isNull()) {
@@ -47,7 +46,8 @@ void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {})
         QApplication::sendEvent(w, &move);
     }
     if (!back.isNull()) {
-        QMouseEvent move(QEvent::MouseMove, at, w->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, {});
+        QMouseEvent move(QEvent::MouseMove, at, w->mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
+                         {});
         QApplication::sendEvent(w, &move);
     }
     QTest::mouseRelease(w, Qt::LeftButton, {}, at + drag);
@@ -55,8 +55,7 @@ void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {})
 
 } // namespace
 
-TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel)
-{
+TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel) {
     form->SetFormat(3);
     EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-3"));
     EXPECT_EQ(visibleTabs(), (std::vector<int>{0, 1, 2, 3, 4, 5, 6}));
@@ -77,7 +76,8 @@ TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel)
     EXPECT_EQ(tabLeft(5), 1545);
     for (int i = 9; i <= 12; ++i)
         EXPECT_EQ(tabLeft(i), 495 * (i - 9) + 2040);
-    EXPECT_EQ(form->modeButton(3)->pictureName(), QStringLiteral("mImg(3)")) << "the old model's button is normal again";
+    EXPECT_EQ(form->modeButton(3)->pictureName(), QStringLiteral("mImg(3)"))
+        << "the old model's button is normal again";
 
     for (int model : {5, 6}) {
         form->SetFormat(model);
@@ -101,8 +101,7 @@ TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel)
     }
 }
 
-TEST_F(SysFormTest, TabAvailabilityFollowsTheModelTable)
-{
+TEST_F(SysFormTest, TabAvailabilityFollowsTheModelTable) {
     const std::map<int, std::vector<int>> available = {{3, {0, 1, 2, 3}},
                                                        {5, {0, 1, 2, 4, 5}},
                                                        {6, {0, 1, 2, 3, 4, 5, 6}},
@@ -110,14 +109,14 @@ TEST_F(SysFormTest, TabAvailabilityFollowsTheModelTable)
                                                        {10, {0, 1, 5, 8, 9, 10, 11, 12}}};
     for (const auto& [model, tabs] : available) {
         for (int t = 0; t < 13; ++t)
-            EXPECT_EQ(SysForm::TabAvailable(t, model), std::find(tabs.begin(), tabs.end(), t) != tabs.end())
+            EXPECT_EQ(SysForm::TabAvailable(t, model),
+                      std::find(tabs.begin(), tabs.end(), t) != tabs.end())
                 << "model " << model << " tab " << t;
         EXPECT_TRUE(SysForm::TabAvailable(13, model));
     }
 }
 
-TEST_F(SysFormTest, TabPressDragOffAndRelease)
-{
+TEST_F(SysFormTest, TabPressDragOffAndRelease) {
     form->SetFormat(8);
     form->ShowTab(1);
     ImageButton* midi = form->tabButton(1);
@@ -145,8 +144,7 @@ TEST_F(SysFormTest, TabPressDragOffAndRelease)
     EXPECT_EQ(form->currentPage(), 4);
 }
 
-TEST_F(SysFormTest, ModeButtonsSwitchModelKeepingThePageWhereItsTabExists)
-{
+TEST_F(SysFormTest, ModeButtonsSwitchModelKeepingThePageWhereItsTabExists) {
     form->SetFormat(10);
     form->ShowTab(14);
     pressDragRelease(form->modeButton(3)); // GT-8 has no tab 11
@@ -172,21 +170,19 @@ TEST_F(SysFormTest, ModeButtonsSwitchModelKeepingThePageWhereItsTabExists)
     EXPECT_EQ(state.model, 5);
 }
 
-TEST_F(SysFormTest, CommandButtonPicturesFollowThePress)
-{
+TEST_F(SysFormTest, CommandButtonPicturesFollowThePress) {
     ImageButton* reload = form->commandButton(1);
     QTest::mousePress(reload, Qt::LeftButton);
     EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(9)"));
-    QMouseEvent move(QEvent::MouseMove, QPointF(-5, 3), reload->mapToGlobal(QPointF(-5, 3)), Qt::NoButton,
-                     Qt::LeftButton, {});
+    QMouseEvent move(QEvent::MouseMove, QPointF(-5, 3), reload->mapToGlobal(QPointF(-5, 3)),
+                     Qt::NoButton, Qt::LeftButton, {});
     QApplication::sendEvent(reload, &move);
     EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(5)"));
     QTest::mouseRelease(reload, Qt::LeftButton);
     EXPECT_EQ(host.reads, 43252) << "a dragged-off press does not reload";
 }
 
-TEST_F(SysFormTest, CommitWritesEveryByteAndReloadRereadsTheHost)
-{
+TEST_F(SysFormTest, CommitWritesEveryByteAndReloadRereadsTheHost) {
     host.fillPattern();
     form->ReloadFromHost();
     EXPECT_EQ(state.image.toByteArray(), host.image);
@@ -196,4 +192,37 @@ TEST_F(SysFormTest, CommitWritesEveryByteAndReloadRereadsTheHost)
     form->CommitAndClose();
     EXPECT_EQ(host.image, expected);
     EXPECT_EQ(host.writes, 43252);
+}
+
+TEST_F(SysFormTest, SetupCreatesAndWiresTheTenOptionGroups) {
+    const ControlPools& pools = form->pools();
+    const int counts[] = {2, 2, 2, 2, 2, 2, 4, 3, 4};
+    const char* names[] = {"CheckRadio2a", "CheckRadio2b", "CheckRadio2c",
+                           "CheckRadio2d", "CheckRadio2e", "CheckRadio2f",
+                           "CheckRadio4a", "CheckRadio3a", "CheckRadio4b"};
+    for (int g = 0; g < 9; ++g) {
+        cCheckRadio* group = pools.groups[std::size_t(g)];
+        ASSERT_NE(group, nullptr);
+        EXPECT_EQ(group->objectName(), QLatin1String(names[g]));
+        EXPECT_EQ(group->itemCount(), counts[g]);
+        EXPECT_TRUE(group->hasTitle());
+    }
+    EXPECT_EQ(pools.groups[9]->objectName(), QStringLiteral("CheckRadio10"));
+    EXPECT_EQ(pools.groups[9]->itemCount(), 5);
+    // CheckRadio4a owns Check2 12-15, CheckRadio3a 16-18.
+    EXPECT_EQ(pools.groups[6]->glyph(0), pools.check2[12]);
+    EXPECT_EQ(pools.groups[7]->glyph(2), pools.check2[18]);
+    EXPECT_EQ(ControlPools::groupOfCheck2(17), std::make_pair(7, 1));
+    for (int i = 0; i < 10; ++i)
+        EXPECT_TRUE(pools.sliders[std::size_t(i)]->Enabled()) << i;
+    EXPECT_FALSE(pools.sliders[10]->Enabled());
+
+    // A click that changes the selection writes the chosen item at the group's address.
+    cCheckRadio* group = pools.groups[6];
+    group->setTFormat(10420);
+    group->setSelected(0);
+    group->ClickOn(3);
+    EXPECT_EQ(state.image.at(10420), 3);
+    EXPECT_EQ(state.image.at(10419), 0);
+    EXPECT_EQ(state.image.at(10421), 0);
 }

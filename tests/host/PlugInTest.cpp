@@ -13,8 +13,7 @@ using namespace ferrule;
 
 namespace {
 
-std::string errorOf(const std::function<void()>& f)
-{
+std::string errorOf(const std::function<void()>& f) {
     try {
         f();
     } catch (const FerruleError& e) {
@@ -25,8 +24,7 @@ std::string errorOf(const std::function<void()>& f)
 
 class PlugInTest : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
+    void SetUp() override {
         RegCreateKey(RegRoot::LocalMachine, kEditorKey);
         host.fillPattern();
         plugIn.Interface(&host);
@@ -39,8 +37,7 @@ protected:
 
 } // namespace
 
-TEST_F(PlugInTest, ConstantMembersAndTheNoOpMembers)
-{
+TEST_F(PlugInTest, ConstantMembersAndTheNoOpMembers) {
     EXPECT_EQ(plugIn.Version(), 262656);
     EXPECT_EQ(plugIn.property("Version").toInt(), 262656) << "also by name";
     EXPECT_EQ(plugIn.property("Compatibility").toInt(), 67108864);
@@ -64,8 +61,7 @@ TEST_F(PlugInTest, ConstantMembersAndTheNoOpMembers)
     EXPECT_TRUE(host.blocks.isEmpty());
 }
 
-TEST_F(PlugInTest, InterfaceReadsTheHostFontAndFailsNamingAMissingMember)
-{
+TEST_F(PlugInTest, InterfaceReadsTheHostFontAndFailsNamingAMissingMember) {
     const HostFontSettings& font = plugIn.state().font;
     EXPECT_EQ(font.family, 1);
     EXPECT_EQ(font.name, QStringLiteral("DejaVu Serif"));
@@ -75,15 +71,16 @@ TEST_F(PlugInTest, InterfaceReadsTheHostFontAndFailsNamingAMissingMember)
 
     PlugIn other;
     HostWithoutStrikethrough lacking;
-    EXPECT_NE(errorOf([&] { other.Interface(&lacking); }).find("FontStrikethrough"), std::string::npos);
+    EXPECT_NE(errorOf([&] { other.Interface(&lacking); }).find("FontStrikethrough"),
+              std::string::npos);
     // The same error reaches a host that sets the member by name.
-    EXPECT_NE(errorOf([&] { other.setProperty("Interface", QVariant::fromValue<QObject*>(&lacking)); })
-                  .find("FontStrikethrough"),
+    EXPECT_NE(errorOf([&] {
+                  other.setProperty("Interface", QVariant::fromValue<QObject*>(&lacking));
+              }).find("FontStrikethrough"),
               std::string::npos);
 }
 
-TEST_F(PlugInTest, OwnerMustBeAWindow)
-{
+TEST_F(PlugInTest, OwnerMustBeAWindow) {
     QWidget window;
     EXPECT_NO_THROW(plugIn.Owner(&window));
     EXPECT_EQ(plugIn.ownerWindow(), &window);
@@ -92,8 +89,7 @@ TEST_F(PlugInTest, OwnerMustBeAWindow)
     EXPECT_EQ(plugIn.ownerWindow(), &window) << "a failed Owner keeps the previous window";
 }
 
-TEST_F(PlugInTest, SetupCopiesTheHostImageByteForByte)
-{
+TEST_F(PlugInTest, SetupCopiesTheHostImageByteForByte) {
     plugIn.Title(QStringLiteral("GT-6"));
     ASSERT_NE(plugIn.editor(), nullptr);
     EXPECT_EQ(host.reads, 43252);
@@ -104,8 +100,7 @@ TEST_F(PlugInTest, SetupCopiesTheHostImageByteForByte)
     EXPECT_EQ(host.reads, 43252);
 }
 
-TEST_F(PlugInTest, AHostValueOutsideAByteStopsSetupWithAnError)
-{
+TEST_F(PlugInTest, AHostValueOutsideAByteStopsSetupWithAnError) {
     for (const QVariant& bad : {QVariant(256), QVariant(-1), QVariant(QStringLiteral("loud"))}) {
         TestHost badHost;
         badHost.overrides.push_back({1234, bad});
@@ -116,12 +111,12 @@ TEST_F(PlugInTest, AHostValueOutsideAByteStopsSetupWithAnError)
         // By name, the host sees the error of the member it called.
         PlugIn q;
         q.Interface(&badHost);
-        EXPECT_NE(errorOf([&] { q.setProperty("Format", 8); }).find("SysData(1234)"), std::string::npos);
+        EXPECT_NE(errorOf([&] { q.setProperty("Format", 8); }).find("SysData(1234)"),
+                  std::string::npos);
     }
 }
 
-TEST_F(PlugInTest, StartWithoutFormatLaysOutTheGt10)
-{
+TEST_F(PlugInTest, StartWithoutFormatLaysOutTheGt10) {
     bool seen = false;
     whileEditorOpen(plugIn, [&](SysForm& form) {
         seen = true;
@@ -135,8 +130,7 @@ TEST_F(PlugInTest, StartWithoutFormatLaysOutTheGt10)
     EXPECT_EQ(plugIn.format(), 10);
 }
 
-TEST_F(PlugInTest, StoredLastPageOutsideZeroToTenOpensPageOne)
-{
+TEST_F(PlugInTest, StoredLastPageOutsideZeroToTenOpensPageOne) {
     const struct {
         QVariant stored;
         int expected;
@@ -144,7 +138,8 @@ TEST_F(PlugInTest, StoredLastPageOutsideZeroToTenOpensPageOne)
     plugIn.Format(6);
     for (const auto& c : cases) {
         if (c.stored.isValid()) {
-            ASSERT_TRUE(RegWrite(RegRoot::LocalMachine, kEditorKey, QStringLiteral("SysLastDisp6"), c.stored));
+            ASSERT_TRUE(RegWrite(RegRoot::LocalMachine, kEditorKey, QStringLiteral("SysLastDisp6"),
+                                 c.stored));
         } else {
             QFile::remove(settingsFileFor(RegRoot::LocalMachine, kEditorKey));
             RegCreateKey(RegRoot::LocalMachine, kEditorKey);
@@ -155,8 +150,7 @@ TEST_F(PlugInTest, StoredLastPageOutsideZeroToTenOpensPageOne)
     }
 }
 
-TEST_F(PlugInTest, ClosingStoresThePageUnderTheModel)
-{
+TEST_F(PlugInTest, ClosingStoresThePageUnderTheModel) {
     plugIn.Format(6);
     whileEditorOpen(plugIn, [](SysForm& form) { form.ShowTab(9); });
     QVariant stored = 0;
@@ -168,8 +162,7 @@ TEST_F(PlugInTest, ClosingStoresThePageUnderTheModel)
     EXPECT_EQ(opened, 9);
 }
 
-TEST_F(PlugInTest, CenterKeepsTheWindowOnTheScreen)
-{
+TEST_F(PlugInTest, CenterKeepsTheWindowOnTheScreen) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
     plugIn.Format(10);
     SysForm* form = plugIn.editor();
@@ -190,11 +183,11 @@ TEST_F(PlugInTest, CenterKeepsTheWindowOnTheScreen)
     EXPECT_EQ(form->x(), 0);
     EXPECT_EQ(form->y(), 0);
 
-    EXPECT_TRUE(QMetaObject::invokeMethod(&plugIn, "Center", Q_ARG(qint16, 300), Q_ARG(qint16, 300)));
+    EXPECT_TRUE(
+        QMetaObject::invokeMethod(&plugIn, "Center", Q_ARG(qint16, 300), Q_ARG(qint16, 300)));
 }
 
-TEST_F(PlugInTest, QuitReleasesTheWindowAndTheHost)
-{
+TEST_F(PlugInTest, QuitReleasesTheWindowAndTheHost) {
     QWidget owner;
     plugIn.Owner(&owner);
     plugIn.Format(3);

@@ -12,8 +12,7 @@ const QString kKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Multi");
 const QString kOtherKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Missing");
 } // namespace
 
-TEST(SettingsStore, AMissingKeyReadsNothingAndIsNeverCreated)
-{
+TEST(SettingsStore, AMissingKeyReadsNothingAndIsNeverCreated) {
     QVariant asInt = 55;
     EXPECT_FALSE(RegRead(RegRoot::LocalMachine, kOtherKey, QStringLiteral("SysLastDisp3"), asInt));
     EXPECT_EQ(asInt.typeId(), QMetaType::Int);
@@ -26,11 +25,11 @@ TEST(SettingsStore, AMissingKeyReadsNothingAndIsNeverCreated)
     EXPECT_FALSE(RegWrite(RegRoot::LocalMachine, kOtherKey, QStringLiteral("SysLastDisp3"), 4));
     const QFileInfo file(settingsFileFor(RegRoot::LocalMachine, kOtherKey));
     EXPECT_FALSE(file.exists());
-    EXPECT_FALSE(QDir(file.absolutePath()).exists() && QDir(file.absolutePath()).entryList(QDir::Files).contains(file.fileName()));
+    EXPECT_FALSE(QDir(file.absolutePath()).exists() &&
+                 QDir(file.absolutePath()).entryList(QDir::Files).contains(file.fileName()));
 }
 
-TEST(SettingsStore, ValuesRoundTripWithTheirType)
-{
+TEST(SettingsStore, ValuesRoundTripWithTheirType) {
     ASSERT_TRUE(RegCreateKey(RegRoot::LocalMachine, kKey));
     EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("SysLastDisp6"), 266));
     QVariant v = 0;
@@ -42,13 +41,15 @@ TEST(SettingsStore, ValuesRoundTripWithTheirType)
     EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Neg"), v));
     EXPECT_EQ(v.toInt(), -1);
 
-    EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Text"), QStringLiteral("a b=c;d")));
+    EXPECT_TRUE(
+        RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Text"), QStringLiteral("a b=c;d")));
     QVariant s = QString();
     EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Text"), s));
     EXPECT_EQ(s.typeId(), QMetaType::QString);
     EXPECT_EQ(s.toString(), QStringLiteral("a b=c;d"));
 
-    EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Bin"), QStringLiteral("xyz"), true));
+    EXPECT_TRUE(
+        RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Bin"), QStringLiteral("xyz"), true));
     EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Bin"), s));
     EXPECT_EQ(s.toString(), QStringLiteral("xyz"));
 
@@ -61,8 +62,7 @@ TEST(SettingsStore, ValuesRoundTripWithTheirType)
     QFile::remove(settingsFileFor(RegRoot::LocalMachine, kKey));
 }
 
-TEST(SettingsStore, ExpandableStringsTakeTheEnvironment)
-{
+TEST(SettingsStore, ExpandableStringsTakeTheEnvironment) {
     ASSERT_TRUE(RegCreateKey(RegRoot::LocalMachine, kKey));
     qputenv("FERRULE_TEST_VAR", "expanded");
     QFile f(settingsFileFor(RegRoot::LocalMachine, kKey));

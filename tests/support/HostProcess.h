@@ -10,14 +10,13 @@ struct HostRun {
     int exitCode = -1;
     QByteArray out;
     QByteArray err;
-    QStringList errLines() const
-    {
+    QStringList errLines() const {
         return QString::fromLocal8Bit(err).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
 };
 
-inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000)
-{
+inline HostRun runHost(const QStringList& args, const QString& settingsRoot,
+                       int timeoutMs = 60000) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));

@@ -5,10 +5,8 @@
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
-int main(int argc, char** argv)
-{
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QTemporaryDir settingsRoot;
     qputenv("FERRULE_SETTINGS_ROOT", settingsRoot.path().toLocal8Bit());
     QApplication app(argc, argv);

@@ -1,6 +1,6 @@
+#include "sysdata/HostLink.h"
 #include "TestHost.h"
 #include "sysdata/FerruleError.h"
-#include "sysdata/HostLink.h"
 #include "sysdata/ValueText.h"
 
 #include <gtest/gtest.h>
@@ -8,8 +8,7 @@
 using namespace ferrule;
 
 namespace {
-std::string errorOf(const std::function<void()>& f)
-{
+std::string errorOf(const std::function<void()>& f) {
     try {
         f();
     } catch (const FerruleError& e) {
@@ -19,8 +18,7 @@ std::string errorOf(const std::function<void()>& f)
 }
 } // namespace
 
-TEST(HostLink, ReadsPropertiesAndCallsMethodsByName)
-{
+TEST(HostLink, ReadsPropertiesAndCallsMethodsByName) {
     TestHost host;
     host.image[42] = char(200);
     HostLink link;
@@ -35,15 +33,18 @@ TEST(HostLink, ReadsPropertiesAndCallsMethodsByName)
     EXPECT_EQ(ValueText(link, 5, 175, 8), QStringLiteral("v5/175/8"));
 }
 
-TEST(HostLink, ErrorsNameTheMember)
-{
+TEST(HostLink, ErrorsNameTheMember) {
     TestHost host;
     HostLink link;
     EXPECT_NE(errorOf([&] { link.property("FontName"); }).find("FontName"), std::string::npos);
     link.setHost(&host);
-    EXPECT_NE(errorOf([&] { link.property("NoSuchThing"); }).find("NoSuchThing"), std::string::npos);
+    EXPECT_NE(errorOf([&] { link.property("NoSuchThing"); }).find("NoSuchThing"),
+              std::string::npos);
     EXPECT_NE(errorOf([&] { link.call("Missing", {1}); }).find("Missing"), std::string::npos);
-    EXPECT_NE(errorOf([&] { link.call("ValueText", {1, 2}); }).find("ValueText"), std::string::npos)
+    EXPECT_NE(errorOf([&] {
+                  link.call("ValueText", {1, 2});
+              }).find("ValueText"),
+              std::string::npos)
         << "a call with the wrong number of arguments finds no member";
     // A value that does not convert.
     host.overrides.push_back({7, QStringLiteral("seven")});

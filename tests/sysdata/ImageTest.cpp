@@ -6,8 +6,7 @@
 
 using namespace ferrule;
 
-TEST(ParameterEncoding, DoubleByteOnlyOnTheGt10AtItsTwentySevenAddresses)
-{
+TEST(ParameterEncoding, DoubleByteOnlyOnTheGt10AtItsTwentySevenAddresses) {
     int count = 0;
     for (int i = 0; i < SystemImage::kSize; ++i)
         count += IsDoubleByte(i, 10) ? 1 : 0;
@@ -20,8 +19,7 @@ TEST(ParameterEncoding, DoubleByteOnlyOnTheGt10AtItsTwentySevenAddresses)
         EXPECT_FALSE(IsDoubleByte(19124, model)) << model;
 }
 
-TEST(ParameterEncoding, SplitAndJoinAreSevenBitDigits)
-{
+TEST(ParameterEncoding, SplitAndJoinAreSevenBitDigits) {
     EXPECT_EQ(splitDoubleByte(1000), std::make_pair(7, 104));
     EXPECT_EQ(splitDoubleByte(127), std::make_pair(0, 127));
     EXPECT_EQ(splitDoubleByte(128), std::make_pair(1, 0));
@@ -32,8 +30,7 @@ TEST(ParameterEncoding, SplitAndJoinAreSevenBitDigits)
     }
 }
 
-TEST(SystemImage, DoubleByteParametersReadAndWriteTwoBytesOnTheGt10Only)
-{
+TEST(SystemImage, DoubleByteParametersReadAndWriteTwoBytesOnTheGt10Only) {
     SystemImage image;
     image.set(19124, 0);
     image.set(19125, 99);
@@ -53,8 +50,7 @@ TEST(SystemImage, DoubleByteParametersReadAndWriteTwoBytesOnTheGt10Only)
     EXPECT_EQ(image.at(19125), 99) << "on the GT-8 the next byte stays";
 }
 
-TEST(SystemImage, AccessOutsideTheImageOrBeyondAByteIsAnError)
-{
+TEST(SystemImage, AccessOutsideTheImageOrBeyondAByteIsAnError) {
     SystemImage image;
     EXPECT_THROW(image.at(-1), FerruleError);
     EXPECT_THROW(image.at(SystemImage::kSize), FerruleError);

@@ -1,0 +1,143 @@
+#include "RKnob.h"
+
+#include "ControlArt.h"
+#include "Twips.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include <cmath>
+
+namespace ferrule {
+namespace {
+const double kPi = 4.0 * std::atan(1.0);
+constexpr double kDeg = 180.0;
+} // namespace
+
+RKnob::RKnob(int poolIndex, QWidget* parent)
+    : ValueControl(poolIndex, parent) {
+    setObjectName(QStringLiteral("RKnob1_%1").arg(poolIndex));
+    setProperty("ferruleKind", QStringLiteral("knob"));
+    setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
+    setFocusPolicy(Qt::ClickFocus);
+    setCursor(Qt::PointingHandCursor);
+    setColor(0);
+    setLabelWidth(0);
+}
+
+QPoint RKnob::pointerPosition(int value, int max) {
+    // With no range the pointer rests at the low end stop.
+    const double fraction = max > 0 ? double(value) / max : 0.0;
+    const double theta = (30.0 + 300.0 * fraction) * kPi / kDeg;
+    const int top = int(std::floor(210.0 * std::cos(theta) + 300.0));
+    const int left = int(std::floor(300.0 - 210.0 * std::sin(theta)));
+    return {left, top};
+}
+
+void RKnob::placePointer() {
+    const QPoint p = pointerPosition(value_, max_);
+    pointerLeft_ = p.x();
+    pointerTop_ = p.y();
+    update();
+}
+
+void RKnob::setValue(int v) {
+    value_ = max_ > 0 ? v : 0;
+    placePointer();
+    rewriteLabel();
+}
+
+void RKnob::setLabelWidth(int n) {
+    labelWidth_ = n != 0 ? 1 : 0;
+    if (labelWidth_)
+        setLabelGeometry(15, 735, 780);
+    else
+        setLabelGeometry(75, 615, 780);
+}
+
+void RKnob::setColor(int n) {
+    color_ = n >= 0 && n < ControlArt::kKnobColours ? n : 0;
+    update();
+}
+
+void RKnob::TrackPointer(double x, double y) {
+    double dx = x - 375.0;
+    double dy = y - 375.0;
+    const double r = std::sqrt(dx * dx + dy * dy);
+    if (r < 65.0) return;
+    dx = 210.0 * dx / r;
+    dy = 210.0 * dy / r;
+    int newValue = 0;
+    double refX = 0;
+    double refY = 0;
+    if (dy > 182.0) {
+        // Into the gap between the end stops.
+        newValue = dx >= 0 ? max_ : 0;
+        refX = dx >= 0 ? 480.0 : 270.0;
+        refY = 557.0;
+    } else {
+        refX = 375.0 + dx;
+        refY = 375.0 + dy;
+        const double c = dy / 210.0;
+        double theta = 180.0;
+        if (c != -1.0) {
+            const double a = std::asin(c) * kDeg / kPi;
+            theta = refX < 375.0 ? 90.0 - a : 270.0 + a;
+        }
+        newValue = int(std::trunc((theta - 30.0) * (max_ + 1) / 300.0));
+        newValue = std::min(newValue, max_);
+    }
+    if (max_ > 1) {
+        if (value_ == 0 && newValue > max_ * 0.5) return;
+        if (value_ == max_ && newValue < max_ * 0.5) return;
+    }
+    pointerLeft_ = int(std::floor(refX)) - 75;
+    pointerTop_ = int(std::floor(refY)) - 75;
+    update();
+    if (newValue == value_) return;
+    storeValue(newValue);
+    emit Change(newValue);
+}
+
+void RKnob::paintEvent(QPaintEvent*) {
+    QPainter p(this);
+    const QRect picture(0, 0, twipsToPx(kWidth), twipsToPx(kPictureHeight));
+    // The mask clears the knob's area to black and keeps the background; OR lays the knob in.
+    p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
+    p.drawPixmap(picture, ControlArt::knobMask());
+    p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
+    p.drawPixmap(picture, ControlArt::knobImage(color_));
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    // The pointer: a lit dot centred in its 165-twip square.
+    p.setRenderHint(QPainter::Antialiasing);
+    const QPointF centre((pointerLeft_ + kPointerSize / 2.0) / kTwipsPerPixel,
+                         (pointerTop_ + kPointerSize / 2.0) / kTwipsPerPixel);
+    p.setPen(QPen(QColor(0x1b, 0x1e, 0x22), 1.0));
+    p.setBrush(Off() ? QColor(0x9a, 0xa0, 0xa8) : QColor(0xfb, 0xf7, 0xe8));
+    p.drawEllipse(centre, 2.6, 2.6);
+    p.setRenderHint(QPainter::Antialiasing, false);
+    paintValueLabel(p);
+}
+
+void RKnob::mousePressEvent(QMouseEvent* e) {
+    if (pressOnLabel(e)) return;
+    if (e->button() != Qt::LeftButton || Off()) return;
+    lastX_ = -1;
+    lastY_ = -1;
+    dragging_ = true;
+    const double x = pxToTwips(e->position().x());
+    const double y = pxToTwips(e->position().y());
+    guarded([this, x, y] { TrackPointer(x, y); });
+}
+
+void RKnob::mouseMoveEvent(QMouseEvent* e) {
+    if (!dragging_) return;
+    const double x = pxToTwips(e->position().x());
+    const double y = pxToTwips(e->position().y());
+    if (x == lastX_ && y == lastY_) return;
+    lastX_ = x;
+    lastY_ = y;
+    guarded([this, x, y] { TrackPointer(x, y); });
+}
+
+} // namespace ferrule

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <QRect>
+#include <QWidget>
+
+#include <functional>
+
+namespace ferrule {
+
+struct HostFontSettings;
+
+// Gives the text a value label shows: (value, format, model type) → text. The editor asks the
+// host; without one the plain number is shown.
+using ValueTextSource = std::function<QString(int value, int format, int type)>;
+
+// What the knob and the slider share: a value with an upper bound, the value label whose text
+// comes from the value-text source, the "off" state, committing a user change (which raises
+// Change), stepping by a click on the label, and the context help on a right-button release.
+// Positions are twips from the control's top-left corner.
+class ValueControl : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(int Max READ Max WRITE setMax)
+    Q_PROPERTY(int TFormat READ TFormat WRITE setTFormat)
+    Q_PROPERTY(int MemLoc READ MemLoc WRITE setMemLoc)
+    Q_PROPERTY(int pType READ pType WRITE setPType)
+    Q_PROPERTY(int Value READ Value WRITE setValue)
+    Q_PROPERTY(bool Off READ Off WRITE setOff)
+    Q_PROPERTY(int LabelWidth READ LabelWidth WRITE setLabelWidth)
+    Q_PROPERTY(QString caption READ caption WRITE setCaption)
+    Q_PROPERTY(QString valueText READ valueText)
+    Q_PROPERTY(int poolIndex READ poolIndex)
+    Q_PROPERTY(bool dragging READ dragging)
+public:
+    ValueControl(int poolIndex, QWidget* parent);
+
+    int Max() const { return max_; }
+    virtual void setMax(int m);
+    int TFormat() const { return format_; }
+    void setTFormat(int f) { format_ = f; }
+    int MemLoc() const { return memLoc_; }
+    void setMemLoc(int a) { memLoc_ = a; }
+    int pType() const { return type_; }
+    void setPType(int t) { type_ = t; }
+    int Value() const { return value_; }
+    virtual void setValue(int v) = 0;
+    bool Off() const { return off_; }
+    void setOff(bool off);
+    int LabelWidth() const { return labelWidth_; }
+    virtual void setLabelWidth(int n) = 0;
+    QString caption() const { return caption_; }
+    void setCaption(const QString& c) { caption_ = c; }
+    QString valueText() const;
+    int poolIndex() const { return poolIndex_; }
+    bool dragging() const { return dragging_; }
+
+    void setValueTextSource(ValueTextSource source) { source_ = std::move(source); }
+    void applyHostFont(const HostFontSettings& font);
+
+    // A user's change: sets the value and raises Change, unless it is the current value.
+    void CommitValue(int v);
+    // A press on the value label: the left button steps down, any other up.
+    void labelPressed(Qt::MouseButton button);
+    // The text the context help shows: the caption and the current value text.
+    QString helpText() const;
+    // The value label's rectangle, in pixels of the control.
+    QRect valueLabelRect() const { return labelRect_; }
+
+signals:
+    void Change(int value);
+    // An error while handling the mouse (the value text could not be had).
+    void failed(const QString& message);
+
+protected:
+    virtual int minimum() const { return 0; }
+    virtual bool acceptsInput() const { return !off_; }
+    virtual void rangeChanged() {}
+    // Stores a value and rewrites the label with the value's text, also while Off is set (no
+    // indicator move).
+    void storeValue(int v);
+    void rewriteLabel();
+    void setLabelGeometry(int left, int width, int top);
+    void showHelp(const QPoint& globalPos);
+    // Runs a mouse-driven action; an error is reported through `failed`, never thrown out.
+    void guarded(const std::function<void()>& action);
+    // Paints the value label: black text on white, centred.
+    void paintValueLabel(QPainter& p) const;
+    // A press inside the value label steps the value; true when it was there.
+    bool pressOnLabel(const QMouseEvent* e);
+    // A drag ends when the left button is released or the control loses the focus; releasing
+    // any other button shows the context help.
+    void mouseReleaseEvent(QMouseEvent* e) override;
+    void focusOutEvent(QFocusEvent* e) override;
+
+    int max_ = 100;
+    int value_ = 0;
+    int labelWidth_ = 0;
+    bool dragging_ = false;
+
+private:
+    int format_ = 2;
+    int memLoc_ = 0;
+    int type_ = 3;
+    bool off_ = false;
+    int poolIndex_;
+    QString caption_;
+    QString text_;
+    QRect labelRect_;
+    ValueTextSource source_;
+};
+
+} // namespace ferrule

@@ -1,0 +1,201 @@
+#include "MouseHelpers.h"
+#include "controls/RKnob.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+class KnobTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        knob.setValueTextSource(
+            [](int v, int f, int t) { return QStringLiteral("%1|%2|%3").arg(v).arg(f).arg(t); });
+        knob.setMax(100);
+        knob.setValue(50);
+        knob.show();
+    }
+    QList<int> changes() const {
+        QList<int> out;
+        for (const auto& args : spy)
+            out << args.at(0).toInt();
+        return out;
+    }
+
+    RKnob knob;
+    QSignalSpy spy{&knob, &RKnob::Change};
+};
+
+} // namespace
+
+TEST_F(KnobTest, PointerSitsOnTheArcForTheValue) {
+    knob.setValue(0);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(195, 481));
+    knob.setValue(100);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(405, 481));
+    knob.setValue(50);
+    EXPECT_EQ(knob.pointerTop(), 90);
+    EXPECT_NEAR(knob.pointerLeft(), 300, 1);
+    EXPECT_TRUE(spy.isEmpty()) << "values set through the property raise nothing";
+    EXPECT_EQ(knob.valueText(), QStringLiteral("50|2|3"));
+}
+
+TEST_F(KnobTest, DragFollowsTheAngleWithDeadCentreAndEndStopGap) {
+    // A press in the dead centre changes nothing.
+    pressAt(&knob, 375, 375);
+    releaseAt(&knob, 375, 375);
+    EXPECT_EQ(knob.Value(), 50);
+    EXPECT_TRUE(spy.isEmpty());
+
+    // Straight up is the middle of the range; the pointer follows the mouse.
+    knob.setValue(20);
+    pressAt(&knob, 375, 75);
+    EXPECT_EQ(knob.Value(), 50);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(300, 90));
+    // Drag round to the right half, then into the bottom gap: exactly Max.
+    moveTo(&knob, 675, 375); // three o'clock: (270° - 30°) × 101 / 300 = 80.8
+    EXPECT_EQ(knob.Value(), 80);
+    moveTo(&knob, 450, 705);
+    EXPECT_EQ(knob.Value(), 100);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(405, 482));
+    // Moving on along the gap never passes Max.
+    moveTo(&knob, 525, 690);
+    EXPECT_EQ(knob.Value(), 100);
+    releaseAt(&knob, 525, 690);
+    EXPECT_EQ(changes(), (QList<int>{50, 80, 100}));
+
+    // The left half of the gap gives exactly 0 (from a value far from Max).
+    knob.setValue(30);
+    spy.clear();
+    pressAt(&knob, 300, 705);
+    releaseAt(&knob, 300, 705);
+    EXPECT_EQ(knob.Value(), 0);
+    EXPECT_EQ(changes(), (QList<int>{0}));
+    EXPECT_FALSE(knob.dragging());
+}
+
+TEST_F(KnobTest, JumpGuardKeepsADragFromCrossingTheGap) {
+    knob.setMax(10);
+    knob.setValue(0);
+    // From 0, a point in the upper half of the range is ignored, pointer included.
+    const QPoint before(knob.pointerLeft(), knob.pointerTop());
+    pressAt(&knob, 675, 375); // three o'clock: value 8
+    EXPECT_EQ(knob.Value(), 0);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), before);
+    moveTo(&knob, 375, 75); // straight up: value 5, not above half, accepted
+    EXPECT_EQ(knob.Value(), 5);
+    releaseAt(&knob, 375, 75);
+
+    knob.setValue(10);
+    spy.clear();
+    pressAt(&knob, 75, 375); // nine o'clock: value 2, below half of Max: ignored
+    EXPECT_EQ(knob.Value(), 10);
+    moveTo(&knob, 375, 75); // back to 5 is accepted
+    EXPECT_EQ(knob.Value(), 5);
+    releaseAt(&knob, 375, 75);
+    EXPECT_EQ(changes(), (QList<int>{5}));
+
+    // With Max 1 there is no guard: 0 to 1 across the top.
+    knob.setMax(1);
+    knob.setValue(0);
+    clickAt(&knob, 675, 375);
+    EXPECT_EQ(knob.Value(), 1);
+}
+
+TEST_F(KnobTest, DraggingInsideOneSectorMovesThePointerButRaisesNothing) {
+    knob.setMax(2); // three sectors of 100°: value 1 covers 130°-230°
+    knob.setValue(1);
+    pressAt(&knob, 300, 90); // left of straight up, still value 1
+    const int left1 = knob.pointerLeft();
+    moveTo(&knob, 450, 90); // right of straight up, still value 1
+    EXPECT_NE(knob.pointerLeft(), left1);
+    releaseAt(&knob, 450, 90);
+    EXPECT_EQ(knob.Value(), 1);
+    EXPECT_TRUE(spy.isEmpty());
+}
+
+TEST_F(KnobTest, LabelClicksStepByOneWithinTheRange) {
+    knob.setValue(0);
+    clickLabel(&knob, Qt::LeftButton);
+    EXPECT_EQ(knob.Value(), 0);
+    clickLabel(&knob, Qt::RightButton);
+    EXPECT_EQ(knob.Value(), 1);
+    knob.setValue(100);
+    clickLabel(&knob, Qt::RightButton);
+    EXPECT_EQ(knob.Value(), 100);
+    clickLabel(&knob, Qt::LeftButton);
+    EXPECT_EQ(knob.Value(), 99);
+    EXPECT_EQ(changes(), (QList<int>{1, 99}));
+    // A value-label step snaps the pointer to the value's angle.
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), RKnob::pointerPosition(99, 100));
+}
+
+TEST_F(KnobTest, OffIgnoresInputButTakesValues) {
+    knob.setOff(true);
+    EXPECT_EQ(knob.valueText(), QStringLiteral("off"));
+    clickAt(&knob, 375, 75);
+    clickLabel(&knob, Qt::RightButton);
+    EXPECT_EQ(knob.Value(), 50);
+    knob.setValue(7);
+    EXPECT_EQ(knob.valueText(), QStringLiteral("7|2|3")) << "setting Value replaces \"off\"";
+    EXPECT_TRUE(knob.Off());
+    knob.setOff(false);
+    EXPECT_EQ(knob.valueText(), QStringLiteral("7|2|3"));
+    EXPECT_TRUE(spy.isEmpty());
+}
+
+TEST_F(KnobTest, ColourLabelWidthAndAZeroRange) {
+    knob.setColor(7);
+    EXPECT_EQ(knob.Color(), 0);
+    knob.setColor(4);
+    EXPECT_EQ(knob.Color(), 4);
+    knob.setLabelWidth(5);
+    EXPECT_EQ(knob.LabelWidth(), 1);
+    EXPECT_EQ(knob.valueLabelRect(), QRect(1, 52, 49, 16));
+    knob.setLabelWidth(0);
+    EXPECT_EQ(knob.LabelWidth(), 0);
+    EXPECT_EQ(knob.valueLabelRect(), QRect(5, 52, 41, 16));
+
+    // Max 0: value 0 and the pointer at the low end stop, whatever is asked.
+    knob.setMax(0);
+    EXPECT_EQ(knob.Value(), 0);
+    knob.setValue(3);
+    EXPECT_EQ(knob.Value(), 0);
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(195, 481));
+    clickAt(&knob, 675, 375);
+    EXPECT_EQ(knob.Value(), 0);
+    // Lowering Max below the value lowers the value without moving the pointer.
+    knob.setMax(100);
+    knob.setValue(80);
+    const QPoint at(knob.pointerLeft(), knob.pointerTop());
+    knob.setMax(60);
+    EXPECT_EQ(knob.Value(), 60);
+    EXPECT_EQ(knob.valueText(), QStringLiteral("60|2|3"));
+    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), at);
+}
+
+TEST_F(KnobTest, AFailingValueTextIsReportedNotThrownIntoTheEventLoop) {
+    QSignalSpy failed(&knob, &RKnob::failed);
+    knob.setValueTextSource(
+        [](int, int, int) -> QString { throw std::runtime_error("ValueText: no host"); });
+    clickAt(&knob, 675, 375);
+    EXPECT_EQ(failed.size(), 1);
+    EXPECT_EQ(knob.Value(), 80) << "the value changed before the text was asked";
+    EXPECT_THROW(knob.setValue(3), std::runtime_error) << "a setter hands the error to its caller";
+}
+
+TEST_F(KnobTest, RightButtonReleaseShowsTheHelpWithCaptionAndValue) {
+    knob.setCaption(QStringLiteral("Reverb Level"));
+    knob.setValue(42);
+    clickAt(&knob, 375, 375, Qt::RightButton);
+    QWidget* help = nullptr;
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w->inherits("QWhatsThat") && w->isVisible()) help = w;
+    ASSERT_NE(help, nullptr);
+    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("Reverb Level")));
+    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("42|2|3")));
+    EXPECT_EQ(knob.Value(), 42) << "the right button does not turn the knob";
+    help->close();
+}

@@ -1,0 +1,140 @@
+#include "MouseHelpers.h"
+#include "controls/VSlider.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+class SliderTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        slider.setMax(100);
+        slider.setMin(0);
+        slider.setValue(50);
+        slider.setEnabledInput(true);
+        slider.show();
+    }
+    // A point on the thumb, in twips.
+    int thumbY() const { return slider.thumbTop() + 60; }
+    QList<int> changes() const {
+        QList<int> out;
+        for (const auto& args : spy)
+            out << args.at(0).toInt();
+        return out;
+    }
+
+    VSlider slider;
+    QSignalSpy spy{&slider, &VSlider::Change};
+};
+
+} // namespace
+
+TEST_F(SliderTest, ThumbPositionsAtTheEndsAndTheMiddle) {
+    ASSERT_EQ(slider.travel(), 780);
+    slider.setValue(100);
+    EXPECT_EQ(slider.thumbTop(), 0);
+    slider.setValue(0);
+    EXPECT_EQ(slider.thumbTop(), 780);
+    slider.setValue(50);
+    EXPECT_EQ(slider.thumbTop(), 390);
+    // No range: the thumb sits at the bottom, nothing divides by zero.
+    slider.setMax(0);
+    EXPECT_EQ(slider.Value(), 0);
+    EXPECT_EQ(slider.thumbTop(), 780);
+    EXPECT_TRUE(spy.isEmpty());
+}
+
+TEST_F(SliderTest, DraggingTheThumbFollowsWholeValuesAndStopsAtTheEnds) {
+    slider.setMin(1);
+    slider.setMax(5);
+    slider.setValue(3);
+    pressAt(&slider, 645, thumbY());
+    EXPECT_TRUE(slider.dragging());
+    moveTo(&slider, 645, thumbY() - 200); // 200 twips up: about 1.03 values
+    EXPECT_EQ(slider.Value(), 4);
+    EXPECT_EQ(slider.thumbTop(), VSlider::thumbPosition(4, 1, 5, 780))
+        << "the thumb sits at a whole value";
+    moveTo(&slider, 645, 2000); // far below the travel
+    EXPECT_EQ(slider.Value(), 1) << "Min, never 0";
+    moveTo(&slider, 645, -2000);
+    EXPECT_EQ(slider.Value(), 5);
+    releaseAt(&slider, 645, 0);
+    EXPECT_FALSE(slider.dragging());
+    moveTo(&slider, 645, 2000, Qt::NoButton);
+    EXPECT_EQ(slider.Value(), 5) << "a move after the release changes nothing";
+    EXPECT_EQ(changes(), (QList<int>{4, 1, 5}));
+}
+
+TEST_F(SliderTest, TrackClicksStepAndAPressBesideTheThumbCountsAsBelow) {
+    clickAt(&slider, 645, 60); // above the thumb
+    EXPECT_EQ(slider.Value(), 51);
+    clickAt(&slider, 645, 1000); // below
+    EXPECT_EQ(slider.Value(), 50);
+    clickAt(&slider, 150, thumbY()); // beside the thumb at its height
+    EXPECT_EQ(slider.Value(), 49);
+    EXPECT_FALSE(slider.dragging());
+
+    slider.setValue(100);
+    spy.clear();
+    clickAt(&slider, 645, 0); // above the thumb at Max: the thumb's top is 0, so this is on it
+    clickAt(&slider, 150, 0); // beside it, at its height: one down
+    EXPECT_EQ(slider.Value(), 99);
+    slider.setValue(0);
+    spy.clear();
+    clickAt(&slider, 645, 1100); // below at Min
+    EXPECT_EQ(slider.Value(), 0);
+    EXPECT_TRUE(spy.isEmpty());
+    slider.setValue(100);
+    slider.setMin(100); // a thumb at the top and nothing above
+    clickAt(&slider, 645, 500);
+    EXPECT_EQ(slider.Value(), 100);
+}
+
+TEST_F(SliderTest, LabelClicksAndTheInputGates) {
+    clickLabel(&slider, Qt::LeftButton);
+    EXPECT_EQ(slider.Value(), 49);
+    clickLabel(&slider, Qt::RightButton);
+    EXPECT_EQ(slider.Value(), 50);
+
+    slider.setEnabledInput(false);
+    clickAt(&slider, 645, 60);
+    clickLabel(&slider, Qt::RightButton);
+    EXPECT_EQ(slider.Value(), 50);
+    slider.setEnabledInput(true);
+    slider.setOff(true);
+    EXPECT_EQ(slider.valueText(), QStringLiteral("off"));
+    clickAt(&slider, 645, 60);
+    pressAt(&slider, 645, thumbY());
+    EXPECT_FALSE(slider.dragging());
+    releaseAt(&slider, 645, thumbY());
+    slider.setValue(20);
+    EXPECT_EQ(slider.valueText(), QStringLiteral("20"));
+    EXPECT_EQ(changes(), (QList<int>{49, 50}));
+}
+
+TEST_F(SliderTest, LabelPresetsStayCentredOnTheTrack) {
+    const struct {
+        int set, reads, width;
+    } presets[] = {{-1, 0, 300}, {0, 0, 630},  {1, 1, 750},  {2, 2, 870},
+                   {3, 3, 990},  {4, 4, 1290}, {9, 4, 1290}, {-5, 4, 1290}};
+    for (const auto& p : presets) {
+        slider.setLabelWidth(p.set);
+        EXPECT_EQ(slider.LabelWidth(), p.reads) << p.set;
+        const QRect g = slider.valueLabelRect();
+        EXPECT_EQ(g.width(), p.width / 15) << p.set;
+        EXPECT_EQ(g.left() * 2 + g.width(), 2 * 645 / 15) << "centred on x = 645 twips";
+        EXPECT_EQ(g.top(), 960 / 15);
+    }
+}
+
+TEST_F(SliderTest, MinAndMaxPullTheValueIn) {
+    slider.setValue(50);
+    slider.setMin(60);
+    EXPECT_EQ(slider.Value(), 60);
+    slider.setMax(55);
+    EXPECT_EQ(slider.Value(), 55);
+    EXPECT_TRUE(spy.isEmpty());
+}
