@@ -69,11 +69,19 @@ QByteArray describeEditor(QWidget* editor) {
             buttons.append(b);
         } else if (!kind.isEmpty() && area) {
             QJsonObject c = ownProperties(w);
-            c.insert(QStringLiteral("kind"), kind);
             c.insert(QStringLiteral("name"), w->objectName());
             c.insert(QStringLiteral("position"), position(w, area));
             controls.append(c);
         }
+    }
+    // Option groups and the selector list are plain objects that place the window's labels.
+    const auto objects = editor->findChildren<QObject*>();
+    for (const QObject* o : objects) {
+        if (o->isWidgetType() || !o->property("ferruleKind").isValid() || !o->property("visible").toBool())
+            continue;
+        QJsonObject c = ownProperties(o);
+        c.insert(QStringLiteral("name"), o->objectName());
+        controls.append(c);
     }
     root.insert(QStringLiteral("buttons"), buttons);
     root.insert(QStringLiteral("controls"), controls);

@@ -1,7 +1,9 @@
 #include "SysForm.h"
 
-#include "ControlPools.h"
+#include "pages/ControlPools.h"
 #include "ImageButton.h"
+#include "OptionHover.h"
+#include "ValueBinding.h"
 #include "PageArea.h"
 #include "controls/Twips.h"
 #include "controls/cCheckRadio.h"
@@ -83,37 +85,6 @@ std::array<TabPlacement, 13> tabPlacementsFor(int model) {
     return t;
 }
 
-int tabForPage(int page, int model) {
-    switch (page) {
-    case 1:
-    case 2:
-    case 3:
-        return 0;
-    case 4:
-        return 1;
-    case 5:
-        return 2;
-    case 6:
-        return 3;
-    case 7:
-        return model == 8 ? 7 : 0;
-    case 8:
-        return 4;
-    case 9:
-        return 5;
-    case 10:
-        return 6;
-    case 11:
-        return 8;
-    case 12:
-    case 13:
-    case 14:
-    case 15:
-        return page - 3;
-    default:
-        return -1;
-    }
-}
 
 } // namespace
 
@@ -199,6 +170,25 @@ void SysForm::buildChrome() {
                                             [this](int value, int format, int type) {
                                                 return ValueText(state_.host, value, format, type);
                                             });
+    pageArea_->setPanels(std::vector<QWidget*>(pools_->tabBoxes.begin(), pools_->tabBoxes.end()));
+    pageArea_->setPanelColourSource([this]() -> std::optional<int> {
+        // A host without a panel colour gets flat panels.
+        if (!state_.host.hasProperty("ShadingColourPanelEnd")) return std::nullopt;
+        bool ok = false;
+        const int colour = state_.host.property("ShadingColourPanelEnd").toInt(&ok);
+        return ok ? std::optional<int>(colour) : std::nullopt;
+    });
+    builder_ = std::make_unique<PageBuilder>(*pools_, state_.image, state_.model);
+    binding_ = new ValueBinding(
+        state_, *pools_, *builder_, views_, currentPage_,
+        [this](const QString& m) {
+            lastError_ = m;
+            if (errorReporter_) errorReporter_(m);
+        },
+        this);
+    binding_->connectControls();
+    hover_ = new OptionHover(pageArea_, *pools_, this);
+    hover_->install();
 }
 
 void SysForm::setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name) {
@@ -223,7 +213,7 @@ void SysForm::runGuarded(const std::function<void()>& action) {
 void SysForm::Setup() {
     currentPage_ = -1;
     currentTab_ = -1;
-    scaleView_ = phraseView_ = preampView_ = 0;
+    views_ = PageViews{};
 
     // The host's system data, byte by byte; a value that is not a byte stops the set-up.
     const QObject* host = state_.host.host();
@@ -235,11 +225,7 @@ void SysForm::Setup() {
 
     if (!pools_->groups[0]) {
         pools_->createOptionGroups(this);
-        for (int g = 0; g < ControlPools::kGroups; ++g)
-            connect(pools_->groups[std::size_t(g)], &cCheckRadio::Click, this,
-                    [this, g](int value) {
-                        runGuarded([this, g, value] { optionGroupClicked(g, value); });
-                    });
+        binding_->connectGroups();
     }
 
     QVariant scheme = 0;
@@ -274,10 +260,21 @@ void SysForm::SetFormat(int model) {
 void SysForm::ShowTab(int page) {
     if (state_.model == 0) return;
     if (page == currentPage_) return;
+    const int oldPage = currentPage_;
     currentPage_ = page;
+    hover_->EndHover();
+    builder_->primitives().ClearPage();
     const int oldTab = currentTab_;
-    const int tab = tabForPage(page, state_.model);
+    // Pages without a grid hide the grid of the page they leave; pages 5, 6 and 12-15 do not.
+    if ((page >= 1 && page <= 4) || (page >= 7 && page <= 11)) {
+        const GridHooks& grids = builder_->gridHooks();
+        if (oldPage == 5 && grids.showHarmonistGrid) grids.showHarmonistGrid(false);
+        if (oldPage == 6 && grids.showPhraseGrid) grids.showPhraseGrid(false);
+    }
+    const int tab = PageBuilder::tabForPage(page, state_.model);
     if (tab >= 0) currentTab_ = tab;
+    builder_->build(page, views_, dataBase_);
+    pageArea_->update();
     if (oldTab >= 0)
         setButtonPicture(tabButtons_[std::size_t(oldTab)], art_.Img(oldTab),
                          QStringLiteral("Img(%1)").arg(oldTab));
@@ -324,13 +321,7 @@ void SysForm::reject() {
     runGuarded([this] { CancelEdit(); });
 }
 
-// ---- value binding
-// ---------------------------------------------------------------------------------
-
-void SysForm::optionGroupClicked(int group, int value) {
-    if (group == ControlPools::kSelectorList) return;
-    state_.image.set(pools_->groups[std::size_t(group)]->TFormat(), value);
-}
+void SysForm::UpdateDeviceID() { binding_->UpdateDeviceID(); }
 
 // ---- commands -----------------------------------------------------------------------------------
 

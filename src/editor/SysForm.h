@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controls/ButtonArt.h"
+#include "pages/PageBuilder.h"
 
 #include <QDialog>
 #include <QString>
@@ -16,7 +17,9 @@ namespace ferrule {
 struct ModuleState;
 class ControlPools;
 class ImageButton;
+class OptionHover;
 class PageArea;
+class ValueBinding;
 
 // The editor window: mode buttons, tab buttons, command buttons and the page area. Set up once
 // for a plug-in (Setup), laid out per model (SetFormat), shown modally by the plug-in's Start.
@@ -40,6 +43,7 @@ public:
     void Setup();
     void SetFormat(int model);
     Q_INVOKABLE void ShowTab(int page);
+    Q_INVOKABLE void UpdateDeviceID();
     void Form_Load();
     void Form_Unload();
 
@@ -67,10 +71,13 @@ public:
     QLabel* txProgress() const { return txProgress_; }
     PageArea* pageArea() const { return pageArea_; }
     ControlPools& pools() const { return *pools_; }
+    PageBuilder& builder() { return *builder_; }
+    ValueBinding& binding() { return *binding_; }
+    OptionHover& hover() { return *hover_; }
     const ModuleState& state() const { return state_; }
-
-    // Click of option group `group` (0-8, or 9 for the selector list) with the reported value.
-    void optionGroupClicked(int group, int value);
+    PageViews& views() { return views_; }
+    // The scale or phrase data base of the page last built (pages 5 and 6).
+    int dataBase() const { return dataBase_; }
 
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
@@ -107,12 +114,14 @@ private:
     QLabel* txProgress_ = nullptr;
     PageArea* pageArea_ = nullptr;
     std::unique_ptr<ControlPools> pools_;
+    std::unique_ptr<PageBuilder> builder_;
+    ValueBinding* binding_ = nullptr;
+    OptionHover* hover_ = nullptr;
 
     int currentPage_ = -1;
     int currentTab_ = -1;
-    int scaleView_ = 0;
-    int phraseView_ = 0;
-    int preampView_ = 0;
+    PageViews views_;
+    int dataBase_ = 0;
     bool transmitted_ = false;
     bool modePressed_ = false;
     bool tabPressed_ = false;

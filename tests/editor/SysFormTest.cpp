@@ -2,7 +2,7 @@
 #include "TestHost.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
-#include "editor/ControlPools.h"
+#include "pages/ControlPools.h"
 #include "editor/ImageButton.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ParameterEncoding.h"

@@ -54,6 +54,9 @@ public:
     std::array<QLabel*, kCheck10> checkLabels10{};
     std::array<cCheckRadio*, kGroups> groups{};
 
+    // Shows picture 10 (off) or 11 (on) on switch `index`.
+    void showSwitchPicture(int index, int picture);
+
     // The group that owns a Check2/CheckLabel index, and the item number inside it.
     static std::pair<int, int> groupOfCheck2(int index);
 

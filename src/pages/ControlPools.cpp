@@ -53,6 +53,8 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
         auto* box = new QWidget(pageArea);
         box->setObjectName(QStringLiteral("TabBox%1").arg(i));
         box->setAttribute(Qt::WA_TransparentForMouseEvents);
+        box->setProperty("ferruleKind", QStringLiteral("heading"));
+        box->setProperty("poolIndex", i);
         box->hide();
         tabBoxes[std::size_t(i)] = box;
     }
@@ -61,7 +63,8 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
             makeLabel(pageArea, QStringLiteral("TabLabel%1").arg(i), 12, true);
     for (int i = 0; i < kKnobs; ++i) {
         knobLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("KnobLabel%1").arg(i), 11, false);
+            makeLabel(pageArea, QStringLiteral("KnobLabel%1").arg(i), 10, false);
+        knobLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         auto* k = new RKnob(i, pageArea);
         k->setValueTextSource(valueText);
         k->applyHostFont(font);
@@ -71,6 +74,7 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     for (int i = 0; i < kSliders; ++i) {
         sliderLabels[std::size_t(i)] =
             makeLabel(pageArea, QStringLiteral("SliderLabel%1").arg(i), 11, false);
+        sliderLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         auto* s = new VSlider(i, pageArea);
         s->setValueTextSource(valueText);
         s->applyHostFont(font);
@@ -83,6 +87,10 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
         sw->setPixmap(ControlArt::onOffImage(i == 11 ? 11 : 10));
         sw->setProperty("picture", i == 11 ? 11 : 10);
         sw->setCursor(Qt::PointingHandCursor);
+        if (i < kSwitches) {
+            sw->setProperty("ferruleKind", QStringLiteral("switch"));
+            sw->setProperty("poolIndex", i);
+        }
         sw->hide();
         onOff[std::size_t(i)] = sw;
     }
@@ -96,7 +104,7 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     }
     for (int i = 0; i < kCheckTitles; ++i)
         checkTitles[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("CheckTitle%1").arg(i), 11, true);
+            makeLabel(pageArea, QStringLiteral("CheckTitle%1").arg(i), 10, true);
     for (int i = 0; i < kCheck10; ++i) {
         check10[std::size_t(i)] = makeGlyph(pageArea, QStringLiteral("Check10_%1").arg(i));
         checkLabels10[std::size_t(i)] =
@@ -108,10 +116,13 @@ void ControlPools::createOptionGroups(QObject* owner) {
     for (const GroupDesign& d : kGroupDesign) {
         auto* g = new cCheckRadio(owner);
         g->setObjectName(QString::fromLatin1(d.name));
+        g->setProperty("ferruleKind", QStringLiteral("options"));
+        g->setProperty("poolIndex", d.group);
         groups[std::size_t(d.group)] = g;
     }
     auto* list = new cCheckRadio(owner);
     list->setObjectName(QStringLiteral("CheckRadio10"));
+    list->setProperty("ferruleKind", QStringLiteral("list"));
     groups[kSelectorList] = list;
 
     for (const GroupDesign& d : kGroupDesign) {
@@ -140,6 +151,14 @@ void ControlPools::createOptionGroups(QObject* owner) {
 
     for (int i = 0; i <= 9; ++i)
         sliders[std::size_t(i)]->setEnabledInput(true);
+}
+
+void ControlPools::showSwitchPicture(int index, int picture)
+{
+    QLabel* sw = onOff.at(std::size_t(index));
+    sw->setPixmap(onOff.at(std::size_t(picture))->pixmap());
+    sw->setProperty("picture", picture);
+    sw->setProperty("on", picture == 11);
 }
 
 std::pair<int, int> ControlPools::groupOfCheck2(int index) {

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+namespace ferrule {
+
+struct ModuleState;
+struct PageViews;
+class ControlPools;
+class PageBuilder;
+
+// Writes every user change of a bound control into the system data image the moment it is
+// made: knobs and sliders (one byte, or two 7-bit bytes at the GT-10's double-byte addresses),
+// option groups, switches; applies the few dependent updates; and carries out the selector
+// list's actions.
+class ValueBinding : public QObject {
+    Q_OBJECT
+public:
+    ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder, PageViews& views,
+                 const int& currentPage, std::function<void(const QString&)> reportError, QObject* parent);
+
+    // Connects the knobs, sliders and switches; the option groups once set-up made them.
+    void connectControls();
+    void connectGroups();
+
+    void knobChanged(int index, int value);
+    void sliderChanged(int index, int value);
+    void optionGroupClicked(int group, int value);
+    void selectorClicked(int value);
+    void switchClicked(int index);
+    void UpdateDeviceID();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void guarded(const std::function<void()>& action);
+
+    ModuleState& state_;
+    ControlPools& pools_;
+    PageBuilder& builder_;
+    PageViews& views_;
+    const int& currentPage_;
+    std::function<void(const QString&)> reportError_;
+};
+
+} // namespace ferrule

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace ferrule {
+
+class ControlPools;
+class SystemImage;
+
+// The six primitives that place one pooled control, bind it to an image index and give it its
+// current value, or hide it when given the left position -1. Positions are twips inside the
+// page area.
+class PagePrimitives {
+public:
+    PagePrimitives(ControlPools& pools, const SystemImage& image, const int& model);
+
+    void PlaceHeading(int index, int x, int y, int width, int height, const QString& caption);
+    void PlaceKnob(int index, int x, int y, int color, int format, int max, int memLoc,
+                   const QString& caption, int labelWidth, bool captionAbove);
+    void PlaceSlider(int index, int x, int y, int format, int max, int memLoc, const QString& caption,
+                     int labelWidth);
+    void PlaceOptions(int group, int x, int y, int memLoc, const QString& optionList);
+    void PlaceSwitch(int index, int x, int y, int memLoc, const QString& caption);
+    void PlaceCheckList(int x, int y, int count, const QString& optionList, bool wide);
+    // Hides every pooled control of the page area.
+    void ClearPage();
+
+    // "Title!A!B" for a group of `count` options: the options in order, then the title. Exactly
+    // `count` "!" are consumed; further ones stay in the last option.
+    static QStringList splitGroupOptions(const QString& optionList, int count);
+    // "Title!1!2!…" for the selector list: captions at 0-9, the title at 10.
+    static QStringList splitListOptions(const QString& optionList);
+    // Options each group number takes: 2 for 0-5, 4 for 6 and 8, 3 for 7.
+    static int optionCount(int group);
+
+    // Caption label widths in twips: centred over the knob and over the slider's track.
+    static constexpr int kKnobCaptionWidth = 1215;
+    static constexpr int kSliderCaptionWidth = 1290;
+
+private:
+    ControlPools& pools_;
+    const SystemImage& image_;
+    const int& model_;
+};
+
+} // namespace ferrule
