@@ -30,13 +30,21 @@ QJsonValue toJson(const QVariant& v) {
     }
 }
 
-// The properties a control class declares itself (not those of QWidget).
+// The properties a control's class declares itself (not those of QWidget or QObject), and the
+// dynamic ones the window gives its plain pictures and labels.
 QJsonObject ownProperties(const QObject* o) {
     QJsonObject out;
     const QMetaObject* mo = o->metaObject();
-    for (int i = QWidget::staticMetaObject.propertyCount(); i < mo->propertyCount(); ++i) {
+    const int first = o->isWidgetType() ? QWidget::staticMetaObject.propertyCount()
+                                        : QObject::staticMetaObject.propertyCount();
+    for (int i = first; i < mo->propertyCount(); ++i) {
         const QMetaProperty p = mo->property(i);
         if (p.isReadable()) out.insert(QString::fromLatin1(p.name()), toJson(p.read(o)));
+    }
+    for (const QByteArray& name : o->dynamicPropertyNames()) {
+        if (name.startsWith("_q_") || name == "ferruleOwnFont" || name == "ferruleCommandButton")
+            continue;
+        out.insert(QString::fromLatin1(name), toJson(o->property(name.constData())));
     }
     return out;
 }
@@ -61,25 +69,28 @@ QByteArray describeEditor(QWidget* editor) {
     const auto widgets = editor->findChildren<QWidget*>();
     for (const QWidget* w : widgets) {
         if (!w->isVisibleTo(editor)) continue;
-        const QString kind = w->property("ferruleKind").toString();
         if (w->inherits("ferrule::ImageButton")) {
             QJsonObject b = ownProperties(w);
             b.insert(QStringLiteral("name"), w->objectName());
             b.insert(QStringLiteral("position"), position(w, editor));
             buttons.append(b);
-        } else if (!kind.isEmpty() && area) {
+        } else if (w->property("ferruleKind").isValid() && area) {
             QJsonObject c = ownProperties(w);
+            c.insert(QStringLiteral("kind"), w->property("ferruleKind").toString());
             c.insert(QStringLiteral("name"), w->objectName());
             c.insert(QStringLiteral("position"), position(w, area));
             controls.append(c);
         }
     }
-    // Option groups and the selector list are plain objects that place the window's labels.
+    // Option groups and the selector list are plain objects that place the window's labels;
+    // their position is their own Left and Top.
     const auto objects = editor->findChildren<QObject*>();
     for (const QObject* o : objects) {
-        if (o->isWidgetType() || !o->property("ferruleKind").isValid() || !o->property("visible").toBool())
+        if (o->isWidgetType() || !o->property("ferruleKind").isValid() ||
+            !o->property("visible").toBool())
             continue;
         QJsonObject c = ownProperties(o);
+        c.insert(QStringLiteral("kind"), o->property("ferruleKind").toString());
         c.insert(QStringLiteral("name"), o->objectName());
         controls.append(c);
     }

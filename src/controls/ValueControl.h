@@ -30,6 +30,8 @@ class ValueControl : public QWidget {
     Q_PROPERTY(QString valueText READ valueText)
     Q_PROPERTY(int poolIndex READ poolIndex)
     Q_PROPERTY(bool dragging READ dragging)
+    Q_PROPERTY(int minimum READ minimum)
+    Q_PROPERTY(bool inputEnabled READ acceptsInput)
 public:
     ValueControl(int poolIndex, QWidget* parent);
 

@@ -16,12 +16,9 @@ namespace ferrule {
 OptionHover::OptionHover(QWidget* pageArea, ControlPools& pools, QObject* parent)
     : QObject(parent)
     , pageArea_(pageArea)
-    , pools_(pools)
-{
-}
+    , pools_(pools) {}
 
-void OptionHover::install()
-{
+void OptionHover::install() {
     auto watch = [this](QWidget* w) {
         w->setMouseTracking(true);
         w->installEventFilter(this);
@@ -37,24 +34,21 @@ void OptionHover::install()
     pageArea_->installEventFilter(this);
 }
 
-int OptionHover::MinOf(std::initializer_list<int> values)
-{
+int OptionHover::MinOf(std::initializer_list<int> values) {
     int m = INT_MAX;
     for (int v : values)
         m = std::min(m, v);
     return m;
 }
 
-int OptionHover::MaxOf(std::initializer_list<int> values)
-{
+int OptionHover::MaxOf(std::initializer_list<int> values) {
     int m = INT_MIN;
     for (int v : values)
         m = std::max(m, v);
     return m;
 }
 
-void OptionHover::BeginHover(QLabel* glyph, QLabel* label, cCheckRadio* group, int item)
-{
+void OptionHover::BeginHover(QLabel* glyph, QLabel* label, cCheckRadio* group, int item) {
     glyph_ = glyph;
     group_ = group;
     const QRect g = glyph->geometry();
@@ -67,34 +61,25 @@ void OptionHover::BeginHover(QLabel* glyph, QLabel* label, cCheckRadio* group, i
     pageArea_->grabMouse();
 }
 
-void OptionHover::TrackHover(int x, int y)
-{
-    if (!active())
-        return;
-    if (!(x >= left_ && y >= top_ && x <= right_ && y <= bottom_))
-        EndHover();
+void OptionHover::TrackHover(int x, int y) {
+    if (!active()) return;
+    if (!(x >= left_ && y >= top_ && x <= right_ && y <= bottom_)) EndHover();
 }
 
-void OptionHover::EndHover()
-{
+void OptionHover::EndHover() {
     pageArea_->releaseMouse();
-    if (group_)
-        group_->setMouseOver(-1);
+    if (group_) group_->setMouseOver(-1);
     glyph_ = nullptr;
     group_ = nullptr;
 }
 
-void OptionHover::mouseDown(Qt::MouseButton button)
-{
+void OptionHover::mouseDown(Qt::MouseButton button) {
     pageArea_->window()->raise();
-    if (glyph_ && group_ && button == Qt::LeftButton)
-        group_->MouseDown();
+    if (glyph_ && group_ && button == Qt::LeftButton) group_->MouseDown();
 }
 
-void OptionHover::mouseUp(Qt::MouseButton button, const QPoint& globalPos)
-{
-    if (!glyph_)
-        return;
+void OptionHover::mouseUp(Qt::MouseButton button, const QPoint& globalPos) {
+    if (!glyph_) return;
     if (button == Qt::RightButton) {
         // The item's context help: its group's title and its caption.
         QString text;
@@ -103,7 +88,8 @@ void OptionHover::mouseUp(Qt::MouseButton button, const QPoint& globalPos)
             const QStringList captions = group_->captions();
             text = QStringLiteral("<b>%1</b><br>%2")
                        .arg(group_->title().trimmed().toHtmlEscaped(),
-                            item >= 0 && item < captions.size() ? captions[item].toHtmlEscaped() : QString());
+                            item >= 0 && item < captions.size() ? captions[item].toHtmlEscaped()
+                                                                : QString());
         }
         QWhatsThis::showText(globalPos, text, glyph_);
     } else if (button == Qt::LeftButton && group_) {
@@ -112,8 +98,7 @@ void OptionHover::mouseUp(Qt::MouseButton button, const QPoint& globalPos)
     EndHover();
 }
 
-bool OptionHover::eventFilter(QObject* watched, QEvent* event)
-{
+bool OptionHover::eventFilter(QObject* watched, QEvent* event) {
     const auto type = event->type();
     if (watched == pageArea_) {
         const auto* me = static_cast<QMouseEvent*>(event);
@@ -131,10 +116,10 @@ bool OptionHover::eventFilter(QObject* watched, QEvent* event)
         }
         return false;
     }
-    if (type != QEvent::MouseMove)
-        return false;
+    if (type != QEvent::MouseMove) return false;
     for (int i = 0; i < ControlPools::kCheck2; ++i) {
-        if (watched == pools_.check2[std::size_t(i)] || watched == pools_.checkLabels[std::size_t(i)]) {
+        if (watched == pools_.check2[std::size_t(i)] ||
+            watched == pools_.checkLabels[std::size_t(i)]) {
             const auto [g, item] = ControlPools::groupOfCheck2(i);
             if (g >= 0)
                 BeginHover(pools_.check2[std::size_t(i)], pools_.checkLabels[std::size_t(i)],
@@ -143,7 +128,8 @@ bool OptionHover::eventFilter(QObject* watched, QEvent* event)
         }
     }
     for (int i = 0; i < ControlPools::kCheck10; ++i) {
-        if (watched == pools_.check10[std::size_t(i)] || watched == pools_.checkLabels10[std::size_t(i)]) {
+        if (watched == pools_.check10[std::size_t(i)] ||
+            watched == pools_.checkLabels10[std::size_t(i)]) {
             BeginHover(pools_.check10[std::size_t(i)], pools_.checkLabels10[std::size_t(i)],
                        pools_.groups[ControlPools::kSelectorList], i);
             return false;

@@ -12,8 +12,7 @@ constexpr int kWhite = 0xFFFFFF;
 } // namespace
 
 PageArea::PageArea(QWidget* parent)
-    : QWidget(parent)
-{
+    : QWidget(parent) {
     setObjectName(QStringLiteral("PageArea"));
     // Captions on the page are dark on the light panels, unlike the window's dark top bar.
     QPalette pal = palette();
@@ -22,8 +21,7 @@ PageArea::PageArea(QWidget* parent)
     setPalette(pal);
 }
 
-void PageArea::paintEvent(QPaintEvent*)
-{
+void PageArea::paintEvent(QPaintEvent*) {
     QPainter p(this);
     p.fillRect(rect(), kPageColour);
     p.setPen(QColor(0xb8, 0xbf, 0xc8));
@@ -35,12 +33,12 @@ void PageArea::paintEvent(QPaintEvent*)
     const int end = panelColour.value_or(0);
     const int start = BlendColour(kWhite, end, 700);
     for (const QWidget* panel : panels_) {
-        if (panel->isHidden())
-            continue;
+        if (panel->isHidden()) continue;
         const QRect g = panel->geometry();
         if (shaded) {
-            FillGradient(p, g.left() * kTwipsPerPixel, g.top() * kTwipsPerPixel, (g.right() + 1) * kTwipsPerPixel,
-                         (g.bottom() + 1) * kTwipsPerPixel, start, end, 2);
+            FillGradient(p, g.left() * kTwipsPerPixel, g.top() * kTwipsPerPixel,
+                         (g.right() + 1) * kTwipsPerPixel, (g.bottom() + 1) * kTwipsPerPixel, start,
+                         end, 2);
             ++painted_;
         }
         p.setPen(QPen(QColor(0x8c, 0x96, 0xa3), 1));

@@ -18,7 +18,9 @@ public:
     explicit PageArea(QWidget* parent);
 
     // The host's panel colour, read at every paint; empty when the host has none.
-    void setPanelColourSource(std::function<std::optional<int>()> source) { colour_ = std::move(source); }
+    void setPanelColourSource(std::function<std::optional<int>()> source) {
+        colour_ = std::move(source);
+    }
     void setPanels(std::vector<QWidget*> panels) { panels_ = std::move(panels); }
     // How many panels the last paint filled with a gradient.
     int panelsPainted() const { return painted_; }

@@ -17,7 +17,7 @@ int BlendColour(int colourA, int colourB, int amount);
 // Fills the rectangle (twips) with a two-colour gradient. Direction 0: colour1 left, colour2
 // right; 1: colour1 right; 2: colour1 top, colour2 bottom; 3: colour1 bottom. Any other
 // direction draws nothing; returns whether it drew.
-bool FillGradient(QPainter& painter, int left, int top, int right, int bottom, int colour1, int colour2,
-                  int direction);
+bool FillGradient(QPainter& painter, int left, int top, int right, int bottom, int colour1,
+                  int colour2, int direction);
 
 } // namespace ferrule

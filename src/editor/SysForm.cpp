@@ -1,13 +1,13 @@
 #include "SysForm.h"
 
-#include "pages/ControlPools.h"
 #include "ImageButton.h"
 #include "OptionHover.h"
-#include "ValueBinding.h"
 #include "PageArea.h"
+#include "ValueBinding.h"
 #include "controls/Twips.h"
 #include "controls/cCheckRadio.h"
 #include "host/SettingsStore.h"
+#include "pages/ControlPools.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ValueText.h"
@@ -84,7 +84,6 @@ std::array<TabPlacement, 13> tabPlacementsFor(int model) {
     }
     return t;
 }
-
 
 } // namespace
 
@@ -321,7 +320,9 @@ void SysForm::reject() {
     runGuarded([this] { CancelEdit(); });
 }
 
-void SysForm::UpdateDeviceID() { binding_->UpdateDeviceID(); }
+void SysForm::UpdateDeviceID() {
+    binding_->UpdateDeviceID();
+}
 
 // ---- commands -----------------------------------------------------------------------------------
 

@@ -14,21 +14,18 @@
 
 namespace ferrule {
 
-ValueBinding::ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder, PageViews& views,
-                           const int& currentPage, std::function<void(const QString&)> reportError,
-                           QObject* parent)
+ValueBinding::ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder,
+                           PageViews& views, const int& currentPage,
+                           std::function<void(const QString&)> reportError, QObject* parent)
     : QObject(parent)
     , state_(state)
     , pools_(pools)
     , builder_(builder)
     , views_(views)
     , currentPage_(currentPage)
-    , reportError_(std::move(reportError))
-{
-}
+    , reportError_(std::move(reportError)) {}
 
-void ValueBinding::guarded(const std::function<void()>& action)
-{
+void ValueBinding::guarded(const std::function<void()>& action) {
     try {
         action();
     } catch (const std::exception& e) {
@@ -36,82 +33,78 @@ void ValueBinding::guarded(const std::function<void()>& action)
     }
 }
 
-void ValueBinding::connectControls()
-{
+void ValueBinding::connectControls() {
     for (int i = 0; i < ControlPools::kKnobs; ++i) {
         RKnob* k = pools_.knobs[std::size_t(i)];
-        connect(k, &RKnob::Change, this, [this, i](int v) { guarded([=, this] { knobChanged(i, v); }); });
+        connect(k, &RKnob::Change, this,
+                [this, i](int v) { guarded([=, this] { knobChanged(i, v); }); });
         connect(k, &RKnob::failed, this, [this](const QString& m) { reportError_(m); });
     }
     for (int i = 0; i < ControlPools::kSliders; ++i) {
         VSlider* s = pools_.sliders[std::size_t(i)];
-        connect(s, &VSlider::Change, this, [this, i](int v) { guarded([=, this] { sliderChanged(i, v); }); });
+        connect(s, &VSlider::Change, this,
+                [this, i](int v) { guarded([=, this] { sliderChanged(i, v); }); });
         connect(s, &VSlider::failed, this, [this](const QString& m) { reportError_(m); });
     }
     for (int i = 0; i < ControlPools::kSwitches; ++i)
         pools_.onOff[std::size_t(i)]->installEventFilter(this);
 }
 
-void ValueBinding::connectGroups()
-{
+void ValueBinding::connectGroups() {
     for (int g = 0; g < ControlPools::kGroups; ++g)
         connect(pools_.groups[std::size_t(g)], &cCheckRadio::Click, this,
                 [this, g](int value) { guarded([=, this] { optionGroupClicked(g, value); }); });
 }
 
-void ValueBinding::knobChanged(int index, int value)
-{
+void ValueBinding::knobChanged(int index, int value) {
     const int address = pools_.knobs.at(std::size_t(index))->MemLoc();
     state_.image.writeParameter(address, state_.model, value);
 }
 
-void ValueBinding::sliderChanged(int index, int value)
-{
+void ValueBinding::sliderChanged(int index, int value) {
     const int address = pools_.sliders.at(std::size_t(index))->MemLoc();
     state_.image.writeParameter(address, state_.model, value);
     builder_.UpdateDependentRanges(index, currentPage_);
 }
 
-void ValueBinding::optionGroupClicked(int group, int value)
-{
+void ValueBinding::optionGroupClicked(int group, int value) {
     if (group == ControlPools::kSelectorList) {
         selectorClicked(value);
         return;
     }
     state_.image.set(pools_.groups.at(std::size_t(group))->TFormat(), value);
     // The channel option of the system preamp page switches the channel rows.
-    if (group == 1 && currentPage_ == 11)
-        builder_.PlaceSystemPreampRows();
+    if (group == 1 && currentPage_ == 11) builder_.PlaceSystemPreampRows();
 }
 
-void ValueBinding::selectorClicked(int value)
-{
+void ValueBinding::selectorClicked(int value) {
     const GridHooks& grids = builder_.gridHooks();
     switch (currentPage_) {
     case 5:
         views_.scaleView = value;
-        if (grids.showHarmonistGrid)
-            grids.showHarmonistGrid(true); // relabels the scale columns
-        if (grids.refreshHarmonistGrid)
-            grids.refreshHarmonistGrid();
+        if (grids.showHarmonistGrid) grids.showHarmonistGrid(true); // relabels the scale columns
+        if (grids.refreshHarmonistGrid) grids.refreshHarmonistGrid();
         break;
     case 6:
         views_.phraseView = value;
-        if (grids.refreshPhraseGrid)
-            grids.refreshPhraseGrid();
+        if (grids.refreshPhraseGrid) grids.refreshPhraseGrid();
         break;
     case 9:
         views_.preampView = value;
         builder_.RebindCustomTone(value + 1);
         break;
-    case 11: builder_.PlaceSystemPreampRows(); break;
-    case 15: builder_.PlaceCtlPedalRows(); break;
-    default: break;
+    case 11:
+        builder_.PlaceSystemPreampRows();
+        break;
+    case 15:
+        builder_.PlaceCtlPedalRows();
+        break;
+    default:
+        break;
     }
 }
 
-void ValueBinding::switchClicked(int index)
-{
+void ValueBinding::switchClicked(int index) {
     const int address = pools_.onOff.at(std::size_t(index))->property("Tag").toString().toInt();
     // Toggles bit 0: a byte other than 0 or 1 stores 1 when its bit 0 is clear, else 0.
     const int stored = (state_.image.at(address) & 1) ? 0 : 1;
@@ -119,18 +112,15 @@ void ValueBinding::switchClicked(int index)
     pools_.showSwitchPicture(index, 10 + (stored & 1));
 }
 
-void ValueBinding::UpdateDeviceID()
-{
-    if (currentPage_ != 4)
-        return;
+void ValueBinding::UpdateDeviceID() {
+    if (currentPage_ != 4) return;
     if (state_.model == 8)
         pools_.knobs[7]->setValue(state_.image.at(10431));
     else if (state_.model == 10)
         pools_.knobs[9]->setValue(state_.image.at(19772));
 }
 
-bool ValueBinding::eventFilter(QObject* watched, QEvent* event)
-{
+bool ValueBinding::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonPress &&
         static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
         for (int i = 0; i < ControlPools::kSwitches; ++i)

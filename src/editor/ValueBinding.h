@@ -19,7 +19,8 @@ class ValueBinding : public QObject {
     Q_OBJECT
 public:
     ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder, PageViews& views,
-                 const int& currentPage, std::function<void(const QString&)> reportError, QObject* parent);
+                 const int& currentPage, std::function<void(const QString&)> reportError,
+                 QObject* parent);
 
     // Connects the knobs, sliders and switches; the option groups once set-up made them.
     void connectControls();

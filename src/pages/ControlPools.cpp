@@ -153,8 +153,18 @@ void ControlPools::createOptionGroups(QObject* owner) {
         sliders[std::size_t(i)]->setEnabledInput(true);
 }
 
-void ControlPools::showSwitchPicture(int index, int picture)
-{
+void ControlPools::setHeadingCaption(int index, const QString& caption) {
+    QLabel* label = tabLabels.at(std::size_t(index));
+    label->setText(caption);
+    label->adjustSize();
+    tabBoxes.at(std::size_t(index))->setProperty("caption", caption);
+}
+
+QString ControlPools::headingCaption(int index) const {
+    return tabLabels.at(std::size_t(index))->text();
+}
+
+void ControlPools::showSwitchPicture(int index, int picture) {
     QLabel* sw = onOff.at(std::size_t(index));
     sw->setPixmap(onOff.at(std::size_t(picture))->pixmap());
     sw->setProperty("picture", picture);

@@ -54,6 +54,10 @@ public:
     std::array<QLabel*, kCheck10> checkLabels10{};
     std::array<cCheckRadio*, kGroups> groups{};
 
+    // Sets the caption of heading `index` (its label and what the panel reports).
+    void setHeadingCaption(int index, const QString& caption);
+    QString headingCaption(int index) const;
+
     // Shows picture 10 (off) or 11 (on) on switch `index`.
     void showSwitchPicture(int index, int picture);
 

@@ -10,18 +10,26 @@
 
 namespace ferrule {
 
-int PageBuilder::Bases::resolve(const Address& a) const
-{
+int PageBuilder::Bases::resolve(const Address& a) const {
     switch (a.base) {
-    case Base::None: return a.offset;
-    case Base::B: return b + a.offset;
-    case Base::P: return p + a.offset;
-    case Base::S: return s + a.offset;
-    case Base::C: return c + a.offset;
-    case Base::Switch: return switchAt + a.offset;
-    case Base::X: return x + a.offset;
-    case Base::Q: return q + a.offset;
-    case Base::M3: return m3 + a.offset;
+    case Base::None:
+        return a.offset;
+    case Base::B:
+        return b + a.offset;
+    case Base::P:
+        return p + a.offset;
+    case Base::S:
+        return s + a.offset;
+    case Base::C:
+        return c + a.offset;
+    case Base::Switch:
+        return switchAt + a.offset;
+    case Base::X:
+        return x + a.offset;
+    case Base::Q:
+        return q + a.offset;
+    case Base::M3:
+        return m3 + a.offset;
     }
     return a.offset;
 }
@@ -30,89 +38,111 @@ PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image, const in
     : pools_(pools)
     , image_(image)
     , model_(model)
-    , primitives_(pools, image, model)
-{
-}
+    , primitives_(pools, image, model) {}
 
-int PageBuilder::tabForPage(int page, int model)
-{
+int PageBuilder::tabForPage(int page, int model) {
     switch (page) {
     case 1:
     case 2:
-    case 3: return 0;
-    case 4: return 1;
-    case 5: return 2;
-    case 6: return 3;
-    case 7: return model == 8 ? 7 : 0;
-    case 8: return 4;
-    case 9: return 5;
-    case 10: return 6;
-    case 11: return 8;
+    case 3:
+        return 0;
+    case 4:
+        return 1;
+    case 5:
+        return 2;
+    case 6:
+        return 3;
+    case 7:
+        return model == 8 ? 7 : 0;
+    case 8:
+        return 4;
+    case 9:
+        return 5;
+    case 10:
+        return 6;
+    case 11:
+        return 8;
     case 12:
     case 13:
     case 14:
-    case 15: return page - 3;
-    default: return -1;
+    case 15:
+        return page - 3;
+    default:
+        return -1;
     }
 }
 
-int PageBuilder::scaleBase(int model)
-{
+int PageBuilder::scaleBase(int model) {
     switch (model) {
-    case 3: return 1048;
-    case 5: return 5150;
-    case 6: return 8074;
-    case 8: return 11511;
-    default: return -1;
+    case 3:
+        return 1048;
+    case 5:
+        return 5150;
+    case 6:
+        return 8074;
+    case 8:
+        return 11511;
+    default:
+        return -1;
     }
 }
 
-int PageBuilder::phraseBase(int model)
-{
+int PageBuilder::phraseBase(int model) {
     switch (model) {
-    case 3: return 1396;
-    case 6: return 8422;
-    case 8: return 11859;
-    default: return -1;
+    case 3:
+        return 1396;
+    case 6:
+        return 8422;
+    case 8:
+        return 11859;
+    default:
+        return -1;
     }
 }
 
-void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int currentPage)
-{
+void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int currentPage) {
     for (const PageRow& r : rows) {
-        if ((r.flags & Gt8Only) && model_ != 8)
-            continue;
-        if ((r.flags & Gt10Only) && model_ != 10)
-            continue;
+        if ((r.flags & Gt8Only) && model_ != 8) continue;
+        if ((r.flags & Gt10Only) && model_ != 10) continue;
         const QString caption = QString::fromUtf8(r.caption);
         const int address = bases.resolve(r.address);
         switch (r.control) {
         case Control::Heading:
-            primitives_.PlaceHeading(r.index, r.x, r.y, r.width == PageCatalogue::kModelWidth ? bases.w : r.width,
+            primitives_.PlaceHeading(r.index, r.x, r.y,
+                                     r.width == PageCatalogue::kModelWidth ? bases.w : r.width,
                                      r.height, caption);
             break;
         case Control::Knob:
-            primitives_.PlaceKnob(r.index, r.x, r.y, r.colour, r.format, r.max, address, caption, r.labelWidth,
-                                  (r.flags & CaptionAbove) != 0);
+            primitives_.PlaceKnob(r.index, r.x, r.y, r.colour, r.format, r.max, address, caption,
+                                  r.labelWidth, (r.flags & CaptionAbove) != 0);
             break;
         case Control::Slider:
-            primitives_.PlaceSlider(r.index, r.x, r.y, r.format, r.max, address, caption, r.labelWidth);
-            if (r.flags & MinOne)
-                pools_.sliders.at(std::size_t(r.index))->setMin(1);
+            primitives_.PlaceSlider(r.index, r.x, r.y, r.format, r.max, address, caption,
+                                    r.labelWidth);
+            if (r.flags & MinOne) pools_.sliders.at(std::size_t(r.index))->setMin(1);
             break;
-        case Control::Options: primitives_.PlaceOptions(r.index, r.x, r.y, address, caption); break;
-        case Control::Switch: primitives_.PlaceSwitch(r.index, r.x, r.y, address, caption); break;
-        case Control::List: primitives_.PlaceCheckList(r.x, r.y, r.max, caption, true); break;
-        case Control::DependentRanges: UpdateDependentRanges(r.index, currentPage); break;
+        case Control::Options:
+            primitives_.PlaceOptions(r.index, r.x, r.y, address, caption);
+            break;
+        case Control::Switch:
+            primitives_.PlaceSwitch(r.index, r.x, r.y, address, caption);
+            break;
+        case Control::List:
+            primitives_.PlaceCheckList(r.x, r.y, r.max, caption, true);
+            break;
+        case Control::DependentRanges:
+            UpdateDependentRanges(r.index, currentPage);
+            break;
         }
     }
 }
 
-int PageBuilder::customPreampBase(int n) const
-{
+int PageBuilder::customPreampBase(int n) const {
     switch (model_) {
-    case 6: return 10342 + 9 * (n - 1);
-    case 8: return 13779 + 7 * (n - 1);
+    case 6:
+        return 10342 + 9 * (n - 1);
+    case 8:
+        return 13779 + 7 * (n - 1);
     case 10: {
         // P lies 17 bytes into the channel's 32-byte block of system preamp n.
         static constexpr int channelByte[] = {19489, 19617, 19694};
@@ -121,30 +151,29 @@ int PageBuilder::customPreampBase(int n) const
         const auto i = std::size_t(n - 1);
         return image_.at(channelByte[i]) == 0 ? channelA[i] : channelB[i];
     }
-    default: return -1;
+    default:
+        return -1;
     }
 }
 
-int PageBuilder::customSpeakerBase(int n) const
-{
-    if (model_ == 8)
-        return 13800 + 5 * (n - 1);
-    if (model_ == 10)
-        return customPreampBase(n) + 7;
+int PageBuilder::customSpeakerBase(int n) const {
+    if (model_ == 8) return 13800 + 5 * (n - 1);
+    if (model_ == 10) return customPreampBase(n) + 7;
     return -1;
 }
 
-int PageBuilder::systemPreampSelection() const
-{
+int PageBuilder::systemPreampSelection() const {
     switch (image_.at(19121)) {
-    case 2: return 1;
-    case 3: return 2;
-    default: return 0; // Patch, System 1, and values the editor cannot set
+    case 2:
+        return 1;
+    case 3:
+        return 2;
+    default:
+        return 0; // Patch, System 1, and values the editor cannot set
     }
 }
 
-void PageBuilder::build(int page, const PageViews& views, int& dataBase)
-{
+void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
     const int model = model_;
     Bases bases;
     cCheckRadio* list = pools_.groups[ControlPools::kSelectorList];
@@ -152,32 +181,29 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase)
     case 1:
     case 2:
     case 3:
-    case 7: place(PageCatalogue::systemPage(model, page == 7), bases, page); break;
+    case 7:
+        place(PageCatalogue::systemPage(model, page == 7), bases, page);
+        break;
     case 4:
         bases.b = model == 6 ? 7039 : 10428;
         place(PageCatalogue::midiPage(model), bases, page);
         break;
     case 5:
-        if (scaleBase(model) >= 0)
-            dataBase = scaleBase(model);
+        if (scaleBase(model) >= 0) dataBase = scaleBase(model);
         primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Harmonist"));
         primitives_.PlaceCheckList(150, 5430, 2, QStringLiteral("Edit Scale!1-16!14-29"), true);
         list->setSelected(views.scaleView);
-        if (grids_.refreshHarmonistGrid)
-            grids_.refreshHarmonistGrid();
-        if (grids_.showHarmonistGrid)
-            grids_.showHarmonistGrid(true);
+        if (grids_.refreshHarmonistGrid) grids_.refreshHarmonistGrid();
+        if (grids_.showHarmonistGrid) grids_.showHarmonistGrid(true);
         break;
     case 6:
-        if (phraseBase(model) >= 0)
-            dataBase = phraseBase(model);
+        if (phraseBase(model) >= 0) dataBase = phraseBase(model);
         primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Auto-Riff"));
-        primitives_.PlaceCheckList(150, 5430, 10, QStringLiteral("Edit Phrase!1!2!3!4!5!6!7!8!9!10"), true);
+        primitives_.PlaceCheckList(150, 5430, 10,
+                                   QStringLiteral("Edit Phrase!1!2!3!4!5!6!7!8!9!10"), true);
         list->setSelected(views.phraseView);
-        if (grids_.refreshPhraseGrid)
-            grids_.refreshPhraseGrid();
-        if (grids_.showPhraseGrid)
-            grids_.showPhraseGrid(true);
+        if (grids_.refreshPhraseGrid) grids_.refreshPhraseGrid();
+        if (grids_.showPhraseGrid) grids_.showPhraseGrid(true);
         break;
     case 8:
         bases.b = model == 6 ? 10369 : 13810;
@@ -193,14 +219,9 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase)
         if (model == 6 || model == 8 || model == 10) {
             list->setSelected(views.preampView);
             const QString number = QString::number(n);
-            pools_.tabLabels[0]->setText(pools_.tabLabels[0]->text() + number);
-            pools_.tabLabels[0]->adjustSize();
-            if (model != 6) {
-                pools_.tabLabels[1]->setText(pools_.tabLabels[1]->text() + number);
-                pools_.tabLabels[1]->adjustSize();
-            }
-            if (model == 8 && n == 3)
-                neutralSpeaker();
+            pools_.setHeadingCaption(0, pools_.headingCaption(0) + number);
+            if (model != 6) pools_.setHeadingCaption(1, pools_.headingCaption(1) + number);
+            if (model == 8 && n == 3) neutralSpeaker();
         }
         break;
     }
@@ -209,8 +230,7 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase)
         place(PageCatalogue::wahPage(model), bases, page);
         break;
     case 11:
-        if (model != 8 && model != 10)
-            break;
+        if (model != 8 && model != 10) break;
         place(PageCatalogue::systemPreampHeadings(), bases, page);
         if (model == 10) {
             primitives_.PlaceCheckList(6660, 4530, 3, QStringLiteral("Edit Preamp!1!2!3"), true);
@@ -227,19 +247,25 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase)
         place(PageCatalogue::systemPreampShared(), bases, page);
         PlaceSystemPreampRows();
         break;
-    case 12: place(PageCatalogue::inputPage(), bases, page); break;
-    case 13: place(PageCatalogue::outputPage(), bases, page); break;
-    case 14: place(PageCatalogue::expressionPage(), bases, page); break;
+    case 12:
+        place(PageCatalogue::inputPage(), bases, page);
+        break;
+    case 13:
+        place(PageCatalogue::outputPage(), bases, page);
+        break;
+    case 14:
+        place(PageCatalogue::expressionPage(), bases, page);
+        break;
     case 15:
         primitives_.PlaceCheckList(150, 4530, 2, QStringLiteral("Edit CTL!1-2!3-4"), true);
         PlaceCtlPedalRows();
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
-void PageBuilder::neutralSpeaker()
-{
+void PageBuilder::neutralSpeaker() {
     VSlider* type = pools_.sliders[1];
     type->setValue(0);
     type->setOff(true);
@@ -253,14 +279,11 @@ void PageBuilder::neutralSpeaker()
     }
 }
 
-void PageBuilder::RebindCustomTone(int n)
-{
+void PageBuilder::RebindCustomTone(int n) {
     const QString number = QString::number(n);
-    pools_.tabLabels[0]->setText(QStringLiteral("Custom Preamp ") + number);
-    pools_.tabLabels[0]->adjustSize();
+    pools_.setHeadingCaption(0, QStringLiteral("Custom Preamp ") + number);
     const int p = customPreampBase(n);
-    if (p < 0)
-        return;
+    if (p < 0) return;
     const int knobCount = model_ == 6 ? 8 : 6;
     pools_.sliders[0]->setMemLoc(p);
     pools_.sliders[0]->setValue(image_.at(p));
@@ -269,10 +292,8 @@ void PageBuilder::RebindCustomTone(int n)
         k->setMemLoc(p + i + 1);
         k->setValue(image_.at(p + i + 1));
     }
-    if (model_ == 6)
-        return;
-    pools_.tabLabels[1]->setText(QStringLiteral("Custom Speaker ") + number);
-    pools_.tabLabels[1]->adjustSize();
+    if (model_ == 6) return;
+    pools_.setHeadingCaption(1, QStringLiteral("Custom Speaker ") + number);
     if (model_ == 8 && n == 3) {
         neutralSpeaker();
         return;
@@ -299,8 +320,7 @@ void PageBuilder::RebindCustomTone(int n)
     cabinet->setEnabled(true);
 }
 
-void PageBuilder::PlaceSystemPreampRows()
-{
+void PageBuilder::PlaceSystemPreampRows() {
     Bases bases;
     if (model_ == 8) {
         bases.x = image_.at(11468) * 17 + 11471;
@@ -310,37 +330,33 @@ void PageBuilder::PlaceSystemPreampRows()
         static constexpr int channelBase[] = {19503, 19631, 19708};
         const auto i = std::size_t(std::clamp(k, 0, 2));
         bases.x = image_.at(channelByte[i]) * 32 + channelBase[i];
-        pools_.tabLabels[0]->setText(QStringLiteral("System Preamp %1").arg(i + 1));
-        pools_.tabLabels[0]->adjustSize();
+        pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(i + 1));
     }
     place(PageCatalogue::systemPreampChannel(), bases, 11);
 }
 
-void PageBuilder::PlaceCtlPedalRows()
-{
+void PageBuilder::PlaceCtlPedalRows() {
     const int m = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 1);
-    primitives_.PlaceHeading(0, 150, 105, 7980, 2010, QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
-    primitives_.PlaceHeading(1, 150, 2145, 7980, 2010, QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
+    primitives_.PlaceHeading(0, 150, 105, 7980, 2010,
+                             QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
+    primitives_.PlaceHeading(1, 150, 2145, 7980, 2010,
+                             QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
     Bases bases;
     bases.q = 48 * m;
     bases.m3 = 3 * m;
     place(PageCatalogue::ctlPedalRows(), bases, 15);
 }
 
-void PageBuilder::UpdateDependentRanges(int sliderIndex, int currentPage)
-{
-    if (model_ != 10 || currentPage != 14)
-        return;
+void PageBuilder::UpdateDependentRanges(int sliderIndex, int currentPage) {
+    if (model_ != 10 || currentPage != 14) return;
     const VSlider* slider = pools_.sliders.at(std::size_t(sliderIndex));
     const int s = image_.readParameter(slider->MemLoc(), model_);
     // A format or maximum of -1 leaves it as it is.
     auto refit = [this](std::initializer_list<int> knobs, int format, int max) {
         for (int k : knobs) {
             RKnob* knob = pools_.knobs[std::size_t(k)];
-            if (format >= 0)
-                knob->setTFormat(format);
-            if (max >= 0)
-                knob->setMax(max);
+            if (format >= 0) knob->setTFormat(format);
+            if (max >= 0) knob->setMax(max);
             knob->setValue(knob->Value());
         }
     };

@@ -509,63 +509,91 @@ constexpr PageRow kCtlPedalRows[] = {
 
 namespace PageCatalogue {
 
-std::span<const PageRow> systemPage(int model, bool page7)
-{
+std::span<const PageRow> systemPage(int model, bool page7) {
     switch (model) {
-    case 3: return kPage1Gt3;
-    case 5: return kPage1Gt5;
-    case 6: return kPage1Gt6;
-    case 8: return page7 ? std::span<const PageRow>(kPage7Gt8) : std::span<const PageRow>(kPage1Gt8);
-    case 10: return kPage1Gt10;
-    default: return {};
-    }
-}
-
-std::span<const PageRow> midiPage(int model)
-{
-    switch (model) {
-    case 3: return kPage4Gt3;
-    case 5: return kPage4Gt5;
+    case 3:
+        return kPage1Gt3;
+    case 5:
+        return kPage1Gt5;
     case 6:
-    case 8: return kPage4Gt6Gt8;
-    case 10: return kPage4Gt10;
-    default: return {};
-    }
-}
-
-std::span<const PageRow> overdrivePage(int model)
-{
-    switch (model) {
-    case 5: return kPage8Gt5;
-    case 6:
-    case 8: return kPage8Gt6Gt8;
-    default: return {};
-    }
-}
-
-std::span<const PageRow> preampPage(int model)
-{
-    switch (model) {
-    case 5: return kPage9Gt5;
-    case 6: return kPage9Gt6;
+        return kPage1Gt6;
     case 8:
-    case 10: return kPage9Gt8Gt10;
-    default: return {};
+        return page7 ? std::span<const PageRow>(kPage7Gt8) : std::span<const PageRow>(kPage1Gt8);
+    case 10:
+        return kPage1Gt10;
+    default:
+        return {};
     }
 }
 
-std::span<const PageRow> wahPage(int model)
-{
-    return model == 6 || model == 8 ? std::span<const PageRow>(kPage10) : std::span<const PageRow>();
+std::span<const PageRow> midiPage(int model) {
+    switch (model) {
+    case 3:
+        return kPage4Gt3;
+    case 5:
+        return kPage4Gt5;
+    case 6:
+    case 8:
+        return kPage4Gt6Gt8;
+    case 10:
+        return kPage4Gt10;
+    default:
+        return {};
+    }
 }
 
-std::span<const PageRow> systemPreampHeadings() { return kPage11Headings; }
-std::span<const PageRow> systemPreampShared() { return kPage11Shared; }
-std::span<const PageRow> systemPreampChannel() { return kSystemPreampRows; }
-std::span<const PageRow> inputPage() { return kPage12; }
-std::span<const PageRow> outputPage() { return kPage13; }
-std::span<const PageRow> expressionPage() { return kPage14; }
-std::span<const PageRow> ctlPedalRows() { return kCtlPedalRows; }
+std::span<const PageRow> overdrivePage(int model) {
+    switch (model) {
+    case 5:
+        return kPage8Gt5;
+    case 6:
+    case 8:
+        return kPage8Gt6Gt8;
+    default:
+        return {};
+    }
+}
+
+std::span<const PageRow> preampPage(int model) {
+    switch (model) {
+    case 5:
+        return kPage9Gt5;
+    case 6:
+        return kPage9Gt6;
+    case 8:
+    case 10:
+        return kPage9Gt8Gt10;
+    default:
+        return {};
+    }
+}
+
+std::span<const PageRow> wahPage(int model) {
+    return model == 6 || model == 8 ? std::span<const PageRow>(kPage10)
+                                    : std::span<const PageRow>();
+}
+
+std::span<const PageRow> systemPreampHeadings() {
+    return kPage11Headings;
+}
+std::span<const PageRow> systemPreampShared() {
+    return kPage11Shared;
+}
+std::span<const PageRow> systemPreampChannel() {
+    return kSystemPreampRows;
+}
+std::span<const PageRow> inputPage() {
+    return kPage12;
+}
+std::span<const PageRow> outputPage() {
+    return kPage13;
+}
+std::span<const PageRow> expressionPage() {
+    return kPage14;
+}
+std::span<const PageRow> ctlPedalRows() {
+    return kCtlPedalRows;
+}
 
 } // namespace PageCatalogue
 } // namespace ferrule

@@ -17,9 +17,9 @@ std::span<const PageRow> wahPage(int model);                // page 10
 std::span<const PageRow> systemPreampHeadings();            // page 11
 std::span<const PageRow> systemPreampShared();
 std::span<const PageRow> systemPreampChannel();
-std::span<const PageRow> inputPage();                       // page 12
-std::span<const PageRow> outputPage();                      // page 13
-std::span<const PageRow> expressionPage();                  // page 14
-std::span<const PageRow> ctlPedalRows();                    // page 15
+std::span<const PageRow> inputPage();      // page 12
+std::span<const PageRow> outputPage();     // page 13
+std::span<const PageRow> expressionPage(); // page 14
+std::span<const PageRow> ctlPedalRows();   // page 15
 
 } // namespace ferrule::PageCatalogue

@@ -17,35 +17,29 @@ namespace ferrule {
 PagePrimitives::PagePrimitives(ControlPools& pools, const SystemImage& image, const int& model)
     : pools_(pools)
     , image_(image)
-    , model_(model)
-{
-}
+    , model_(model) {}
 
-int PagePrimitives::optionCount(int group)
-{
-    if (group == 6 || group == 8)
-        return 4;
-    if (group == 7)
-        return 3;
+int PagePrimitives::optionCount(int group) {
+    if (group == 6 || group == 8) return 4;
+    if (group == 7) return 3;
     return 2;
 }
 
-QStringList PagePrimitives::splitGroupOptions(const QString& optionList, int count)
-{
+QStringList PagePrimitives::splitGroupOptions(const QString& optionList, int count) {
     QStringList options;
     qsizetype from = optionList.indexOf(QLatin1Char('!'));
     const QString title = optionList.left(from);
     for (int k = 0; k < count; ++k) {
         const qsizetype next = k + 1 < count ? optionList.indexOf(QLatin1Char('!'), from + 1) : -1;
-        options << (next < 0 ? optionList.mid(from + 1) : optionList.mid(from + 1, next - from - 1));
+        options << (next < 0 ? optionList.mid(from + 1)
+                             : optionList.mid(from + 1, next - from - 1));
         from = next;
     }
     options << title;
     return options;
 }
 
-QStringList PagePrimitives::splitListOptions(const QString& optionList)
-{
+QStringList PagePrimitives::splitListOptions(const QString& optionList) {
     QStringList pieces;
     QString rest = optionList;
     while (pieces.size() < 11) {
@@ -65,8 +59,8 @@ QStringList PagePrimitives::splitListOptions(const QString& optionList)
     return texts;
 }
 
-void PagePrimitives::PlaceHeading(int index, int x, int y, int width, int height, const QString& caption)
-{
+void PagePrimitives::PlaceHeading(int index, int x, int y, int width, int height,
+                                  const QString& caption) {
     QLabel* label = pools_.tabLabels.at(std::size_t(index));
     QWidget* box = pools_.tabBoxes.at(std::size_t(index));
     if (x == -1) {
@@ -76,17 +70,14 @@ void PagePrimitives::PlaceHeading(int index, int x, int y, int width, int height
     }
     label->move(twipsToPx(x), twipsToPx(y));
     box->setGeometry(twipsToPx(x - 105), twipsToPx(y - 75), twipsToPx(width), twipsToPx(height));
-    label->setText(caption);
-    label->adjustSize();
-    box->setProperty("caption", caption);
+    pools_.setHeadingCaption(index, caption);
     box->show();
     box->lower();
     label->show();
 }
 
 void PagePrimitives::PlaceKnob(int index, int x, int y, int color, int format, int max, int memLoc,
-                               const QString& caption, int labelWidth, bool captionAbove)
-{
+                               const QString& caption, int labelWidth, bool captionAbove) {
     RKnob* knob = pools_.knobs.at(std::size_t(index));
     QLabel* label = pools_.knobLabels.at(std::size_t(index));
     if (x == -1) {
@@ -114,8 +105,7 @@ void PagePrimitives::PlaceKnob(int index, int x, int y, int color, int format, i
 }
 
 void PagePrimitives::PlaceSlider(int index, int x, int y, int format, int max, int memLoc,
-                                 const QString& caption, int labelWidth)
-{
+                                 const QString& caption, int labelWidth) {
     VSlider* slider = pools_.sliders.at(std::size_t(index));
     QLabel* label = pools_.sliderLabels.at(std::size_t(index));
     if (x == -1) {
@@ -126,8 +116,8 @@ void PagePrimitives::PlaceSlider(int index, int x, int y, int format, int max, i
     slider->setPType(model_);
     // The caption starts at x + 105 in the window's design; it is centred on the track (x + 645)
     // over the slider's whole width so that longer captions are not cut.
-    label->setGeometry(twipsToPx(x + 645 - kSliderCaptionWidth / 2), twipsToPx(y), twipsToPx(kSliderCaptionWidth),
-                       twipsToPx(240));
+    label->setGeometry(twipsToPx(x + 645 - kSliderCaptionWidth / 2), twipsToPx(y),
+                       twipsToPx(kSliderCaptionWidth), twipsToPx(240));
     slider->setOff(false);
     slider->move(twipsToPx(x), twipsToPx(y + 270));
     slider->setMax(max);
@@ -142,8 +132,7 @@ void PagePrimitives::PlaceSlider(int index, int x, int y, int format, int max, i
     label->show();
 }
 
-void PagePrimitives::PlaceOptions(int group, int x, int y, int memLoc, const QString& optionList)
-{
+void PagePrimitives::PlaceOptions(int group, int x, int y, int memLoc, const QString& optionList) {
     cCheckRadio* g = pools_.groups.at(std::size_t(group));
     if (x == -1) {
         g->setVisible(false);
@@ -158,8 +147,7 @@ void PagePrimitives::PlaceOptions(int group, int x, int y, int memLoc, const QSt
     g->setVisible(true);
 }
 
-void PagePrimitives::PlaceSwitch(int index, int x, int y, int memLoc, const QString& caption)
-{
+void PagePrimitives::PlaceSwitch(int index, int x, int y, int memLoc, const QString& caption) {
     QLabel* sw = pools_.onOff.at(std::size_t(index));
     QLabel* label = pools_.onOffLabels.at(std::size_t(index));
     if (x == -1) {
@@ -178,8 +166,7 @@ void PagePrimitives::PlaceSwitch(int index, int x, int y, int memLoc, const QStr
     label->show();
 }
 
-void PagePrimitives::PlaceCheckList(int x, int y, int count, const QString& optionList, bool wide)
-{
+void PagePrimitives::PlaceCheckList(int x, int y, int count, const QString& optionList, bool wide) {
     cCheckRadio* list = pools_.groups[ControlPools::kSelectorList];
     if (x == -1) {
         list->setVisible(false);
@@ -204,8 +191,7 @@ void PagePrimitives::PlaceCheckList(int x, int y, int count, const QString& opti
     list->setVisible(true);
 }
 
-void PagePrimitives::ClearPage()
-{
+void PagePrimitives::ClearPage() {
     for (int i = 0; i < ControlPools::kKnobs; ++i)
         PlaceKnob(i, -1, 0, 0, 0, 0, 0, {}, 0, false);
     for (int i = 0; i < ControlPools::kSliders; ++i)

@@ -18,8 +18,8 @@ public:
     void PlaceHeading(int index, int x, int y, int width, int height, const QString& caption);
     void PlaceKnob(int index, int x, int y, int color, int format, int max, int memLoc,
                    const QString& caption, int labelWidth, bool captionAbove);
-    void PlaceSlider(int index, int x, int y, int format, int max, int memLoc, const QString& caption,
-                     int labelWidth);
+    void PlaceSlider(int index, int x, int y, int format, int max, int memLoc,
+                     const QString& caption, int labelWidth);
     void PlaceOptions(int group, int x, int y, int memLoc, const QString& optionList);
     void PlaceSwitch(int index, int x, int y, int memLoc, const QString& caption);
     void PlaceCheckList(int x, int y, int count, const QString& optionList, bool wide);

@@ -7,15 +7,15 @@ namespace ferrule {
 // Where a row's image address starts: an absolute index, or an offset from a base that the
 // page computes when it is built (per model, per custom tone, per channel, per pedal pair).
 enum class Base : std::uint8_t {
-    None,    // absolute index
-    B,       // the model's block of a shared layout (pages 4, 8, 10)
-    P,       // custom preamp n (page 9)
-    S,       // custom speaker n (page 9)
-    C,       // system preamp block (page 11)
-    Switch,  // system preamp on/off (page 11)
-    X,       // system preamp channel (page 11)
-    Q,       // control pedal pair: 48 × m (page 15)
-    M3,      // control pedal pair's Patch/System bytes: 3 × m (page 15)
+    None,   // absolute index
+    B,      // the model's block of a shared layout (pages 4, 8, 10)
+    P,      // custom preamp n (page 9)
+    S,      // custom speaker n (page 9)
+    C,      // system preamp block (page 11)
+    Switch, // system preamp on/off (page 11)
+    X,      // system preamp channel (page 11)
+    Q,      // control pedal pair: 48 × m (page 15)
+    M3,     // control pedal pair's Patch/System bytes: 3 × m (page 15)
 };
 
 struct Address {
@@ -23,14 +23,10 @@ struct Address {
     int offset = 0;
     constexpr Address() = default;
     constexpr Address(int absolute) // NOLINT: an absolute index reads as a plain number in tables
-        : offset(absolute)
-    {
-    }
+        : offset(absolute) {}
     constexpr Address(Base b, int o)
         : base(b)
-        , offset(o)
-    {
-    }
+        , offset(o) {}
     constexpr Address operator+(int o) const { return {base, offset + o}; }
 };
 
@@ -50,48 +46,41 @@ struct PageRow {
     int index;           // pool index; group number for option groups
     const char* caption; // caption or option list
     Address address;
-    int max;             // knob or slider range; list item count
-    int format;          // value-text format
-    int colour;          // knob colour
+    int max;    // knob or slider range; list item count
+    int format; // value-text format
+    int colour; // knob colour
     int labelWidth;
     int x, y;
-    int width, height;   // heading frame
+    int width, height; // heading frame
     std::uint8_t flags;
 };
 
-constexpr PageRow heading(int i, const char* caption, int w, int h, int x, int y)
-{
+constexpr PageRow heading(int i, const char* caption, int w, int h, int x, int y) {
     return {Control::Heading, i, caption, {}, 0, 0, 0, 0, x, y, w, h, 0};
 }
-constexpr PageRow knob(int i, const char* caption, Address a, int max, int format, int colour, int x, int y,
-                       int labelWidth = 0, std::uint8_t flags = 0)
-{
+constexpr PageRow knob(int i, const char* caption, Address a, int max, int format, int colour,
+                       int x, int y, int labelWidth = 0, std::uint8_t flags = 0) {
     return {Control::Knob, i, caption, a, max, format, colour, labelWidth, x, y, 0, 0, flags};
 }
-constexpr PageRow slider(int i, const char* caption, Address a, int max, int format, int labelWidth, int x, int y,
-                         std::uint8_t flags = 0)
-{
+constexpr PageRow slider(int i, const char* caption, Address a, int max, int format, int labelWidth,
+                         int x, int y, std::uint8_t flags = 0) {
     return {Control::Slider, i, caption, a, max, format, 0, labelWidth, x, y, 0, 0, flags};
 }
-constexpr PageRow options(int group, const char* list, Address a, int x, int y, std::uint8_t flags = 0)
-{
+constexpr PageRow options(int group, const char* list, Address a, int x, int y,
+                          std::uint8_t flags = 0) {
     return {Control::Options, group, list, a, 0, 0, 0, 0, x, y, 0, 0, flags};
 }
-constexpr PageRow toggle(int i, const char* caption, Address a, int x, int y)
-{
+constexpr PageRow toggle(int i, const char* caption, Address a, int x, int y) {
     return {Control::Switch, i, caption, a, 0, 0, 0, 0, x, y, 0, 0, 0};
 }
-constexpr PageRow selector(const char* list, int count, int x, int y)
-{
+constexpr PageRow selector(const char* list, int count, int x, int y) {
     return {Control::List, 0, list, {}, count, 0, 0, 0, x, y, 0, 0, 0};
 }
 // Adapts the Min/Max knobs of an expression-pedal column to its function slider.
-constexpr PageRow dependentRanges(int sliderIndex)
-{
+constexpr PageRow dependentRanges(int sliderIndex) {
     return {Control::DependentRanges, sliderIndex, "", {}, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 }
-constexpr PageRow only(std::uint8_t flag, PageRow row)
-{
+constexpr PageRow only(std::uint8_t flag, PageRow row) {
     row.flags |= flag;
     return row;
 }

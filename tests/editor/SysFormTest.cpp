@@ -2,8 +2,8 @@
 #include "TestHost.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
-#include "pages/ControlPools.h"
 #include "editor/ImageButton.h"
+#include "pages/ControlPools.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ParameterEncoding.h"
 

@@ -18,17 +18,14 @@ using namespace ferrule;
 namespace {
 
 // A click on a value label steps down unless the value is at the bottom, then up.
-template <class Control>
-int stepThroughLabel(Control* c, int minimum)
-{
+template <class Control> int stepThroughLabel(Control* c, int minimum) {
     const bool down = c->Value() > minimum;
     clickLabel(c, down ? Qt::LeftButton : Qt::RightButton);
     return down ? -1 : 1;
 }
 
 // Hovers an item of a group over its glyph and clicks it through the page area.
-void clickItem(SysForm& form, cCheckRadio* group, int item)
-{
+void clickItem(SysForm& form, cCheckRadio* group, int item) {
     QLabel* glyph = group->glyph(item);
     moveTo(glyph, 90, 90, Qt::NoButton);
     QWidget* area = reinterpret_cast<QWidget*>(form.pageArea());
@@ -41,8 +38,7 @@ struct Counts {
     int knobs = 0, sliders = 0, groups = 0, switches = 0;
 };
 
-Counts sweepPage(EditorFixture& f, int model, int page)
-{
+Counts sweepPage(EditorFixture& f, int model, int page) {
     Counts counts;
     ControlPools& pools = f.form->pools();
     SystemImage& image = f.state.image;
@@ -50,48 +46,42 @@ Counts sweepPage(EditorFixture& f, int model, int page)
 
     for (int i = 0; i < ControlPools::kKnobs; ++i) {
         RKnob* k = pools.knobs[std::size_t(i)];
-        if (k->isHidden())
-            continue;
+        if (k->isHidden()) continue;
         ++counts.knobs;
         SystemImage expected = image;
         const int before = k->Value();
         const int step = stepThroughLabel(k, 0);
-        if (!k->Off())
-            expected.writeParameter(k->MemLoc(), model, before + step);
+        if (!k->Off()) expected.writeParameter(k->MemLoc(), model, before + step);
         EXPECT_TRUE(image == expected) << where << " knob " << i << " at " << k->MemLoc();
-        EXPECT_EQ(image.readParameter(k->MemLoc(), model), k->Off() ? image.readParameter(k->MemLoc(), model) : before + step)
+        EXPECT_EQ(image.readParameter(k->MemLoc(), model),
+                  k->Off() ? image.readParameter(k->MemLoc(), model) : before + step)
             << where << " knob " << i;
     }
     for (int i = 0; i < ControlPools::kSliders; ++i) {
         VSlider* s = pools.sliders[std::size_t(i)];
-        if (s->isHidden())
-            continue;
+        if (s->isHidden()) continue;
         ++counts.sliders;
         SystemImage expected = image;
         const int before = s->Value();
         const int step = stepThroughLabel(s, s->Min());
-        if (!s->Off() && s->Enabled())
-            expected.writeParameter(s->MemLoc(), model, before + step);
+        if (!s->Off() && s->Enabled()) expected.writeParameter(s->MemLoc(), model, before + step);
         EXPECT_TRUE(image == expected) << where << " slider " << i << " at " << s->MemLoc();
     }
     for (int g = 0; g <= 8; ++g) {
         cCheckRadio* group = pools.groups[std::size_t(g)];
-        if (!group->isVisible())
-            continue;
+        if (!group->isVisible()) continue;
         ++counts.groups;
         const int address = group->TFormat();
         const int target = (group->selectedIndex() + 1) % group->itemCount();
         SystemImage expected = image;
-        if (group->Enabled())
-            expected.set(address, target);
+        if (group->Enabled()) expected.set(address, target);
         clickItem(*f.form, group, target);
         EXPECT_TRUE(image == expected) << where << " group " << g << " at " << address;
         EXPECT_FALSE(f.form->hover().active()) << "the release ends the hover";
     }
     for (int i = 0; i < ControlPools::kSwitches; ++i) {
         QLabel* sw = pools.onOff[std::size_t(i)];
-        if (sw->isHidden())
-            continue;
+        if (sw->isHidden()) continue;
         ++counts.switches;
         const int address = sw->property("Tag").toString().toInt();
         SystemImage expected = image;
@@ -105,8 +95,7 @@ Counts sweepPage(EditorFixture& f, int model, int page)
 
 } // namespace
 
-TEST(PageSweep, EveryBoundControlOfEveryPageWritesExactlyItsParameter)
-{
+TEST(PageSweep, EveryBoundControlOfEveryPageWritesExactlyItsParameter) {
     EditorFixture f;
     const std::map<int, std::vector<int>> pages = {{3, {1, 2, 3, 4, 7}},
                                                    {5, {1, 4, 8, 9}},
@@ -125,8 +114,7 @@ TEST(PageSweep, EveryBoundControlOfEveryPageWritesExactlyItsParameter)
     EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
 }
 
-TEST(PageSweep, CustomToneAndPedalSelectionsAreSweptToo)
-{
+TEST(PageSweep, CustomToneAndPedalSelectionsAreSweptToo) {
     EditorFixture f;
     ControlPools& pools = f.form->pools();
     for (int model : {6, 8, 10})

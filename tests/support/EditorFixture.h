@@ -9,8 +9,7 @@
 // An editor window set up on a test host, for tests that build pages and drive controls.
 class EditorFixture {
 public:
-    EditorFixture()
-    {
+    EditorFixture() {
         host.fillPattern();
         state.host.setHost(&host);
         form = std::make_unique<ferrule::SysForm>(state);
@@ -20,13 +19,11 @@ public:
         form->show();
     }
     // Lays the window out for a model and builds a page afresh.
-    void open(int model, int page)
-    {
+    void open(int model, int page) {
         form->SetFormat(model);
         rebuild(page);
     }
-    void rebuild(int page)
-    {
+    void rebuild(int page) {
         form->ShowTab(0);
         form->ShowTab(page);
     }
