@@ -101,6 +101,9 @@ void OptionHover::mouseUp(Qt::MouseButton button, const QPoint& globalPos) {
 bool OptionHover::eventFilter(QObject* watched, QEvent* event) {
     const auto type = event->type();
     if (watched == pageArea_) {
+        if (type != QEvent::MouseMove && type != QEvent::MouseButtonPress &&
+            type != QEvent::MouseButtonRelease)
+            return false;
         const auto* me = static_cast<QMouseEvent*>(event);
         if (type == QEvent::MouseMove && active()) {
             TrackHover(pxToTwips(me->position().x()), pxToTwips(me->position().y()));

@@ -201,8 +201,9 @@ void SysForm::setErrorReporter(std::function<void(const QString&)> reporter) {
 void SysForm::runGuarded(const std::function<void()>& action) {
     try {
         action();
-    } catch (const FerruleError& e) {
-        lastError_ = e.message();
+    } catch (const std::exception& e) {
+        // Errors of the host as well as the library's own: reported, the window stays open.
+        lastError_ = QString::fromStdString(e.what());
         if (errorReporter_) errorReporter_(lastError_);
     }
 }
@@ -326,7 +327,34 @@ void SysForm::UpdateDeviceID() {
 
 // ---- commands -----------------------------------------------------------------------------------
 
-void SysForm::ToggleTransmission() {}
+void SysForm::setTransmissionStarter(std::function<bool()> starter) {
+    starter_ = std::move(starter);
+}
+
+int SysForm::transmissionStep() const {
+    return state_.transmissionStep;
+}
+
+void SysForm::transmissionEnded() {
+    txWarning_->hide();
+    txProgress_->hide();
+    setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+}
+
+void SysForm::ToggleTransmission() {
+    if (state_.transmissionStep != 0) {
+        // Stop at once; the progress goes at the next QueueEmpty.
+        txWarning_->hide();
+        state_.transmissionStep = 0;
+        setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+        return;
+    }
+    if (!starter_ || !starter_()) return;
+    setButtonPicture(commandButtons_[0], art_.CButton(13), QStringLiteral("CButton(13)"));
+    txWarning_->show();
+    txProgress_->show();
+    transmitted_ = true;
+}
 
 void SysForm::ReloadFromHost() {
     SystemImage reloaded;

@@ -30,6 +30,7 @@ class SysForm : public QDialog {
     Q_PROPERTY(int model READ model)
     Q_PROPERTY(bool transmitted READ transmitted)
     Q_PROPERTY(QString lastError READ lastError)
+    Q_PROPERTY(int transmissionStep READ transmissionStep)
 public:
     // Window geometry in twips.
     static constexpr int kWidth = 9480;
@@ -48,7 +49,7 @@ public:
     void Form_Unload();
 
     // The four commands of the command buttons.
-    void ToggleTransmission();
+    Q_INVOKABLE void ToggleTransmission();
     void ReloadFromHost();
     void CancelEdit();
     void CommitAndClose();
@@ -82,6 +83,12 @@ public:
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
     void setErrorReporter(std::function<void(const QString&)> reporter);
+
+    // What the transmit command starts: the plug-in's transmission (true when it started).
+    void setTransmissionStarter(std::function<bool()> starter);
+    // The end of a transmission: the labels go and the transmit button shows its idle picture.
+    void transmissionEnded();
+    int transmissionStep() const;
 
 protected:
     void closeEvent(QCloseEvent* e) override;
@@ -129,6 +136,7 @@ private:
     bool loaded_ = false;
     QString lastError_;
     std::function<void(const QString&)> errorReporter_;
+    std::function<bool()> starter_;
 };
 
 } // namespace ferrule

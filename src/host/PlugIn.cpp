@@ -1,6 +1,7 @@
 #include "PlugIn.h"
 
 #include "SettingsStore.h"
+#include "Transmission.h"
 #include "editor/SysForm.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
@@ -71,7 +72,10 @@ SysForm& PlugIn::ensureEditor() {
         auto form = std::make_unique<SysForm>(*state_);
         form->Setup();
         form->Form_Load();
+        auto transmission = std::make_unique<Transmission>(*state_, *form);
+        form->setTransmissionStarter([t = transmission.get()] { return t->StartTransmission(); });
         editor_ = std::move(form);
+        transmission_ = std::move(transmission);
     }
     return *editor_;
 }
@@ -125,10 +129,15 @@ void PlugIn::Start() {
 
 void PlugIn::Quit() {
     state_->owner = nullptr;
+    transmission_.reset();
     editor_.reset();
     state_->host.setHost(nullptr);
 }
 
-void PlugIn::QueueEmpty() {}
+void PlugIn::QueueEmpty() {
+    if (!editor_) return;
+    transmission_->SendNextBlock();
+    if (state_->transmissionStep == 0) editor_->transmissionEnded();
+}
 
 } // namespace ferrule

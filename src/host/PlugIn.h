@@ -11,6 +11,7 @@ namespace ferrule {
 
 struct ModuleState;
 class SysForm;
+class Transmission;
 
 // The plug-in object the host creates: it keeps the host, creates and sets up the editor window
 // on first need, and forwards the host's calls.
@@ -70,6 +71,7 @@ private:
 
     std::unique_ptr<ModuleState> state_;
     std::unique_ptr<SysForm> editor_;
+    std::unique_ptr<Transmission> transmission_;
 };
 
 } // namespace ferrule
