@@ -31,7 +31,7 @@ void TestHost::MIDISendEx(int address, const QByteArray& data, int model) {
 }
 
 void TestHost::SetGTUpdate(bool flag, int) {
-    gtUpdate = flag;
+    if (!refuseUpdate) gtUpdate = flag;
 }
 
 QString TestHost::ValueText(int value, int format, int type) {

@@ -47,6 +47,7 @@ public:
     bool fontUnderline = false;
     bool fontStrikethrough = false;
     bool gtUpdate = true;
+    bool refuseUpdate = false; // SetGTUpdate leaves the flag as it is
     int panelColour = 0x808080;
     QString valueTextPrefix;
     struct Block {
