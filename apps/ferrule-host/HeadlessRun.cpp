@@ -1,17 +1,20 @@
 #include "HeadlessRun.h"
 
+#include "BlockPipeline.h"
 #include "EditorDescription.h"
 
 #include <QApplication>
 #include <QMetaObject>
+#include <QMouseEvent>
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
 
-HeadlessRun::HeadlessRun(const HostOptions& options)
-    : options_(options) {}
+HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline)
+    : options_(options)
+    , pipeline_(pipeline) {}
 
 void HeadlessRun::arm() {
     if (options_.page < 0 && !options_.headless()) return;
@@ -45,6 +48,56 @@ void HeadlessRun::run() {
     }
     if (options_.describe) std::fputs(describeEditor(editor).constData(), stdout);
     std::fflush(stdout);
+    if (options_.transmit) {
+        transmit(editor);
+        return;
+    }
+    close(editor);
+}
+
+void HeadlessRun::close(QWidget* editor) {
     // Close without keeping changes.
     QMetaObject::invokeMethod(editor, "reject");
+}
+
+void HeadlessRun::transmit(QWidget* editor) {
+    auto* button = editor->findChild<QWidget*>(QStringLiteral("CButton0"));
+    if (!button) {
+        std::fprintf(stderr, "ferrule-host: the editor has no transmit button\n");
+        status_ = 1;
+        close(editor);
+        return;
+    }
+    const QPointF at(button->width() / 2.0, button->height() / 2.0);
+    QMouseEvent press(QEvent::MouseButtonPress, at, button->mapToGlobal(at), Qt::LeftButton,
+                      Qt::LeftButton, {});
+    QMouseEvent release(QEvent::MouseButtonRelease, at, button->mapToGlobal(at), Qt::LeftButton,
+                        Qt::NoButton, {});
+    QApplication::sendEvent(button, &press);
+    QApplication::sendEvent(button, &release);
+    auto running = [editor] { return editor->property("transmissionStep").toInt() != 0; };
+    if (!running()) {
+        const QString error = editor->property("lastError").toString();
+        std::fprintf(stderr, "ferrule-host: the transmission did not start%s\n",
+                     error.isEmpty() ? " (the update was refused)"
+                                     : qPrintable(QStringLiteral(": ") + error));
+        status_ = 1;
+        close(editor);
+        return;
+    }
+    pipeline_.setRunningProbe(running);
+    auto* poll = new QTimer(this);
+    poll->setInterval(10);
+    connect(poll, &QTimer::timeout, this, [this, editor, poll, running] {
+        if (running()) return;
+        poll->stop();
+        const double expected = pipeline_.wireMs() + pipeline_.gapsMs();
+        std::printf("sent %d messages, %lld bytes\n", pipeline_.messages(),
+                    static_cast<long long>(pipeline_.bytes()));
+        std::printf("wire time %.1f ms + gaps %.1f ms = %.1f ms; the transmission took %.1f ms\n",
+                    pipeline_.wireMs(), pipeline_.gapsMs(), expected, pipeline_.elapsedMs());
+        std::fflush(stdout);
+        close(editor);
+    });
+    poll->start();
 }

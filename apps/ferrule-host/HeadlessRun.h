@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+class BlockPipeline;
 class QWidget;
 
 // What the host does by itself once the editor window is up, for scripts and tests: open a
@@ -12,7 +13,7 @@ class QWidget;
 class HeadlessRun : public QObject {
     Q_OBJECT
 public:
-    explicit HeadlessRun(const HostOptions& options);
+    HeadlessRun(const HostOptions& options, BlockPipeline& pipeline);
 
     // Schedules the run for the moment the editor's modal loop starts (also opens --page).
     void arm();
@@ -20,8 +21,12 @@ public:
 
 private:
     void run();
+    void close(QWidget* editor);
+    // Presses and releases the transmit button, then waits for the end of the transmission.
+    void transmit(QWidget* editor);
     static QWidget* findEditor();
 
     HostOptions options_;
+    BlockPipeline& pipeline_;
     int status_ = 0;
 };

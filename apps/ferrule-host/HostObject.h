@@ -38,7 +38,11 @@ public:
     bool gtUpdate() const { return gtUpdate_; }
     int panelColour() const { return panelColour_; }
     void setPanelColour(int colour) { panelColour_ = colour; }
-    void setRefuseUpdate(bool refuse) { refuseUpdate_ = refuse; }
+    // A host that refuses the update flag: GTUpdate is false and SetGTUpdate leaves it so.
+    void setRefuseUpdate(bool refuse) {
+        refuseUpdate_ = refuse;
+        if (refuse) gtUpdate_ = false;
+    }
 
     const QByteArray& image() const { return image_; }
     bool changed() const { return changed_; }

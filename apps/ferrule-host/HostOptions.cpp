@@ -1,5 +1,7 @@
 #include "HostOptions.h"
 
+#include "SysexFramer.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
@@ -9,7 +11,7 @@ bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
         if (std::strncmp(a, "--screenshot", 12) == 0 || std::strcmp(a, "--describe") == 0 ||
-            std::strcmp(a, "--transmit") == 0)
+            std::strcmp(a, "--transmit") == 0 || std::strcmp(a, "--list-midi-ports") == 0)
             return true;
     }
     return false;
@@ -45,7 +47,33 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     const QCommandLineOption describe(
         QStringLiteral("describe"),
         QStringLiteral("Headless: print the open editor's visible controls as JSON and exit."));
-    parser.addOptions({model, title, data, plugin, screenshot, page, describe});
+    const QCommandLineOption transmit(
+        QStringLiteral("transmit"),
+        QStringLiteral(
+            "Headless: start a transmission as the transmit button does, let it run to the end, "
+            "close without keeping changes and print what was sent."));
+    const QCommandLineOption syx(QStringLiteral("syx"),
+                                 QStringLiteral("Write the transmitted messages to a .syx file."),
+                                 QStringLiteral("FILE"));
+    const QCommandLineOption midiOut(
+        QStringLiteral("midi-out"),
+        QStringLiteral("Send the transmitted messages to a MIDI output port."),
+        QStringLiteral("NAME or NUMBER"));
+    const QCommandLineOption listPorts(QStringLiteral("list-midi-ports"),
+                                       QStringLiteral("List the MIDI output ports."));
+    const QCommandLineOption gap(
+        QStringLiteral("gap"),
+        QStringLiteral("Pause after each message's wire time, in ms (default 20)."),
+        QStringLiteral("MS"), QStringLiteral("20"));
+    const QCommandLineOption header(
+        QStringLiteral("sysex-header"),
+        QStringLiteral("Header bytes after F0, in hex (default 7D 10, the model, 12)."),
+        QStringLiteral("HEX"));
+    const QCommandLineOption refuse(
+        QStringLiteral("refuse-update"),
+        QStringLiteral("Refuse the plug-in's update request (GTUpdate stays false)."));
+    parser.addOptions({model, title, data, plugin, screenshot, page, describe, transmit, syx,
+                       midiOut, listPorts, gap, header, refuse});
 
     ParsedOptions result;
     if (!parser.parse(arguments)) {
@@ -84,6 +112,25 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         if (!ok || o.page < 0 || o.page > 15) {
             result.error =
                 QStringLiteral("--page \"%1\" is not a page number 0-15").arg(parser.value(page));
+            return result;
+        }
+    }
+    o.transmit = parser.isSet(transmit);
+    o.listMidiPorts = parser.isSet(listPorts);
+    o.syxFile = parser.value(syx);
+    o.midiOut = parser.value(midiOut);
+    o.refuseUpdate = parser.isSet(refuse);
+    o.gapMs = parser.value(gap).toInt(&ok);
+    if (!ok || o.gapMs < 0 || o.gapMs > 10000) {
+        result.error = QStringLiteral("--gap \"%1\" is not a number of milliseconds 0-10000")
+                           .arg(parser.value(gap));
+        return result;
+    }
+    if (parser.isSet(header)) {
+        o.sysexHeader = SysexFramer::parseHeader(parser.value(header));
+        if (o.sysexHeader.isEmpty()) {
+            result.error = QStringLiteral("--sysex-header \"%1\" is not hex bytes 00-7F")
+                               .arg(parser.value(header));
             return result;
         }
     }

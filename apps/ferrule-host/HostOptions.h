@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -14,8 +15,15 @@ struct HostOptions {
     QString screenshot;
     int page = -1;
     bool describe = false;
+    bool transmit = false;
+    bool listMidiPorts = false;
+    QString syxFile;
+    QString midiOut;
+    int gapMs = 20;
+    QByteArray sysexHeader; // empty: the default header
+    bool refuseUpdate = false;
 
-    bool headless() const { return !screenshot.isEmpty() || describe; }
+    bool headless() const { return !screenshot.isEmpty() || describe || transmit; }
 };
 
 struct ParsedOptions {

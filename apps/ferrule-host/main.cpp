@@ -2,10 +2,12 @@
 // owns the system data, answers the plug-in's calls and saves the data when the editor closes
 // keeping its changes.
 
+#include "BlockPipeline.h"
 #include "DefaultImage.h"
 #include "HeadlessRun.h"
 #include "HostObject.h"
 #include "HostOptions.h"
+#include "MidiOutput.h"
 #include "PlugInLocator.h"
 #include "host/PlugInInterface.h"
 #include "host/SettingsStore.h"
@@ -111,6 +113,18 @@ int main(int argc, char** argv) {
     if (!parsed.options) return badInput(parsed.error);
     const HostOptions& options = *parsed.options;
 
+    if (options.listMidiPorts) {
+        QString why;
+        const QStringList ports = MidiOutput::ports(&why);
+        if (!why.isEmpty())
+            std::printf("%s\n", qPrintable(why));
+        else if (ports.isEmpty())
+            std::printf("no MIDI output ports\n");
+        for (int i = 0; i < ports.size(); ++i)
+            std::printf("%d: %s\n", i, qPrintable(ports[i]));
+        return 0;
+    }
+
     QByteArray image;
     if (options.dataFile.isEmpty()) {
         image = makeDefaultImage();
@@ -139,10 +153,20 @@ int main(int argc, char** argv) {
 
     ferrule::RegCreateKey(ferrule::RegRoot::LocalMachine, ferrule::kEditorKey);
 
+    BlockPipeline pipeline({options.sysexHeader, options.gapMs, options.syxFile, options.midiOut});
+    {
+        QString why;
+        if (!pipeline.open(&why)) return badInput(why);
+    }
     HostObject host(image);
+    host.setRefuseUpdate(options.refuseUpdate);
+    host.setBlockSink([&pipeline](int address, const QByteArray& data, int model) {
+        pipeline.send(address, data, model);
+    });
+    pipeline.setQueueEmpty([plugIn] { plugIn->QueueEmpty(); });
     QWidget ownerWindow;
     ownerWindow.setWindowTitle(QStringLiteral("Tonebench"));
-    HeadlessRun headlessRun(options);
+    HeadlessRun headlessRun(options, pipeline);
     int status = 0;
     try {
         plugIn->Interface(&host);

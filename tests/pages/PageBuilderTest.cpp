@@ -367,3 +367,18 @@ TEST(PageBuilder, PanelsArePaintedOnlyWhereVisibleAndFlatWithoutAHostColour) {
     f.state.host.setHost(&f.host);
     EXPECT_TRUE(f.errors.isEmpty());
 }
+
+TEST(PageBuilder, ReloadRebuildsTheShownPageWithTheHostsValues) {
+    EditorFixture f;
+    ControlPools& p = f.form->pools();
+    f.open(6, 9);
+    f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(1);
+    f.host.image[10351] = char(5);
+    f.host.image[10352] = char(9);
+    EXPECT_NE(p.sliders[0]->Value(), 5);
+    f.form->ReloadFromHost();
+    EXPECT_EQ(f.form->currentPage(), 9);
+    EXPECT_EQ(p.sliders[0]->MemLoc(), 10351) << "the chosen custom tone stays";
+    EXPECT_EQ(p.sliders[0]->Value(), 5);
+    EXPECT_EQ(p.knobs[0]->Value(), 9);
+}

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "MidiOutput.h"
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QObject>
+#include <QTimer>
+
+#include <functional>
+
+// Where the blocks of a transmission go: each is framed as a system-exclusive message, sent to
+// a MIDI output port and/or appended to a .syx file, and counted. The plug-in's QueueEmpty is
+// called when the messages queued so far have had their wire time (31,250 baud, 10 bits a
+// byte) plus a gap after each.
+class BlockPipeline : public QObject {
+    Q_OBJECT
+public:
+    struct Options {
+        QByteArray header; // empty: the default header for the block's model
+        int gapMs = 20;
+        QString syxFile;
+        QString midiOut;
+    };
+
+    explicit BlockPipeline(Options options, QObject* parent = nullptr);
+
+    // Opens the .syx file (false with `error` on failure) and the MIDI port (a failure there is
+    // said once on stderr and the host carries on without it).
+    bool open(QString* error);
+    void setQueueEmpty(std::function<void()> queueEmpty) { queueEmpty_ = std::move(queueEmpty); }
+    // Tells whether the editor's transmission still runs, so that its end can be timed.
+    void setRunningProbe(std::function<bool()> running) { running_ = std::move(running); }
+
+    // One block from the plug-in's MIDISendEx. Throws when the port or the file fails.
+    void send(int address, const QByteArray& data, int model);
+
+    int messages() const { return messages_; }
+    qint64 bytes() const { return bytes_; }
+    double wireMs() const { return wireMs_; }
+    double gapsMs() const { return double(messages_) * options_.gapMs; }
+    // Milliseconds from the first message to the QueueEmpty that ended the transmission, or -1.
+    double elapsedMs() const { return endMs_; }
+
+    static double wireTimeMs(qint64 bytes) { return double(bytes) * 10.0 * 1000.0 / 31250.0; }
+
+private:
+    void drained();
+    void arm(double atMs);
+
+    Options options_;
+    MidiOutput midi_;
+    QFile syx_;
+    QTimer timer_;
+    QElapsedTimer clock_;
+    std::function<void()> queueEmpty_;
+    std::function<bool()> running_;
+    double deadlineMs_ = 0;
+    int messages_ = 0;
+    qint64 bytes_ = 0;
+    double wireMs_ = 0;
+    double endMs_ = -1;
+    int failures_ = 0;
+    int idleCalls_ = 0;
+};
