@@ -8,6 +8,7 @@
 #include "controls/cCheckRadio.h"
 #include "host/SettingsStore.h"
 #include "pages/ControlPools.h"
+#include "pages/GridEditor.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ValueText.h"
@@ -226,6 +227,16 @@ void SysForm::Setup() {
     if (!pools_->groups[0]) {
         pools_->createOptionGroups(this);
         binding_->connectGroups();
+        grid_ = new GridEditor(pageArea_, state_.image, dataBase_,
+                               *pools_->groups[ControlPools::kSelectorList], this);
+        grid_->setErrorReporter([this](const QString& m) {
+            lastError_ = m;
+            if (errorReporter_) errorReporter_(m);
+        });
+        builder_->setGridHooks({[this](bool v) { grid_->ShowHarmonistGrid(v); },
+                                [this](bool v) { grid_->ShowPhraseGrid(v); },
+                                [this] { grid_->RefreshHarmonistGrid(); },
+                                [this] { grid_->RefreshPhraseGrid(); }});
     }
 
     QVariant scheme = 0;

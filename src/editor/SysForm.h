@@ -16,6 +16,7 @@ namespace ferrule {
 
 struct ModuleState;
 class ControlPools;
+class GridEditor;
 class ImageButton;
 class OptionHover;
 class PageArea;
@@ -75,6 +76,7 @@ public:
     PageBuilder& builder() { return *builder_; }
     ValueBinding& binding() { return *binding_; }
     OptionHover& hover() { return *hover_; }
+    GridEditor* grid() const { return grid_; }
     const ModuleState& state() const { return state_; }
     PageViews& views() { return views_; }
     // The scale or phrase data base of the page last built (pages 5 and 6).
@@ -124,6 +126,7 @@ private:
     std::unique_ptr<PageBuilder> builder_;
     ValueBinding* binding_ = nullptr;
     OptionHover* hover_ = nullptr;
+    GridEditor* grid_ = nullptr;
 
     int currentPage_ = -1;
     int currentTab_ = -1;

@@ -112,4 +112,22 @@ TEST(Describe, OnePageOfEachModel) {
     EXPECT_EQ(bankHigh.value(QStringLiteral("Value")).toInt(), 99);
     const QJsonObject knob4 = find(d, QStringLiteral("slider"), 10);
     EXPECT_EQ(knob4.value(QStringLiteral("caption")).toString(), QStringLiteral("Knob 4"));
+
+    // GT-8 Auto-Riff: the grid's cells and headings (the default phrase runs up from the root).
+    d = describe(8, 6, root);
+    const QJsonObject grid = find(d, QStringLiteral("grid"), 0);
+    ASSERT_FALSE(grid.isEmpty());
+    EXPECT_EQ(grid.value(QStringLiteral("page")).toInt(), 6);
+    const QJsonArray cells = grid.value(QStringLiteral("cells")).toArray();
+    ASSERT_EQ(cells.size(), 192);
+    EXPECT_EQ(cells[0].toString(), QStringLiteral(" C"));
+    EXPECT_EQ(cells[1].toString(), QStringLiteral("+E"));
+    EXPECT_EQ(cells[16].toString(), QStringLiteral(" Db"));
+    EXPECT_EQ(cells[15].toString(), QStringLiteral("end"));
+    EXPECT_EQ(grid.value(QStringLiteral("columnHeadings")).toArray().first().toString(),
+              QStringLiteral("Step 1 "));
+    EXPECT_EQ(grid.value(QStringLiteral("rowHeadings")).toArray()[1].toString(),
+              QStringLiteral("C#/Db"));
+    d = describe(8, 1, root);
+    EXPECT_TRUE(find(d, QStringLiteral("grid"), 0).isEmpty()) << "no grid on page 1";
 }

@@ -1,0 +1,276 @@
+#include "GridEditor.h"
+
+#include "StepText.h"
+#include "controls/cCheckRadio.h"
+#include "sysdata/SystemImage.h"
+
+#include <QLabel>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPushButton>
+
+#include <exception>
+
+namespace ferrule {
+namespace {
+
+// The grid's place in the page area, in pixels: a column of row headings, then 16 columns.
+constexpr int kLeft = 50;
+constexpr int kHeadTop = 28;
+constexpr int kTop = 46;
+constexpr int kColumn = 34;
+constexpr int kRow = 24;
+constexpr int kCellWidth = 33;
+constexpr int kCellHeight = 22;
+
+const char* const kKeyNames[13] = {"C", "C#/Db", "D", "D#/Eb", "E", "F",     "F#/Gb",
+                                   "G", "G#/Ab", "A", "A#/Bb", "B", "In >> "};
+
+QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
+    auto* w = new QWidget(parent);
+    w->setGeometry(r);
+    w->setAutoFillBackground(true);
+    QPalette pal = w->palette();
+    pal.setColor(QPalette::Window, colour);
+    w->setPalette(pal);
+    w->setAttribute(Qt::WA_TransparentForMouseEvents);
+    w->hide();
+    return w;
+}
+
+QLabel* text(QWidget* parent, const QString& name, int pixelSize, bool bold) {
+    auto* l = new QLabel(parent);
+    l->setObjectName(name);
+    QFont f = l->font();
+    f.setPixelSize(pixelSize);
+    f.setBold(bold);
+    l->setFont(f);
+    l->hide();
+    return l;
+}
+
+} // namespace
+
+GridEditor::GridEditor(QWidget* pageArea, SystemImage& image, const int& base,
+                       cCheckRadio& selector, QObject* parent)
+    : QObject(parent)
+    , image_(image)
+    , base_(base)
+    , selector_(selector) {
+    setObjectName(QStringLiteral("Grid"));
+    setProperty("ferruleKind", QStringLiteral("grid"));
+    build(pageArea);
+}
+
+void GridEditor::build(QWidget* pageArea) {
+    const int width = kLeft + 16 * kColumn - 6;
+    // Shaded bands: 0-10 behind rows 1-11, 11 behind the column headings.
+    for (int i = 0; i < 11; ++i)
+        shapes_[std::size_t(i)] =
+            band(pageArea, QRect(6, kTop + (i + 1) * kRow - 1, width, kRow),
+                 i % 2 == 0 ? QColor(0xdc, 0xe4, 0xee) : QColor(0xe8, 0xee, 0xf4));
+    shapes_[11] = band(pageArea, QRect(6, kHeadTop - 2, width, kRow - 4), QColor(0x3a, 0x41, 0x4a));
+    // Ruling lines: 0 under the headings, 1-12 under each row.
+    lines_[0] = band(pageArea, QRect(6, kTop - 3, width, 1), QColor(0x5c, 0x66, 0x72));
+    for (int r = 0; r < 12; ++r)
+        lines_[std::size_t(r + 1)] =
+            band(pageArea, QRect(6, kTop + (r + 1) * kRow - 2, width, 1), QColor(0xb5, 0xbf, 0xcb));
+
+    for (int i = 0; i < 13; ++i) {
+        QLabel* k = text(pageArea, QStringLiteral("ARKeyLabel%1").arg(i), i == 12 ? 9 : 10, true);
+        k->setText(QString::fromLatin1(kKeyNames[i]));
+        k->setGeometry(i == 12 ? QRect(8, kHeadTop, 40, 16)
+                               : QRect(8, kTop + i * kRow + 3, 42, 16));
+        if (i == 12) k->setStyleSheet(QStringLiteral("color: #e9edf1;"));
+        keyLabels_[std::size_t(i)] = k;
+    }
+    for (int c = 0; c < 16; ++c) {
+        QLabel* s = text(pageArea, QStringLiteral("StepLabel%1").arg(c), 9, true);
+        // The first heading reads "Scale 1 " or "Step 1 ": it reaches left over its row heading.
+        s->setGeometry(c == 0 ? QRect(kLeft - 20, kHeadTop, kCellWidth + 20, 16)
+                              : QRect(kLeft + c * kColumn, kHeadTop, kCellWidth, 16));
+        s->setAlignment(c == 0 ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignCenter);
+        s->setStyleSheet(QStringLiteral("color: #e9edf1;"));
+        stepLabels_[std::size_t(c)] = s;
+    }
+    for (int b = 0; b < kCells; ++b) {
+        QLabel* cell = text(pageArea, QStringLiteral("ARBox%1").arg(b), 9, false);
+        cell->setGeometry(kLeft + (b % 16) * kColumn, kTop + (b / 16) * kRow, kCellWidth,
+                          kCellHeight);
+        cell->setAlignment(Qt::AlignCenter);
+        cell->setStyleSheet(QStringLiteral(
+            "QLabel { background: white; border: 1px solid #a9b4c0; border-radius: 2px; "
+            "color: #1d2228; } QLabel:hover { border-color: #2f7bd8; }"));
+        cell->setCursor(Qt::PointingHandCursor);
+        cell->installEventFilter(this);
+        cells_[std::size_t(b)] = cell;
+    }
+    autoFill_ = new QPushButton(QStringLiteral("Auto-fill from C"), pageArea);
+    autoFill_->setObjectName(QStringLiteral("ARautoFill"));
+    autoFill_->setGeometry(width - 118, kTop + 12 * kRow + 2, 124, 20);
+    autoFill_->setToolTip(QStringLiteral("Copy the phrase of key C to the other eleven keys"));
+    autoFill_->hide();
+    connect(autoFill_, &QPushButton::clicked, this, [this] { guarded([this] { autoFill(); }); });
+}
+
+void GridEditor::guarded(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::exception& e) {
+        if (report_) report_(QString::fromStdString(e.what()));
+    }
+}
+
+void GridEditor::showCommon(bool visible) {
+    for (QLabel* c : cells_)
+        c->setVisible(visible);
+}
+
+void GridEditor::ShowHarmonistGrid(bool visible) {
+    showCommon(visible);
+    if (visible) {
+        const int view = selector_.Selected();
+        const int first = view * 13 + 1;
+        stepLabels_[0]->setText(view == 0 ? QStringLiteral("Scale 1 ") : QStringLiteral("14 "));
+        for (int i = 1; i < 16; ++i)
+            stepLabels_[std::size_t(i)]->setText(QLatin1Char(' ') + QString::number(first + i));
+    }
+    for (QLabel* l : stepLabels_)
+        l->setVisible(visible);
+    for (QLabel* l : keyLabels_)
+        l->setVisible(visible);
+    for (int i = 0; i <= 10; ++i)
+        shapes_[std::size_t(i)]->hide();
+    shapes_[11]->setVisible(visible);
+    lines_[0]->setVisible(visible);
+    for (int i = 1; i <= 12; ++i)
+        lines_[std::size_t(i)]->hide();
+    autoFill_->hide();
+    page_ = visible ? 5 : (page_ == 5 ? 0 : page_);
+}
+
+void GridEditor::ShowPhraseGrid(bool visible) {
+    showCommon(visible);
+    if (visible) {
+        stepLabels_[0]->setText(QStringLiteral("Step 1 "));
+        for (int i = 1; i < 16; ++i)
+            stepLabels_[std::size_t(i)]->setText(QLatin1Char(' ') + QString::number(i + 1));
+    }
+    for (QLabel* l : stepLabels_)
+        l->setVisible(visible);
+    for (QLabel* l : keyLabels_)
+        l->setVisible(visible);
+    for (QWidget* s : shapes_)
+        s->setVisible(visible);
+    for (QWidget* l : lines_)
+        l->setVisible(visible);
+    autoFill_->setVisible(visible);
+    page_ = visible ? 6 : (page_ == 6 ? 0 : page_);
+}
+
+void GridEditor::RefreshHarmonistGrid() {
+    const int view = selector_.Selected();
+    for (int s = 0; s < 16; ++s)
+        for (int r = 0; r < 12; ++r)
+            cells_[std::size_t(r * 16 + s)]->setText(
+                StepText(image_.at(base_ + view * 156 + s * 12 + r), r));
+}
+
+void GridEditor::RefreshPhraseGrid() {
+    const int phrase = selector_.Selected();
+    for (int k = 0; k < 12; ++k)
+        for (int s = 0; s < 16; ++s)
+            cells_[std::size_t(k * 16 + s)]->setText(
+                StepText(image_.at(base_ + phrase * 192 + k * 16 + s), k));
+}
+
+int GridEditor::cellAddress(int b) const {
+    if (page_ == 5) return base_ + selector_.Selected() * 156 + (b % 16) * 12 + b / 16;
+    return base_ + selector_.Selected() * 192 + b;
+}
+
+QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
+    clicked_ = b;
+    const int r = b / 16;
+    if (menu_) menu_->deleteLater();
+    auto* menu = new QMenu(cells_[std::size_t(b)]);
+    menu->setObjectName(QStringLiteral("Popup"));
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    // One sub-menu per note that a code sounds, highest note first.
+    for (int i = 11; i >= 0; --i) {
+        QMenu* sub = menu->addMenu(StepText(24, r + i));
+        QList<int> codes;
+        if (i == 0) codes << 48;
+        codes << 36 + i << 24 + i << 12 + i << i;
+        for (int code : codes)
+            sub->addAction(StepText(code, r))->setData(kCodeBase + code);
+    }
+    if (page_ == 5 && b < 16) menu->addAction(QStringLiteral("fill-in  ->>"))->setData(kFillIn);
+    if (page_ == 6) {
+        menu->addAction(QStringLiteral("repeat"))->setData(kRepeat);
+        menu->addAction(QStringLiteral("end"))->setData(kEnd);
+    }
+    connect(menu, &QMenu::triggered, this,
+            [this](QAction* a) { guarded([this, a] { carryOut(a->data().toInt()); }); });
+    menu_ = menu;
+    if (!globalPos.isNull()) menu->popup(globalPos);
+    return menu;
+}
+
+void GridEditor::carryOut(int id) {
+    if (clicked_ < 0) return;
+    if (id == kFillIn) {
+        // The scale becomes one fixed interval: every note takes the interval chosen for C.
+        const int start = base_ + selector_.Selected() * 156 + clicked_ * 12;
+        for (int i = 1; i <= 11; ++i)
+            image_.set(start + i, image_.at(start));
+        RefreshHarmonistGrid();
+        return;
+    }
+    const int code = id - kCodeBase;
+    image_.set(cellAddress(clicked_), code);
+    cells_[std::size_t(clicked_)]->setText(StepText(code, clicked_ / 16));
+}
+
+void GridEditor::autoFill() {
+    const int start = base_ + selector_.Selected() * 192;
+    for (int s = 0; s < 16; ++s)
+        for (int k = 1; k <= 11; ++k)
+            image_.set(start + k * 16 + s, image_.at(start + s));
+    RefreshPhraseGrid();
+}
+
+bool GridEditor::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::MouseButtonPress) {
+        const auto* me = static_cast<QMouseEvent*>(event);
+        for (int b = 0; b < kCells; ++b)
+            if (watched == cells_[std::size_t(b)]) {
+                if (me->button() == Qt::LeftButton) cellClicked(b, me->globalPosition().toPoint());
+                return true;
+            }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+QStringList GridEditor::cells() const {
+    QStringList out;
+    for (const QLabel* c : cells_)
+        out << c->text();
+    return out;
+}
+
+QStringList GridEditor::columnHeadings() const {
+    QStringList out;
+    for (const QLabel* l : stepLabels_)
+        out << l->text();
+    return out;
+}
+
+QStringList GridEditor::rowHeadings() const {
+    QStringList out;
+    for (const QLabel* l : keyLabels_)
+        out << l->text();
+    return out;
+}
+
+} // namespace ferrule

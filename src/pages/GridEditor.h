@@ -1,0 +1,96 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+#include <array>
+#include <functional>
+
+class QLabel;
+#include <QMenu>
+class QPushButton;
+class QWidget;
+
+namespace ferrule {
+
+class SystemImage;
+class cCheckRadio;
+
+// The scale and phrase grid of pages 5 and 6: 12 rows (notes or keys) by 16 columns (scales or
+// steps) of cells, each showing one image byte as a note text. A click on a cell opens a menu
+// of every value it can take; a choice stores it. The Harmonist page adds "fill-in" for a
+// whole scale, the Auto-Riff page an auto-fill that copies key C's phrase to the other keys.
+class GridEditor : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool visible READ isVisible)
+    Q_PROPERTY(int page READ page)
+    Q_PROPERTY(QStringList cells READ cells)
+    Q_PROPERTY(QStringList columnHeadings READ columnHeadings)
+    Q_PROPERTY(QStringList rowHeadings READ rowHeadings)
+    Q_PROPERTY(int clickedCell READ clickedCell)
+public:
+    static constexpr int kCells = 192;
+    static constexpr int kFillIn = 4249;
+    static constexpr int kRepeat = 4145;
+    static constexpr int kEnd = 4146;
+    static constexpr int kCodeBase = 4096;
+
+    // `base` is the page's scale or phrase data base; `selector` the view selector list.
+    GridEditor(QWidget* pageArea, SystemImage& image, const int& base, cCheckRadio& selector,
+               QObject* parent);
+
+    void ShowHarmonistGrid(bool visible);
+    void ShowPhraseGrid(bool visible);
+    void RefreshHarmonistGrid();
+    void RefreshPhraseGrid();
+
+    // A click on cell b: remembers it and builds the value menu (shown at `globalPos` unless
+    // it is null, which tests use).
+    QMenu* cellClicked(int b, const QPoint& globalPos);
+    // The menu choice with identifier `id`, for the cell clicked last.
+    void carryOut(int id);
+    void autoFill();
+
+    // The image address of cell b on the page shown.
+    int cellAddress(int b) const;
+
+    bool isVisible() const { return page_ != 0; }
+    int page() const { return page_; }
+    QStringList cells() const;
+    QStringList columnHeadings() const;
+    QStringList rowHeadings() const;
+    int clickedCell() const { return clicked_; }
+    QLabel* cell(int b) const { return cells_.at(std::size_t(b)); }
+    QPushButton* autoFillButton() const { return autoFill_; }
+    QMenu* menu() const { return menu_; }
+
+    // Errors while carrying out a choice are handed here (the window shows them).
+    void setErrorReporter(std::function<void(const QString&)> reporter) {
+        report_ = std::move(reporter);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void build(QWidget* pageArea);
+    void showCommon(bool visible);
+    void guarded(const std::function<void()>& action);
+
+    SystemImage& image_;
+    const int& base_;
+    cCheckRadio& selector_;
+    int page_ = 0; // 5 or 6 while a grid is shown
+    int clicked_ = -1;
+    std::array<QLabel*, kCells> cells_{};
+    std::array<QLabel*, 16> stepLabels_{};
+    std::array<QLabel*, 13> keyLabels_{};
+    std::array<QWidget*, 12> shapes_{};
+    std::array<QWidget*, 13> lines_{};
+    QPushButton* autoFill_ = nullptr;
+    QPointer<QMenu> menu_;
+    std::function<void(const QString&)> report_;
+};
+
+} // namespace ferrule
