@@ -11,6 +11,7 @@
 #include "pages/GridEditor.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
+#include "sysdata/ParameterEncoding.h"
 #include "sysdata/ValueText.h"
 
 #include <QCloseEvent>
@@ -250,10 +251,9 @@ void SysForm::SetFormat(int model) {
     for (int i = 0; i < 5; ++i)
         setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i),
                          QStringLiteral("mImg(%1)").arg(i));
-    static constexpr int modelsByButton[] = {3, 5, 6, 8};
     int button = 4;
     for (int i = 0; i < 4; ++i)
-        if (modelsByButton[i] == model) button = i;
+        if (kModels[i] == model) button = i;
     state_.model = button == 4 ? 10 : model;
     setButtonPicture(modeButtons_[std::size_t(button)], art_.mImg(20 + button),
                      QStringLiteral("mImg(%1)").arg(20 + button));
@@ -429,8 +429,7 @@ int SysForm::pageForTab(int tab) {
 }
 
 int SysForm::modelForModeButton(int index) {
-    static constexpr int models[5] = {3, 5, 6, 8, 10};
-    return models[index];
+    return kModels[index];
 }
 
 bool SysForm::outside(const ImageButton* b, int x, int y) {

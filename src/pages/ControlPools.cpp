@@ -1,5 +1,6 @@
 #include "ControlPools.h"
 
+#include "controls/CaptionLabel.h"
 #include "controls/ControlArt.h"
 #include "controls/HostFont.h"
 #include "controls/RKnob.h"
@@ -26,17 +27,6 @@ constexpr GroupDesign kGroupDesign[] = {
 
 } // namespace
 
-QLabel* ControlPools::makeLabel(QWidget* parent, const QString& name, int pixelSize, bool bold) {
-    auto* l = new QLabel(parent);
-    l->setObjectName(name);
-    QFont f = l->font();
-    f.setPixelSize(pixelSize);
-    f.setBold(bold);
-    l->setFont(f);
-    l->hide();
-    return l;
-}
-
 QLabel* ControlPools::makeGlyph(QWidget* parent, const QString& name) {
     auto* g = new QLabel(parent);
     g->setObjectName(name);
@@ -60,10 +50,10 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     }
     for (int i = 0; i < kHeadings; ++i)
         tabLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("TabLabel%1").arg(i), 12, true);
+            makeCaptionLabel(pageArea, QStringLiteral("TabLabel%1").arg(i), 12, true);
     for (int i = 0; i < kKnobs; ++i) {
         knobLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("KnobLabel%1").arg(i), 10, false);
+            makeCaptionLabel(pageArea, QStringLiteral("KnobLabel%1").arg(i), 10, false);
         knobLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         auto* k = new RKnob(i, pageArea);
         k->setValueTextSource(valueText);
@@ -73,7 +63,7 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     }
     for (int i = 0; i < kSliders; ++i) {
         sliderLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("SliderLabel%1").arg(i), 11, false);
+            makeCaptionLabel(pageArea, QStringLiteral("SliderLabel%1").arg(i), 11, false);
         sliderLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
         auto* s = new VSlider(i, pageArea);
         s->setValueTextSource(valueText);
@@ -96,19 +86,19 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     }
     for (int i = 0; i < kSwitches; ++i)
         onOffLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("OnOffLabel%1").arg(i), 11, false);
+            makeCaptionLabel(pageArea, QStringLiteral("OnOffLabel%1").arg(i), 11, false);
     for (int i = 0; i < kCheck2; ++i) {
         check2[std::size_t(i)] = makeGlyph(pageArea, QStringLiteral("Check2_%1").arg(i));
         checkLabels[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("CheckLabel%1").arg(i), 11, false);
+            makeCaptionLabel(pageArea, QStringLiteral("CheckLabel%1").arg(i), 11, false);
     }
     for (int i = 0; i < kCheckTitles; ++i)
         checkTitles[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("CheckTitle%1").arg(i), 10, true);
+            makeCaptionLabel(pageArea, QStringLiteral("CheckTitle%1").arg(i), 10, true);
     for (int i = 0; i < kCheck10; ++i) {
         check10[std::size_t(i)] = makeGlyph(pageArea, QStringLiteral("Check10_%1").arg(i));
         checkLabels10[std::size_t(i)] =
-            makeLabel(pageArea, QStringLiteral("CheckLabel10_%1").arg(i), 11, false);
+            makeCaptionLabel(pageArea, QStringLiteral("CheckLabel10_%1").arg(i), 11, false);
     }
 }
 

@@ -65,7 +65,6 @@ public:
     static std::pair<int, int> groupOfCheck2(int index);
 
 private:
-    QLabel* makeLabel(QWidget* parent, const QString& name, int pixelSize, bool bold);
     QLabel* makeGlyph(QWidget* parent, const QString& name);
 };
 

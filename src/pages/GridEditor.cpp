@@ -1,6 +1,7 @@
 #include "GridEditor.h"
 
 #include "StepText.h"
+#include "controls/CaptionLabel.h"
 #include "controls/cCheckRadio.h"
 #include "sysdata/SystemImage.h"
 
@@ -38,17 +39,6 @@ QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
     return w;
 }
 
-QLabel* text(QWidget* parent, const QString& name, int pixelSize, bool bold) {
-    auto* l = new QLabel(parent);
-    l->setObjectName(name);
-    QFont f = l->font();
-    f.setPixelSize(pixelSize);
-    f.setBold(bold);
-    l->setFont(f);
-    l->hide();
-    return l;
-}
-
 } // namespace
 
 GridEditor::GridEditor(QWidget* pageArea, SystemImage& image, const int& base,
@@ -77,7 +67,8 @@ void GridEditor::build(QWidget* pageArea) {
             band(pageArea, QRect(6, kTop + (r + 1) * kRow - 2, width, 1), QColor(0xb5, 0xbf, 0xcb));
 
     for (int i = 0; i < 13; ++i) {
-        QLabel* k = text(pageArea, QStringLiteral("ARKeyLabel%1").arg(i), i == 12 ? 9 : 10, true);
+        QLabel* k = makeCaptionLabel(pageArea, QStringLiteral("ARKeyLabel%1").arg(i),
+                                     i == 12 ? 9 : 10, true);
         k->setText(QString::fromLatin1(kKeyNames[i]));
         k->setGeometry(i == 12 ? QRect(8, kHeadTop, 40, 16)
                                : QRect(8, kTop + i * kRow + 3, 42, 16));
@@ -85,7 +76,7 @@ void GridEditor::build(QWidget* pageArea) {
         keyLabels_[std::size_t(i)] = k;
     }
     for (int c = 0; c < 16; ++c) {
-        QLabel* s = text(pageArea, QStringLiteral("StepLabel%1").arg(c), 9, true);
+        QLabel* s = makeCaptionLabel(pageArea, QStringLiteral("StepLabel%1").arg(c), 9, true);
         // The first heading reads "Scale 1 " or "Step 1 ": it reaches left over its row heading.
         s->setGeometry(c == 0 ? QRect(kLeft - 20, kHeadTop, kCellWidth + 20, 16)
                               : QRect(kLeft + c * kColumn, kHeadTop, kCellWidth, 16));
@@ -94,7 +85,7 @@ void GridEditor::build(QWidget* pageArea) {
         stepLabels_[std::size_t(c)] = s;
     }
     for (int b = 0; b < kCells; ++b) {
-        QLabel* cell = text(pageArea, QStringLiteral("ARBox%1").arg(b), 9, false);
+        QLabel* cell = makeCaptionLabel(pageArea, QStringLiteral("ARBox%1").arg(b), 9, false);
         cell->setGeometry(kLeft + (b % 16) * kColumn, kTop + (b / 16) * kRow, kCellWidth,
                           kCellHeight);
         cell->setAlignment(Qt::AlignCenter);

@@ -12,8 +12,7 @@
 
 namespace {
 
-QString run(const QString& program, const QStringList& args, const QString& display)
-{
+QString run(const QString& program, const QStringList& args, const QString& display) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("DISPLAY"), display);
@@ -25,12 +24,10 @@ QString run(const QString& program, const QStringList& args, const QString& disp
 
 } // namespace
 
-TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk)
-{
+TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
     const QString xvfb = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
     const QString xdotool = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
-    if (xvfb.isEmpty() || xdotool.isEmpty())
-        GTEST_SKIP() << "needs Xvfb and xdotool";
+    if (xvfb.isEmpty() || xdotool.isEmpty()) GTEST_SKIP() << "needs Xvfb and xdotool";
 
     QTemporaryDir dir;
     const QString data = dir.filePath(QStringLiteral("d.bin"));
@@ -45,47 +42,59 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk)
         ++number;
     const QString display = QStringLiteral(":%1").arg(number);
     QProcess server;
-    server.start(xvfb, {display, QStringLiteral("-screen"), QStringLiteral("0"), QStringLiteral("1280x800x24")});
-    for (int i = 0; i < 100 && !QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)); ++i)
+    server.start(xvfb, {display, QStringLiteral("-screen"), QStringLiteral("0"),
+                        QStringLiteral("1280x800x24")});
+    for (int i = 0; i < 100 && !QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number));
+         ++i)
         QThread::msleep(50);
-    ASSERT_TRUE(QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number))) << "Xvfb did not start";
+    ASSERT_TRUE(QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)))
+        << "Xvfb did not start";
 
     QProcess host;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("DISPLAY"), display);
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
     env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), dir.path());
+    env.insert(QStringLiteral("LSAN_OPTIONS"),
+               QStringLiteral("suppressions=" FERRULE_X11_LEAK_SUPPRESSIONS));
     host.setProcessEnvironment(env);
-    host.start(QStringLiteral(FERRULE_HOST_BINARY), {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data});
+    host.start(QStringLiteral(FERRULE_HOST_BINARY),
+               {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data});
     QString window;
     for (int i = 0; i < 100 && window.isEmpty(); ++i) {
         QThread::msleep(100);
-        window = run(xdotool, {QStringLiteral("search"), QStringLiteral("--name"), QStringLiteral("System: GT-8")}, display)
+        window = run(xdotool,
+                     {QStringLiteral("search"), QStringLiteral("--name"),
+                      QStringLiteral("System: GT-8")},
+                     display)
                      .section(QLatin1Char('\n'), 0, 0);
     }
     ASSERT_FALSE(window.isEmpty()) << "the editor window did not appear";
     QThread::msleep(300);
     int x = 0, y = 0;
     for (const QString& line :
-         run(xdotool, {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window}, display).split(QLatin1Char('\n'))) {
-        if (line.startsWith(QLatin1String("X=")))
-            x = line.mid(2).toInt();
-        if (line.startsWith(QLatin1String("Y=")))
-            y = line.mid(2).toInt();
+         run(xdotool, {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window},
+             display)
+             .split(QLatin1Char('\n'))) {
+        if (line.startsWith(QLatin1String("X="))) x = line.mid(2).toInt();
+        if (line.startsWith(QLatin1String("Y="))) y = line.mid(2).toInt();
     }
-    auto at = [&](int dx, int dy) { return QStringList{QStringLiteral("mousemove"), QString::number(x + dx), QString::number(y + dy)}; };
+    auto at = [&](int dx, int dy) {
+        return QStringList{QStringLiteral("mousemove"), QString::number(x + dx),
+                           QString::number(y + dy)};
+    };
     auto act = [&](QStringList args) {
         run(xdotool, args, display);
         QThread::msleep(250);
     };
-    act(at(120, 50) << QStringLiteral("click") << QStringLiteral("1"));            // the MIDI tab
-    act(at(30, 185) << QStringLiteral("mousedown") << QStringLiteral("1"));        // Rx channel knob
+    act(at(120, 50) << QStringLiteral("click") << QStringLiteral("1"));     // the MIDI tab
+    act(at(30, 185) << QStringLiteral("mousedown") << QStringLiteral("1")); // Rx channel knob
     act(at(42, 158));
     act(at(60, 170) << QStringLiteral("mouseup") << QStringLiteral("1"));
-    act(at(40, 253) << QStringLiteral("click") << QStringLiteral("1"));            // Omni mode
-    act(at(186, 158));                                                            // hover "Progammable"
+    act(at(40, 253) << QStringLiteral("click") << QStringLiteral("1")); // Omni mode
+    act(at(186, 158));                                                  // hover "Progammable"
     act(at(188, 159) << QStringLiteral("click") << QStringLiteral("1"));
-    act(at(586, 56) << QStringLiteral("click") << QStringLiteral("1"));            // OK
+    act(at(586, 56) << QStringLiteral("click") << QStringLiteral("1")); // OK
     EXPECT_TRUE(host.waitForFinished(10000));
     EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
     server.terminate();
@@ -101,5 +110,6 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk)
     expected[10438] = char(1);  // Map Select: Progammable
     for (int i = 0; i < after.size(); ++i)
         if (after[i] != expected[i])
-            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected " << int(expected[i]);
+            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
+                          << int(expected[i]);
 }
