@@ -86,18 +86,23 @@ void HeadlessRun::transmit(QWidget* editor) {
         return;
     }
     pipeline_.setRunningProbe(running);
-    auto* poll = new QTimer(this);
-    poll->setInterval(10);
-    connect(poll, &QTimer::timeout, this, [this, editor, poll, running] {
-        if (running()) return;
-        poll->stop();
-        const double expected = pipeline_.wireMs() + pipeline_.gapsMs();
-        std::printf("sent %d messages, %lld bytes\n", pipeline_.messages(),
-                    static_cast<long long>(pipeline_.bytes()));
-        std::printf("wire time %.1f ms + gaps %.1f ms = %.1f ms; the transmission took %.1f ms\n",
-                    pipeline_.wireMs(), pipeline_.gapsMs(), expected, pipeline_.elapsedMs());
-        std::fflush(stdout);
-        close(editor);
-    });
-    poll->start();
+    // The editor says when the transmission has ended.
+    connect(editor, SIGNAL(transmissionStopped()), this, SLOT(transmissionStopped()),
+            Qt::SingleShotConnection);
+    editor_ = editor;
+}
+
+void HeadlessRun::transmissionStopped() {
+    // Reported once the plug-in's QueueEmpty has returned and the pipeline has timed the end.
+    QTimer::singleShot(0, this, &HeadlessRun::reportTransmission);
+}
+
+void HeadlessRun::reportTransmission() {
+    const double expected = pipeline_.wireMs() + pipeline_.gapsMs();
+    std::printf("sent %d messages, %lld bytes\n", pipeline_.messages(),
+                static_cast<long long>(pipeline_.bytes()));
+    std::printf("wire time %.1f ms + gaps %.1f ms = %.1f ms; the transmission took %.1f ms\n",
+                pipeline_.wireMs(), pipeline_.gapsMs(), expected, pipeline_.elapsedMs());
+    std::fflush(stdout);
+    close(editor_);
 }

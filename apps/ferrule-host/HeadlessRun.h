@@ -19,8 +19,12 @@ public:
     void arm();
     int status() const { return status_; }
 
+private slots:
+    void transmissionStopped();
+
 private:
     void run();
+    void reportTransmission();
     void close(QWidget* editor);
     // Presses and releases the transmit button, then waits for the end of the transmission.
     void transmit(QWidget* editor);
@@ -28,5 +32,6 @@ private:
 
     HostOptions options_;
     BlockPipeline& pipeline_;
+    QWidget* editor_ = nullptr;
     int status_ = 0;
 };

@@ -346,10 +346,15 @@ int SysForm::transmissionStep() const {
     return state_.transmissionStep;
 }
 
+void SysForm::showTransmitIdle() {
+    setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+}
+
 void SysForm::transmissionEnded() {
     txWarning_->hide();
     txProgress_->hide();
     setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+    emit transmissionStopped();
 }
 
 void SysForm::ToggleTransmission() {
@@ -358,6 +363,7 @@ void SysForm::ToggleTransmission() {
         txWarning_->hide();
         state_.transmissionStep = 0;
         setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+        emit transmissionStopped();
         return;
     }
     if (!starter_ || !starter_()) return;

@@ -90,7 +90,13 @@ public:
     void setTransmissionStarter(std::function<bool()> starter);
     // The end of a transmission: the labels go and the transmit button shows its idle picture.
     void transmissionEnded();
+    // The transmit button's idle picture.
+    void showTransmitIdle();
     int transmissionStep() const;
+
+signals:
+    // A transmission ended: it ran to its end or was stopped.
+    void transmissionStopped();
 
 protected:
     void closeEvent(QCloseEvent* e) override;

@@ -137,7 +137,7 @@ void PlugIn::Quit() {
 void PlugIn::QueueEmpty() {
     if (!editor_) return;
     transmission_->SendNextBlock();
-    if (state_->transmissionStep == 0) editor_->transmissionEnded();
+    if (state_->transmissionStep == 0) editor_->showTransmitIdle();
 }
 
 } // namespace ferrule
