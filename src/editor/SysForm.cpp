@@ -120,7 +120,7 @@ void SysForm::buildChrome() {
     for (int i = 0; i < 13; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("TabButton%1").arg(i));
-        setButtonPicture(b, art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+        b->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
         b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
         b->setVisible(kTabDesign[std::size_t(i)].visible);
         b->setToolTip(ButtonArt::tabCaption(i));
@@ -133,7 +133,7 @@ void SysForm::buildChrome() {
     for (int i = 0; i < 5; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
-        setButtonPicture(b, art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+        b->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
         b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
         connect(b, &ImageButton::mouseDown, this, &SysForm::modeDown);
         connect(b, &ImageButton::mouseMove, this,
@@ -145,7 +145,7 @@ void SysForm::buildChrome() {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("CButton%1").arg(i));
         b->setProperty("ferruleCommandButton", true);
-        setButtonPicture(b, art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
+        b->setPicture(art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
         b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
         connect(b, &ImageButton::mouseDown, this, &SysForm::commandDown);
         connect(b, &ImageButton::mouseMove, this,
@@ -190,10 +190,6 @@ void SysForm::buildChrome() {
     binding_->connectControls();
     hover_ = new OptionHover(pageArea_, *pools_, this);
     hover_->install();
-}
-
-void SysForm::setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name) {
-    b->setPicture(pm, name);
 }
 
 void SysForm::setErrorReporter(std::function<void(const QString&)> reporter) {
@@ -249,14 +245,13 @@ void SysForm::Setup() {
 
 void SysForm::SetFormat(int model) {
     for (int i = 0; i < 5; ++i)
-        setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i),
-                         QStringLiteral("mImg(%1)").arg(i));
+        modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
     int button = 4;
     for (int i = 0; i < 4; ++i)
         if (kModels[i] == model) button = i;
     state_.model = button == 4 ? 10 : model;
-    setButtonPicture(modeButtons_[std::size_t(button)], art_.mImg(20 + button),
-                     QStringLiteral("mImg(%1)").arg(20 + button));
+    modeButtons_[std::size_t(button)]->setPicture(art_.mImg(20 + button),
+                                                  QStringLiteral("mImg(%1)").arg(20 + button));
 
     const auto placements = tabPlacementsFor(state_.model);
     for (int i = 0; i < 13; ++i) {
@@ -287,21 +282,20 @@ void SysForm::ShowTab(int page) {
     builder_->build(page, views_, dataBase_);
     pageArea_->update();
     if (oldTab >= 0)
-        setButtonPicture(tabButtons_[std::size_t(oldTab)], art_.Img(oldTab),
-                         QStringLiteral("Img(%1)").arg(oldTab));
+        tabButtons_[std::size_t(oldTab)]->setPicture(art_.Img(oldTab),
+                                                     QStringLiteral("Img(%1)").arg(oldTab));
     if (currentTab_ >= 0)
-        setButtonPicture(tabButtons_[std::size_t(currentTab_)], art_.Img(currentTab_ + 40),
-                         QStringLiteral("Img(%1)").arg(currentTab_ + 40));
+        tabButtons_[std::size_t(currentTab_)]->setPicture(
+            art_.Img(currentTab_ + 40), QStringLiteral("Img(%1)").arg(currentTab_ + 40));
 }
 
 void SysForm::Form_Load() {
     ApplyHostFont(this, state_.font);
     for (int i = 0; i < 4; ++i)
-        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 4),
-                         QStringLiteral("CButton(%1)").arg(i + 4));
+        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 4),
+                                                    QStringLiteral("CButton(%1)").arg(i + 4));
     for (int i = 0; i < 13; ++i)
-        setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i),
-                         QStringLiteral("Img(%1)").arg(i));
+        tabButtons_[std::size_t(i)]->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
     if (!loaded_) {
         // A window loaded anew has an empty page area: the next ShowTab builds.
         currentPage_ = -1;
@@ -347,13 +341,13 @@ int SysForm::transmissionStep() const {
 }
 
 void SysForm::showTransmitIdle() {
-    setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+    commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
 }
 
 void SysForm::transmissionEnded() {
     txWarning_->hide();
     txProgress_->hide();
-    setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+    commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
     emit transmissionStopped();
 }
 
@@ -362,12 +356,12 @@ void SysForm::ToggleTransmission() {
         // Stop at once; the progress goes at the next QueueEmpty.
         txWarning_->hide();
         state_.transmissionStep = 0;
-        setButtonPicture(commandButtons_[0], art_.CButton(4), QStringLiteral("CButton(4)"));
+        commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
         emit transmissionStopped();
         return;
     }
     if (!starter_ || !starter_()) return;
-    setButtonPicture(commandButtons_[0], art_.CButton(13), QStringLiteral("CButton(13)"));
+    commandButtons_[0]->setPicture(art_.CButton(13), QStringLiteral("CButton(13)"));
     txWarning_->show();
     txProgress_->show();
     transmitted_ = true;
@@ -444,14 +438,14 @@ bool SysForm::outside(const ImageButton* b, int x, int y) {
 
 void SysForm::modeDown(int i, Qt::MouseButton, int, int) {
     if (modelForModeButton(i) == state_.model) return;
-    setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i + 10),
-                     QStringLiteral("mImg(%1)").arg(i + 10));
+    modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i + 10),
+                                             QStringLiteral("mImg(%1)").arg(i + 10));
     modePressed_ = true;
 }
 
 void SysForm::modeMove(int i, int x, int y) {
     if (!modePressed_ || !outside(modeButtons_[std::size_t(i)], x, y)) return;
-    setButtonPicture(modeButtons_[std::size_t(i)], art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+    modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
     modePressed_ = false;
 }
 
@@ -472,14 +466,14 @@ void SysForm::modeUp(int i) {
 
 void SysForm::tabDown(int i, Qt::MouseButton, int, int) {
     if (i == currentTab_ || !TabAvailable(i, state_.model)) return;
-    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i + 20),
-                     QStringLiteral("Img(%1)").arg(i + 20));
+    tabButtons_[std::size_t(i)]->setPicture(art_.Img(i + 20),
+                                            QStringLiteral("Img(%1)").arg(i + 20));
     tabPressed_ = true;
 }
 
 void SysForm::tabMove(int i, int x, int y) {
     if (!tabPressed_ || !outside(tabButtons_[std::size_t(i)], x, y)) return;
-    setButtonPicture(tabButtons_[std::size_t(i)], art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+    tabButtons_[std::size_t(i)]->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
     tabPressed_ = false;
 }
 
@@ -492,19 +486,19 @@ void SysForm::tabUp(int i) {
 
 void SysForm::showCommandNormal(int i) {
     if (i == 0 && state_.transmissionStep != 0)
-        setButtonPicture(commandButtons_[0], art_.CButton(12), QStringLiteral("CButton(12)"));
+        commandButtons_[0]->setPicture(art_.CButton(12), QStringLiteral("CButton(12)"));
     else
-        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 4),
-                         QStringLiteral("CButton(%1)").arg(i + 4));
+        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 4),
+                                                    QStringLiteral("CButton(%1)").arg(i + 4));
 }
 
 void SysForm::commandDown(int i, Qt::MouseButton, int, int) {
     const bool running = state_.transmissionStep != 0;
     if (running && i == 0)
-        setButtonPicture(commandButtons_[0], art_.CButton(13), QStringLiteral("CButton(13)"));
+        commandButtons_[0]->setPicture(art_.CButton(13), QStringLiteral("CButton(13)"));
     else if (!running)
-        setButtonPicture(commandButtons_[std::size_t(i)], art_.CButton(i + 8),
-                         QStringLiteral("CButton(%1)").arg(i + 8));
+        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 8),
+                                                    QStringLiteral("CButton(%1)").arg(i + 8));
     commandPressed_ = true;
 }
 

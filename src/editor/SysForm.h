@@ -79,8 +79,6 @@ public:
     GridEditor* grid() const { return grid_; }
     const ModuleState& state() const { return state_; }
     PageViews& views() { return views_; }
-    // The scale or phrase data base of the page last built (pages 5 and 6).
-    int dataBase() const { return dataBase_; }
 
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
@@ -106,7 +104,6 @@ private:
     void buildChrome();
     void unload();
     void runGuarded(const std::function<void()>& action);
-    void setButtonPicture(ImageButton* b, const QPixmap& pm, const QString& name);
     void showCommandNormal(int i);
 
     void modeDown(int i, Qt::MouseButton button, int x, int y);

@@ -18,7 +18,6 @@ class HostLink {
 public:
     void setHost(QObject* host);
     QObject* host() const { return host_; }
-    bool hasHost() const { return !host_.isNull(); }
 
     bool hasProperty(const char* name) const;
     QVariant property(const char* name) const;
