@@ -1,24 +1,25 @@
 // The CPU cost of a whole GT-10 transmission through the plug-in and the host's framing, with
 // no output and no pacing: start as the transmit command does, then QueueEmpty until the end.
 
-#include "DefaultImage.h"
-#include "HostObject.h"
-#include "SysexFramer.h"
+#include "device/DefaultImage.h"
+#include "device/SysexCodec.h"
 #include "editor/SysForm.h"
 #include "host/PlugIn.h"
+#include "plugin/HostObject.h"
 #include "sysdata/ModuleState.h"
 
 #include <benchmark/benchmark.h>
 
 static void BM_Gt10TransmissionCpu(benchmark::State& st) {
-    HostObject host(makeDefaultImage());
+    HostObject host(ferrule::makeDefaultImage());
     ferrule::PlugIn plugIn;
     plugIn.Interface(&host);
     plugIn.Format(10);
     int messages = 0;
     qint64 bytes = 0;
     host.setBlockSink([&](int address, const QByteArray& data, int model) {
-        const QByteArray m = SysexFramer::frame(SysexFramer::defaultHeader(model), address, data);
+        const QByteArray m =
+            ferrule::Sysex::frame(ferrule::Sysex::defaultHeader(model), address, data);
         bytes += m.size();
         ++messages;
         benchmark::DoNotOptimize(m.data());

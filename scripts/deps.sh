@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Ferrule needs to build, test and run, when they are missing.
+# JACK (jackd2 and its development package) goes in before or together with librtmidi-dev:
+# otherwise apt satisfies RtMidi's JACK dependency with the other JACK, and installing jackd2
+# later removes librtmidi-dev again.
 set -euo pipefail
 
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libgtest-dev
-          libbenchmark-dev librtmidi-dev fonts-dejavu-core xvfb xdotool)
+          libbenchmark-dev jackd2 libjack-jackd2-dev librtmidi-dev fonts-dejavu-core xvfb xdotool)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
@@ -13,5 +16,9 @@ if [ ${#missing[@]} -gt 0 ]; then
     sudo=""
     [ "$(id -u)" -ne 0 ] && sudo="sudo"
     $sudo apt-get update -qq
+    # jackd2 asks whether to enable real-time priority; the answer is not needed here.
+    echo "jackd2 jackd/tweak_rt_limits boolean false" | $sudo debconf-set-selections 2>/dev/null || true
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends \
+        jackd2 libjack-jackd2-dev
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi

@@ -1,70 +1,36 @@
-// ferrule-host: a stand-alone host for the Ferrule system-settings editor. It loads the plug-in,
-// owns the system data, answers the plug-in's calls and saves the data when the editor closes
-// keeping its changes.
+// ferrule-host: a stand-alone host for the Ferrule system-settings editor. It reads the system
+// data from a file or the device, runs the plug-in's editor on it, sends it to the device and
+// saves it. The parts: cli (options, headless runs), document (the data and its files),
+// transport (MIDI and pacing), plugin (the host object and the plug-in's editor).
 
-#include "BlockPipeline.h"
-#include "DefaultImage.h"
-#include "HeadlessRun.h"
-#include "HostObject.h"
-#include "HostOptions.h"
-#include "MidiOutput.h"
-#include "PlugInLocator.h"
-#include "host/PlugInInterface.h"
-#include "host/SettingsStore.h"
+#include "cli/DeviceRuns.h"
+#include "cli/HostOptions.h"
+#include "document/SystemDocument.h"
+#include "plugin/EditorRun.h"
 
 #include <QApplication>
-#include <QFile>
 #include <QFileInfo>
-#include <QPluginLoader>
-#include <QSaveFile>
-#include <QScreen>
-#include <QWidget>
 
 #include <cstdio>
-#include <exception>
 #include <vector>
 
+using namespace ferrule;
+
 namespace {
-
-constexpr int kImageSize = 43252;
-constexpr int kBadInput = 2;
-
-int badInput(const QString& line) {
-    std::fprintf(stderr, "ferrule-host: %s\n", qPrintable(line));
-    return kBadInput;
-}
-
-// Reads the data file; on failure returns an empty array and says why.
-QByteArray readImage(const QString& path, QString& error) {
-    const QFileInfo info(path);
-    if (!info.exists()) {
-        error = QStringLiteral("data file \"%1\" does not exist").arg(path);
-        return {};
-    }
-    if (info.isDir()) {
-        error = QStringLiteral("data file \"%1\" is a folder, not a file").arg(path);
-        return {};
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        error = QStringLiteral("data file \"%1\" cannot be read: %2").arg(path, file.errorString());
-        return {};
-    }
-    QByteArray data = file.read(kImageSize + 1);
-    if (data.size() != kImageSize) {
-        error = QStringLiteral(
-                    "data file \"%1\" holds %2 bytes; system data must be exactly 43252 bytes")
-                    .arg(path)
-                    .arg(info.size());
-        return {};
-    }
-    return data;
-}
 
 bool displayAvailable() {
     return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
            !qEnvironmentVariableIsEmpty("DISPLAY") ||
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// The document the options name: the --data file, or the embedded default. A device read may
+// name a --data file that does not exist yet; it is created when the read succeeds.
+std::optional<SystemDocument> openDocument(const HostOptions& options, QString* error) {
+    if (options.dataFile.isEmpty() ||
+        (options.readsDevice() && !QFileInfo::exists(options.dataFile)))
+        return SystemDocument(options.model, options.dataSetHeader());
+    return SystemDocument::open(options.dataFile, options.model, options.dataSetHeader(), error);
 }
 
 } // namespace
@@ -79,9 +45,9 @@ int main(int argc, char** argv) {
         if (a == "--help" || a == "-h" || a == "--version" || a == "-v") needsDisplay = false;
     }
     if (needsDisplay && !displayAvailable())
-        return badInput(
-            QStringLiteral("no display to show the editor on; use --screenshot FILE.png "
-                           "to render it without one"));
+        return fail(kExitBadInput,
+                    QStringLiteral("no display to show the editor on; use --screenshot FILE.png "
+                                   "to render it without one"));
     if (!needsDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !displayAvailable())
         qputenv("QT_QPA_PLATFORM", "offscreen");
 
@@ -103,97 +69,29 @@ int main(int argc, char** argv) {
     qtArgv.push_back(nullptr);
     QApplication app(qtArgc, qtArgv.data());
     QApplication::setApplicationName(QStringLiteral("ferrule-host"));
-    QApplication::setApplicationVersion(QStringLiteral("4.2.0"));
+    QApplication::setApplicationVersion(QStringLiteral(FERRULE_VERSION));
 
     const ParsedOptions parsed = parseHostOptions(arguments);
     if (!parsed.message.isEmpty()) {
         std::fputs(qPrintable(parsed.message), stdout);
         return 0;
     }
-    if (!parsed.options) return badInput(parsed.error);
+    if (!parsed.options) return fail(kExitBadInput, parsed.error);
     const HostOptions& options = *parsed.options;
 
-    if (options.listMidiPorts) {
-        QString why;
-        const QStringList ports = MidiOutput::ports(&why);
-        if (!why.isEmpty())
-            std::printf("%s\n", qPrintable(why));
-        else if (ports.isEmpty())
-            std::printf("no MIDI output ports\n");
-        for (int i = 0; i < ports.size(); ++i)
-            std::printf("%d: %s\n", i, qPrintable(ports[i]));
-        return 0;
-    }
+    if (options.listMidiPorts) return runListPorts(options);
 
-    QByteArray image;
-    if (options.dataFile.isEmpty()) {
-        image = makeDefaultImage();
-    } else {
-        QString error;
-        image = readImage(options.dataFile, error);
-        if (image.isEmpty()) return badInput(error);
-    }
+    QString error;
+    std::optional<SystemDocument> document = openDocument(options, &error);
+    if (!document) return fail(kExitBadInput, error);
     if (!options.screenshot.isEmpty() &&
         !options.screenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive))
-        return badInput(
+        return fail(
+            kExitBadInput,
             QStringLiteral("screenshot file \"%1\" must end in .png").arg(options.screenshot));
 
-    const LocatedPlugIn located =
-        locatePlugIn(QStringLiteral("Ferrule.PlugIn"), options.pluginPath);
-    if (!located.error.isEmpty()) return badInput(located.error);
-    QPluginLoader loader(located.file);
-    QObject* instance = loader.instance();
-    if (!instance)
-        return badInput(QStringLiteral("plug-in \"%1\" cannot be loaded: %2")
-                            .arg(located.file, loader.errorString()));
-    auto* plugIn = qobject_cast<ferrule::PlugInInterface*>(instance);
-    if (!plugIn)
-        return badInput(
-            QStringLiteral("\"%1\" does not offer the plug-in interface").arg(located.file));
-
-    ferrule::RegCreateKey(ferrule::RegRoot::LocalMachine, ferrule::kEditorKey);
-
-    BlockPipeline pipeline({options.sysexHeader, options.gapMs, options.syxFile, options.midiOut});
-    {
-        QString why;
-        if (!pipeline.open(&why)) return badInput(why);
-    }
-    HostObject host(image);
-    host.setRefuseUpdate(options.refuseUpdate);
-    host.setBlockSink([&pipeline](int address, const QByteArray& data, int model) {
-        pipeline.send(address, data, model);
-    });
-    pipeline.setQueueEmpty([plugIn] { plugIn->QueueEmpty(); });
-    QWidget ownerWindow;
-    ownerWindow.setWindowTitle(QStringLiteral("Tonebench"));
-    HeadlessRun headlessRun(options, pipeline);
-    int status = 0;
-    try {
-        plugIn->Interface(&host);
-        plugIn->Owner(&ownerWindow);
-        plugIn->Title(options.title);
-        plugIn->Format(options.model);
-        const QScreen* screen = QGuiApplication::primaryScreen();
-        const QPoint centre = screen ? screen->geometry().center() : QPoint(512, 384);
-        plugIn->Center(qint16(std::min(centre.x() * 15, 32767)),
-                       qint16(std::min(centre.y() * 15, 32767)));
-        headlessRun.arm();
-        plugIn->Start();
-        plugIn->Quit();
-        status = headlessRun.status();
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "ferrule-host: error: %s\n", e.what());
-        return 1;
-    }
-
-    if (!options.dataFile.isEmpty() && host.changed()) {
-        QSaveFile out(options.dataFile);
-        if (!out.open(QIODevice::WriteOnly) || out.write(host.image()) != kImageSize ||
-            !out.commit()) {
-            std::fprintf(stderr, "ferrule-host: data file \"%s\" could not be written: %s\n",
-                         qPrintable(options.dataFile), qPrintable(out.errorString()));
-            return 1;
-        }
-    }
-    return status;
+    if (options.readsDevice()) return runReadDevice(options, *document);
+    if (!options.exportFile.isEmpty() && !options.editorHeadless())
+        return runExport(options, *document);
+    return runEditor(options, *document);
 }

@@ -1,6 +1,6 @@
 #include "Transmission.h"
 
-#include "TransmissionSchedule.h"
+#include "device/TransmissionSchedule.h"
 #include "editor/SysForm.h"
 #include "sysdata/ModuleState.h"
 
@@ -24,7 +24,7 @@ void Transmission::sendStep(int step) {
     for (const ScheduledMessage& m : TransmissionSchedule::messages(state_.model, step)) {
         // A block that would reach past the image is not sent, nor any part of it.
         if (m.start < 0 || m.start + m.length > SystemImage::kSize) continue;
-        state_.host.call("MIDISendEx", {m.address, m.data(state_.image), state_.model});
+        state_.host.call("MIDISendEx", {m.address, m.data(state_.image.bytes()), state_.model});
     }
 }
 

@@ -5,6 +5,7 @@
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
+#include "device/ModelMap.h"
 #include "sysdata/ParameterEncoding.h"
 #include "sysdata/SystemImage.h"
 
@@ -73,31 +74,11 @@ int PageBuilder::tabForPage(int page, int model) {
 }
 
 int PageBuilder::scaleBase(int model) {
-    switch (model) {
-    case 3:
-        return 1048;
-    case 5:
-        return 5150;
-    case 6:
-        return 8074;
-    case 8:
-        return 11511;
-    default:
-        return -1;
-    }
+    return harmonistScaleBase(model);
 }
 
 int PageBuilder::phraseBase(int model) {
-    switch (model) {
-    case 3:
-        return 1396;
-    case 6:
-        return 8422;
-    case 8:
-        return 11859;
-    default:
-        return -1;
-    }
+    return autoRiffPhraseBase(model);
 }
 
 void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int currentPage) {

@@ -5,27 +5,6 @@
 
 namespace ferrule {
 
-bool isKnownModel(int model) {
-    return std::ranges::find(kModels, model) != std::end(kModels);
-}
-
-int modelStretchStart(int model) {
-    switch (model) {
-    case 3:
-        return 0;
-    case 5:
-        return 4362;
-    case 6:
-        return 7022;
-    case 8:
-        return 10400;
-    case 10:
-        return 19105;
-    default:
-        return -1;
-    }
-}
-
 bool IsDoubleByte(int memLoc, int model) {
     if (model != 10) return false;
     static constexpr std::array<int, 27> addresses = {

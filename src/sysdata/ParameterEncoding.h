@@ -1,14 +1,11 @@
 #pragma once
 
+#include "device/ModelMap.h"
+
 #include <cstdint>
 #include <utility>
 
 namespace ferrule {
-
-// Device model numbers and the start of each model's stretch of the system data image.
-inline constexpr int kModels[] = {3, 5, 6, 8, 10};
-bool isKnownModel(int model);
-int modelStretchStart(int model);
 
 // True exactly when the parameter at `memLoc` occupies two 7-bit bytes: model 10 only, for the
 // bank range, the front-panel knob assignments and the pedal function/minimum/maximum triples.

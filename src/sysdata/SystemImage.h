@@ -1,5 +1,7 @@
 #pragma once
 
+#include "device/ModelMap.h"
+
 #include <QByteArray>
 
 #include <array>
@@ -11,7 +13,7 @@ namespace ferrule {
 // side by side. Every access is bound-checked; a miss throws FerruleError.
 class SystemImage {
 public:
-    static constexpr int kSize = 43252;
+    static constexpr int kSize = kImageSize;
 
     SystemImage() { bytes_.fill(0); }
 

@@ -4,7 +4,7 @@
 #include "TestHost.h"
 #include "editor/ImageButton.h"
 #include "host/SettingsStore.h"
-#include "host/TransmissionSchedule.h"
+#include "device/TransmissionSchedule.h"
 #include "sysdata/ModuleState.h"
 
 #include <QAbstractButton>
@@ -59,7 +59,7 @@ TEST(TransmissionSchedule, AddressArithmeticAndNibbles) {
     image.set(10, 0xA7);
     image.set(11, 0x05);
     QByteArray out;
-    SplitNibbles(out, image, 10, 2);
+    SplitNibbles(out, image.bytes(), 10, 2);
     EXPECT_EQ(out, QByteArray::fromHex("0a070005"));
 }
 
@@ -86,7 +86,7 @@ TEST(TransmissionSchedule, MatchesTheTablesForEveryModel) {
     const int sizes[] = {20, 10, 18, 10, 24, 18, 38, 14, 12, 14, 12, 14, 30};
     SystemImage image;
     for (int f = 0; f < 13; ++f)
-        EXPECT_EQ(step60[std::size_t(f)].data(image).size(), sizes[f]);
+        EXPECT_EQ(step60[std::size_t(f)].data(image.bytes()).size(), sizes[f]);
     EXPECT_EQ(step60.back().address, 0x03000C00);
     EXPECT_EQ(TransmissionSchedule::messages(8, 150).front().address, 0x06004000);
     EXPECT_EQ(TransmissionSchedule::messages(8, 150).size(), 10u);

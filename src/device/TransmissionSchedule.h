@@ -2,11 +2,14 @@
 
 #include <QByteArray>
 
+#include <cstdint>
+#include <span>
 #include <vector>
 
 namespace ferrule {
 
-class SystemImage;
+// The system data image as bytes (SystemImage::bytes(), or a host's copy).
+using ImageBytes = std::span<const std::uint8_t>;
 
 // A device address: four 7-bit bytes packed into a 32-bit integer, most significant first.
 // Arithmetic works on the linear value A × 2^21 + B × 2^14 + C × 2^7 + D.
@@ -25,7 +28,7 @@ constexpr int AddressAdd(int address, int count, int size) {
 
 // Each byte of image[start, start + count) as two data bytes, high nibble first, appended to
 // `destination`.
-void SplitNibbles(QByteArray& destination, const SystemImage& image, int start, int count);
+void SplitNibbles(QByteArray& destination, ImageBytes image, int start, int count);
 
 // One message of a transmission: its device address and the image bytes it carries.
 struct ScheduledMessage {
@@ -33,8 +36,11 @@ struct ScheduledMessage {
     int start;  // first image index
     int length; // image bytes
     bool nibbles;
-    // The data bytes: the image bytes, or each split into two nibbles.
-    QByteArray data(const SystemImage& image) const;
+    // Address units the message covers: its length, or twice that for nibbles.
+    int units() const { return nibbles ? 2 * length : length; }
+    // The data bytes: the image bytes, or each split into two nibbles. The caller makes sure
+    // that [start, start + length) lies inside `image`.
+    QByteArray data(ImageBytes image) const;
 };
 
 // The transmission schedules of the five models: step 0 (sent by the start) and the steps

@@ -1,6 +1,6 @@
 #include "HostOptions.h"
 
-#include "SysexFramer.h"
+#include "device/SysexCodec.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -10,11 +10,15 @@
 bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
-        if (std::strncmp(a, "--screenshot", 12) == 0 || std::strcmp(a, "--describe") == 0 ||
-            std::strcmp(a, "--transmit") == 0 || std::strcmp(a, "--list-midi-ports") == 0)
-            return true;
+        for (const char* option : {"--screenshot", "--describe", "--transmit", "--list-midi-ports",
+                                   "--export", "--receive", "--request"})
+            if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
     }
     return false;
+}
+
+QByteArray HostOptions::dataSetHeader() const {
+    return sysexHeader.isEmpty() ? ferrule::Sysex::defaultHeader(model) : sysexHeader;
 }
 
 ParsedOptions parseHostOptions(const QStringList& arguments) {
@@ -31,8 +35,9 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("TEXT"));
     const QCommandLineOption data(
         {QStringLiteral("d"), QStringLiteral("data")},
-        QStringLiteral("Raw 43,252-byte system data file to edit; written back "
-                       "when the editor closes keeping its changes."),
+        QStringLiteral("System data to edit: a raw 43,252-byte image or a .syx file; written "
+                       "back in its own form when the editor closes keeping its changes, or "
+                       "when --receive or --request has read the device."),
         QStringLiteral("FILE"));
     const QCommandLineOption plugin(QStringLiteral("plugin"),
                                     QStringLiteral("Plug-in library, or a folder holding it."),
@@ -60,7 +65,35 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("Send the transmitted messages to a MIDI output port."),
         QStringLiteral("NAME or NUMBER"));
     const QCommandLineOption listPorts(QStringLiteral("list-midi-ports"),
-                                       QStringLiteral("List the MIDI output ports."));
+                                       QStringLiteral("List the MIDI input and output ports."));
+    const QCommandLineOption midiApi(
+        QStringLiteral("midi-api"),
+        QStringLiteral("MIDI system: alsa or jack (default: the first that runs)."),
+        QStringLiteral("API"));
+    const QCommandLineOption midiIn(QStringLiteral("midi-in"),
+                                    QStringLiteral("MIDI input port to read the device from."),
+                                    QStringLiteral("NAME or NUMBER"));
+    const QCommandLineOption exportSyx(
+        QStringLiteral("export"),
+        QStringLiteral("Headless: write the model's whole data as a .syx file and exit; with "
+                       "--receive or --request, where the data read goes."),
+        QStringLiteral("FILE.syx"));
+    const QCommandLineOption receive(
+        QStringLiteral("receive"),
+        QStringLiteral("Headless: wait for a dump started on the device and save it."));
+    const QCommandLineOption request(
+        QStringLiteral("request"),
+        QStringLiteral("Headless: ask the device for its system data and save it."));
+    const QCommandLineOption timeout(
+        QStringLiteral("timeout"),
+        QStringLiteral("Seconds of silence that end a receive (default 60 before the first "
+                       "message, 10 once data flows)."),
+        QStringLiteral("S"));
+    const QCommandLineOption requestHeader(
+        QStringLiteral("request-header"),
+        QStringLiteral("Request header bytes after F0, in hex (default: the data-set header "
+                       "with command 11)."),
+        QStringLiteral("HEX"));
     const QCommandLineOption gap(
         QStringLiteral("gap"),
         QStringLiteral("Pause after each message's wire time, in ms (default 20)."),
@@ -72,8 +105,9 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     const QCommandLineOption refuse(
         QStringLiteral("refuse-update"),
         QStringLiteral("Refuse the plug-in's update request (GTUpdate stays false)."));
-    parser.addOptions({model, title, data, plugin, screenshot, page, describe, transmit, syx,
-                       midiOut, listPorts, gap, header, refuse});
+    parser.addOptions({model,    title,  data,      plugin,    screenshot, page,    describe,
+                       transmit, syx,    midiOut,   listPorts, gap,        header,  refuse,
+                       midiApi,  midiIn, exportSyx, receive,   request,    timeout, requestHeader});
 
     ParsedOptions result;
     if (!parser.parse(arguments)) {
@@ -104,6 +138,10 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     }
     o.title = parser.isSet(title) ? parser.value(title) : QStringLiteral("GT-%1").arg(o.model);
     o.dataFile = parser.value(data);
+    if (parser.isSet(data) && o.dataFile.isEmpty()) {
+        result.error = QStringLiteral("--data needs a file name");
+        return result;
+    }
     o.pluginPath = parser.value(plugin);
     o.screenshot = parser.value(screenshot);
     o.describe = parser.isSet(describe);
@@ -119,6 +157,54 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     o.listMidiPorts = parser.isSet(listPorts);
     o.syxFile = parser.value(syx);
     o.midiOut = parser.value(midiOut);
+    o.midiIn = parser.value(midiIn);
+    o.midiApi = parser.value(midiApi).toLower();
+    if (parser.isSet(midiApi) && o.midiApi != QLatin1String("alsa") &&
+        o.midiApi != QLatin1String("jack")) {
+        result.error =
+            QStringLiteral("--midi-api \"%1\" is not alsa or jack").arg(parser.value(midiApi));
+        return result;
+    }
+    o.exportFile = parser.value(exportSyx);
+    if (parser.isSet(exportSyx) && o.exportFile.isEmpty()) {
+        result.error = QStringLiteral("--export needs a file name");
+        return result;
+    }
+    o.receive = parser.isSet(receive);
+    o.request = parser.isSet(request);
+    if (o.receive && o.request) {
+        result.error = QStringLiteral("--receive and --request cannot be used together");
+        return result;
+    }
+    if (o.readsDevice()) {
+        const QString what = o.receive ? QStringLiteral("--receive") : QStringLiteral("--request");
+        if (o.midiIn.isEmpty() || (o.request && o.midiOut.isEmpty())) {
+            result.error = QStringLiteral("%1 needs %2")
+                               .arg(what, o.request ? QStringLiteral("--midi-in and --midi-out")
+                                                    : QStringLiteral("--midi-in"));
+            return result;
+        }
+        if (o.exportFile.isEmpty() && o.dataFile.isEmpty()) {
+            result.error = QStringLiteral("%1 needs --export FILE.syx or --data FILE to save "
+                                          "what it reads")
+                               .arg(what);
+            return result;
+        }
+        if (o.editorHeadless()) {
+            result.error = QStringLiteral("%1 cannot be combined with --screenshot, --describe or "
+                                          "--transmit")
+                               .arg(what);
+            return result;
+        }
+    }
+    if (parser.isSet(timeout)) {
+        o.timeoutS = parser.value(timeout).toInt(&ok);
+        if (!ok || o.timeoutS < 1 || o.timeoutS > 3600) {
+            result.error = QStringLiteral("--timeout \"%1\" is not a number of seconds 1-3600")
+                               .arg(parser.value(timeout));
+            return result;
+        }
+    }
     o.refuseUpdate = parser.isSet(refuse);
     o.gapMs = parser.value(gap).toInt(&ok);
     if (!ok || o.gapMs < 0 || o.gapMs > 10000) {
@@ -127,10 +213,18 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         return result;
     }
     if (parser.isSet(header)) {
-        o.sysexHeader = SysexFramer::parseHeader(parser.value(header));
+        o.sysexHeader = ferrule::Sysex::parseHeader(parser.value(header));
         if (o.sysexHeader.isEmpty()) {
             result.error = QStringLiteral("--sysex-header \"%1\" is not hex bytes 00-7F")
                                .arg(parser.value(header));
+            return result;
+        }
+    }
+    if (parser.isSet(requestHeader)) {
+        o.requestHeader = ferrule::Sysex::parseHeader(parser.value(requestHeader));
+        if (o.requestHeader.isEmpty()) {
+            result.error = QStringLiteral("--request-header \"%1\" is not hex bytes 00-7F")
+                               .arg(parser.value(requestHeader));
             return result;
         }
     }

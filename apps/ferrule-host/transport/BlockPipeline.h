@@ -1,7 +1,5 @@
 #pragma once
 
-#include "MidiOutput.h"
-
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QFile>
@@ -9,6 +7,10 @@
 #include <QTimer>
 
 #include <functional>
+
+namespace ferrule {
+class MidiOutput;
+}
 
 // Where the blocks of a transmission go: each is framed as a system-exclusive message, sent to
 // a MIDI output port and/or appended to a .syx file, and counted. The plug-in's QueueEmpty is
@@ -21,14 +23,15 @@ public:
         QByteArray header; // empty: the default header for the block's model
         int gapMs = 20;
         QString syxFile;
-        QString midiOut;
     };
 
-    explicit BlockPipeline(Options options, QObject* parent = nullptr);
+    // `midi` is an opened output port, or null for none.
+    BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject* parent = nullptr);
 
-    // Opens the .syx file (false with `error` on failure) and the MIDI port (a failure there is
-    // said once on stderr and the host carries on without it).
+    // Opens the .syx file; false with `error` on failure.
     bool open(QString* error);
+    // Whether anything leaves at all: a MIDI port or a .syx file.
+    bool hasOutput() const;
     void setQueueEmpty(std::function<void()> queueEmpty) { queueEmpty_ = std::move(queueEmpty); }
     // Tells whether the editor's transmission still runs, so that its end can be timed.
     void setRunningProbe(std::function<bool()> running) { running_ = std::move(running); }
@@ -43,14 +46,12 @@ public:
     // Milliseconds from the first message to the QueueEmpty that ended the transmission, or -1.
     double elapsedMs() const { return endMs_; }
 
-    static double wireTimeMs(qint64 bytes) { return double(bytes) * 10.0 * 1000.0 / 31250.0; }
-
 private:
     void drained();
     void arm(double atMs);
 
     Options options_;
-    MidiOutput midi_;
+    ferrule::MidiOutput* midi_;
     QFile syx_;
     QTimer timer_;
     QElapsedTimer clock_;

@@ -35,7 +35,8 @@ public:
     float fontSize() const;
     bool fontUnderline() const { return false; }
     bool fontStrikethrough() const { return false; }
-    bool gtUpdate() const { return gtUpdate_; }
+    // False whenever nothing could receive the blocks, so that no transmission starts.
+    bool gtUpdate() const { return gtUpdate_ && (!outputProbe_ || outputProbe_()); }
     int panelColour() const { return panelColour_; }
     void setPanelColour(int colour) { panelColour_ = colour; }
     // A host that refuses the update flag: GTUpdate is false and SetGTUpdate leaves it so.
@@ -49,6 +50,12 @@ public:
 
     // Where MIDISendEx hands each block: address, data bytes, model.
     void setBlockSink(std::function<void(int, const QByteArray&, int)> sink);
+    // Tells whether the blocks would reach anything; without, SetGTUpdate refuses the flag.
+    void setOutputProbe(std::function<bool()> probe) { outputProbe_ = std::move(probe); }
+
+signals:
+    // The plug-in asked for the update flag while nothing could receive the blocks.
+    void transmissionRefused();
 
 private:
     QByteArray image_;
@@ -57,4 +64,5 @@ private:
     bool refuseUpdate_ = false;
     int panelColour_ = 0xCEBEB0; // red in bits 0-7: a light steel blue
     std::function<void(int, const QByteArray&, int)> sink_;
+    std::function<bool()> outputProbe_;
 };

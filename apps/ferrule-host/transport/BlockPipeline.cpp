@@ -1,6 +1,8 @@
 #include "BlockPipeline.h"
 
-#include "SysexFramer.h"
+#include "MidiOutput.h"
+#include "WireTime.h"
+#include "device/SysexCodec.h"
 
 #include <cmath>
 #include <cstdio>
@@ -13,9 +15,13 @@ constexpr int kIdleCallsBeforeStopping = 8;
 constexpr int kFailuresBeforeStopping = 3;
 } // namespace
 
-BlockPipeline::BlockPipeline(Options options, QObject* parent)
+using ferrule::wireTimeMs;
+namespace Sysex = ferrule::Sysex;
+
+BlockPipeline::BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject* parent)
     : QObject(parent)
-    , options_(std::move(options)) {
+    , options_(std::move(options))
+    , midi_(midi) {
     timer_.setSingleShot(true);
     timer_.setTimerType(Qt::PreciseTimer);
     connect(&timer_, &QTimer::timeout, this, &BlockPipeline::drained);
@@ -30,13 +36,11 @@ bool BlockPipeline::open(QString* error) {
             return false;
         }
     }
-    if (!options_.midiOut.isEmpty()) {
-        QString why;
-        if (!midi_.open(options_.midiOut, &why))
-            std::fprintf(stderr, "ferrule-host: %s; carrying on without MIDI output\n",
-                         qPrintable(why));
-    }
     return true;
+}
+
+bool BlockPipeline::hasOutput() const {
+    return (midi_ && midi_->isOpen()) || syx_.isOpen();
 }
 
 void BlockPipeline::arm(double atMs) {
@@ -46,10 +50,10 @@ void BlockPipeline::arm(double atMs) {
 
 void BlockPipeline::send(int address, const QByteArray& data, int model) {
     const QByteArray header =
-        options_.header.isEmpty() ? SysexFramer::defaultHeader(model) : options_.header;
-    const QByteArray message = SysexFramer::frame(header, address, data);
+        options_.header.isEmpty() ? Sysex::defaultHeader(model) : options_.header;
+    const QByteArray message = Sysex::frame(header, address, data);
     QString why;
-    if (midi_.isOpen() && !midi_.send(message, &why))
+    if (midi_ && midi_->isOpen() && !midi_->send(message, &why))
         throw std::runtime_error("MIDISendEx: " + why.toStdString());
     if (syx_.isOpen() && (syx_.write(message) != message.size() || !syx_.flush()))
         throw std::runtime_error("MIDISendEx: the .syx file cannot be written: " +

@@ -18,12 +18,25 @@ struct HostOptions {
     bool transmit = false;
     bool listMidiPorts = false;
     QString syxFile;
+    QString midiApi; // empty: the first compiled API whose MIDI system runs
+    QString midiIn;
     QString midiOut;
     int gapMs = 20;
-    QByteArray sysexHeader; // empty: the default header
+    QByteArray sysexHeader;   // empty: the default header
+    QByteArray requestHeader; // empty: the data-set header with command 11
     bool refuseUpdate = false;
+    QString exportFile;
+    bool receive = false;
+    bool request = false;
+    int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
 
-    bool headless() const { return !screenshot.isEmpty() || describe || transmit; }
+    // The data-set header in use for the model.
+    QByteArray dataSetHeader() const;
+    // Runs that read the device.
+    bool readsDevice() const { return receive || request; }
+    // Runs that open the editor without a display.
+    bool editorHeadless() const { return !screenshot.isEmpty() || describe || transmit; }
+    bool headless() const { return editorHeadless() || !exportFile.isEmpty() || readsDevice(); }
 };
 
 struct ParsedOptions {

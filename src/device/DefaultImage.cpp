@@ -1,12 +1,14 @@
 #include "DefaultImage.h"
 
-namespace {
+#include "ModelMap.h"
 
-constexpr int kImageSize = 43252;
+namespace ferrule {
+
+namespace {
 
 // Harmonist user scales: 29 scales of 12 bytes; every note harmonised a major third up (28).
 void fillScales(QByteArray& image, int base) {
-    for (int i = 0; i < 29 * 12; ++i)
+    for (int i = 0; i < kScaleCount * kScaleLength; ++i)
         image[base + i] = char(28);
 }
 
@@ -15,23 +17,20 @@ void fillScales(QByteArray& image, int base) {
 void fillPhrases(QByteArray& image, int base) {
     static constexpr char run[16] = {24, 28, 31, 36, 31, 28, 24, 19,
                                      50, 50, 50, 50, 50, 50, 50, 50};
-    for (int phrase = 0; phrase < 10; ++phrase)
+    for (int phrase = 0; phrase < kPhraseCount; ++phrase)
         for (int key = 0; key < 12; ++key)
             for (int step = 0; step < 16; ++step)
-                image[base + phrase * 192 + key * 16 + step] = run[step];
+                image[base + phrase * kPhraseLength + key * 16 + step] = run[step];
 }
 
 } // namespace
 
 QByteArray makeDefaultImage() {
     QByteArray image(kImageSize, char(0));
-    fillScales(image, 1048);   // GT-3
-    fillScales(image, 5150);   // GT-5
-    fillScales(image, 8074);   // GT-6
-    fillScales(image, 11511);  // GT-8
-    fillPhrases(image, 1396);  // GT-3
-    fillPhrases(image, 8422);  // GT-6
-    fillPhrases(image, 11859); // GT-8
+    for (int model : kModels) {
+        if (harmonistScaleBase(model) >= 0) fillScales(image, harmonistScaleBase(model));
+        if (autoRiffPhraseBase(model) >= 0) fillPhrases(image, autoRiffPhraseBase(model));
+    }
     // A few system values away from zero so that a first look shows the controls at work: tuner
     // pitch, equaliser levels at their middle, reverb level and LCD contrast.
     const struct {
@@ -50,3 +49,5 @@ QByteArray makeDefaultImage() {
         image[v.index] = char(v.value);
     return image;
 }
+
+} // namespace ferrule

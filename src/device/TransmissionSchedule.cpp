@@ -1,22 +1,20 @@
 #include "TransmissionSchedule.h"
 
-#include "sysdata/SystemImage.h"
-
 #include <array>
 #include <numeric>
 #include <span>
 
 namespace ferrule {
 
-void SplitNibbles(QByteArray& destination, const SystemImage& image, int start, int count) {
+void SplitNibbles(QByteArray& destination, ImageBytes image, int start, int count) {
     for (int i = 0; i < count; ++i) {
-        const int byte = image.at(start + i);
+        const int byte = image[std::size_t(start + i)];
         destination.append(char(byte >> 4));
         destination.append(char(byte & 15));
     }
 }
 
-QByteArray ScheduledMessage::data(const SystemImage& image) const {
+QByteArray ScheduledMessage::data(ImageBytes image) const {
     QByteArray out;
     if (nibbles) {
         out.reserve(2 * length);
@@ -24,7 +22,7 @@ QByteArray ScheduledMessage::data(const SystemImage& image) const {
     } else {
         out.reserve(length);
         for (int i = 0; i < length; ++i)
-            out.append(char(image.at(start + i)));
+            out.append(char(image[std::size_t(start + i)]));
     }
     return out;
 }

@@ -1,7 +1,7 @@
 #include "HeadlessRun.h"
 
-#include "BlockPipeline.h"
 #include "EditorDescription.h"
+#include "transport/BlockPipeline.h"
 
 #include <QApplication>
 #include <QMetaObject>

@@ -44,6 +44,11 @@ void HostObject::MIDISendEx(int address, const QByteArray& data, int model) {
 }
 
 void HostObject::SetGTUpdate(bool flag, int) {
+    if (flag && outputProbe_ && !outputProbe_()) {
+        gtUpdate_ = false;
+        emit transmissionRefused();
+        return;
+    }
     if (!refuseUpdate_) gtUpdate_ = flag;
 }
 

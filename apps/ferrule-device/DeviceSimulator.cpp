@@ -1,0 +1,82 @@
+#include "DeviceSimulator.h"
+
+#include "WireTime.h"
+#include "device/SysexCodec.h"
+
+#include <cstdio>
+
+namespace ferrule {
+
+DeviceSimulator::DeviceSimulator(Options options, QByteArray image, QObject* parent)
+    : QObject(parent)
+    , options_(std::move(options))
+    , assembler_(options_.model, std::move(image))
+    , output_([this](const QByteArray& m, QString* why) { return emitMessage(m, why); }) {
+    connect(&input_, &MidiInput::messageReceived, this, &DeviceSimulator::onMessage);
+}
+
+bool DeviceSimulator::open(MidiApi api, const QString& name, QString* error) {
+    return input_.openVirtual(api, name, name + QStringLiteral(" in"), error) &&
+           midi_.openVirtual(api, name, name + QStringLiteral(" out"), error);
+}
+
+bool DeviceSimulator::emitMessage(const QByteArray& message, QString* why) {
+    QByteArray out = message;
+    if (options_.corruptChecksums) out[out.size() - 2] = char((out[out.size() - 2] + 1) & 0x7F);
+    return midi_.send(out, why);
+}
+
+void DeviceSimulator::send(int linear, QByteArrayView data, qint64 notBeforeNs) {
+    if (options_.stopAfter >= 0 && queued_ >= options_.stopAfter) return;
+    ++queued_;
+    output_.enqueue(Sysex::frame(options_.header, packedAddress(linear), data), notBeforeNs);
+}
+
+void DeviceSimulator::answer(int linear, int units, qint64 notBeforeNs) {
+    // The blocks of the map that the range touches, each cut to the range, and cut again into
+    // chunks when the device is set to chunk differently from the schedule.
+    const auto* bytes = reinterpret_cast<const std::uint8_t*>(image().constData());
+    const ImageBytes imageBytes(bytes, std::size_t(image().size()));
+    const int end = linear + units;
+    for (const DumpMap::Block& b : assembler_.map().blocks()) {
+        if (!b.inImage || b.end() <= linear || b.address >= end) continue;
+        const ScheduledMessage whole{packedAddress(b.address), b.start,
+                                     b.nibbles ? b.units / 2 : b.units, b.nibbles};
+        const QByteArray data = whole.data(imageBytes);
+        const int from = std::max(linear, b.address) - b.address;
+        const int to = std::min(end, b.end()) - b.address;
+        const int step = options_.chunk > 0 ? options_.chunk : to - from;
+        for (int at = from; at < to; at += step)
+            send(b.address + at, QByteArrayView(data).sliced(at, std::min(step, to - at)),
+                 notBeforeNs);
+    }
+}
+
+void DeviceSimulator::sendDump() {
+    for (const DumpMap::Range& r : assembler_.map().mappedRanges())
+        answer(r.address, r.units, 0);
+}
+
+void DeviceSimulator::onMessage(const QByteArray& message) {
+    const Sysex::Message set = Sysex::parse(message, options_.header);
+    if (set.ok()) {
+        if (assembler_.apply(set.address, set.payload).ok())
+            ++taken_;
+        else
+            ++rejected_;
+        return;
+    }
+    if (set.fault == Sysex::Fault::BadChecksum) {
+        ++rejected_;
+        return;
+    }
+    const Sysex::Message request = Sysex::parse(message, options_.requestHeader);
+    if (!request.ok() || Sysex::requestSize(request) <= 0) {
+        ++rejected_;
+        return;
+    }
+    ++requests_;
+    answer(linearAddress(request.address), Sysex::requestSize(request), output_.nowNs());
+}
+
+} // namespace ferrule

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "HostOptions.h"
+#include "MidiApi.h"
+
+#include <optional>
+
+namespace ferrule {
+
+class SystemDocument;
+
+// Exit codes of the host: 2 for bad input, 3 when the MIDI side fails or the device does not
+// deliver (a port that is not there, no MIDI system, an incomplete dump).
+inline constexpr int kExitBadInput = 2;
+inline constexpr int kExitDevice = 3;
+
+// Prints one "ferrule-host: …" line on stderr and returns the code.
+int fail(int code, const QString& line);
+
+// The MIDI API the options name, or the default one; nullopt with `why` when none runs.
+std::optional<MidiApi> chosenMidiApi(const HostOptions& options, QString* why);
+
+// --list-midi-ports: the input and output ports of every compiled API (or the chosen one).
+int runListPorts(const HostOptions& options);
+// --export alone: the document's model as the transmission's messages, at once.
+int runExport(const HostOptions& options, const SystemDocument& document);
+// --receive and --request: read the device into the document and save it to --export and/or
+// --data. Nothing is written unless every mapped byte arrived.
+int runReadDevice(const HostOptions& options, SystemDocument& document);
+
+} // namespace ferrule

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+namespace ferrule {
+
+// The two forms system data is kept in: the raw 43,252-byte image, or a .syx file of the
+// model's data-set messages.
+enum class DataFormat { Raw, Syx };
+
+// The system data a person works on: one model's data inside the whole image, where it came from
+// (a file in one of the two forms, or the embedded default), and whether it has changed since.
+class SystemDocument {
+public:
+    // The embedded default image.
+    SystemDocument(int model, QByteArray header);
+
+    // Reads a file in either form, checked whole before anything is used: a regular file, a raw
+    // image of exactly 43,252 bytes or a .syx whose every message is good for the model. Bytes a
+    // .syx does not carry come from the default image. nullopt and `error` (one line) on failure.
+    static std::optional<SystemDocument> open(const QString& path, int model,
+                                              const QByteArray& header, QString* error);
+    // The form a new file gets from its name: .syx, or raw.
+    static DataFormat formatForName(const QString& path);
+
+    int model() const { return model_; }
+    const QByteArray& header() const { return header_; }
+    const QByteArray& image() const { return image_; }
+    const QString& path() const { return path_; }
+    DataFormat format() const { return format_; }
+    bool modified() const { return modified_; }
+
+    // Takes new image bytes (from the editor or the device); modified when they differ.
+    void setImage(const QByteArray& image);
+    // The file's bytes in a form.
+    QByteArray encode(DataFormat format) const;
+    // Writes the document to its file in its form, atomically; false with the system's reason.
+    bool save(QString* error);
+    // Makes `path` the document's file, in `format`, and saves there.
+    bool saveAs(const QString& path, DataFormat format, QString* error);
+
+private:
+    int model_;
+    QByteArray header_;
+    QByteArray image_;
+    QString path_;
+    DataFormat format_ = DataFormat::Raw;
+    bool modified_ = false;
+};
+
+} // namespace ferrule

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "device/DumpAssembler.h"
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+#include <optional>
+
+namespace ferrule {
+
+class MidiInput;
+class PacedOutput;
+
+// Reads a model's system data from the device: either waits for a dump the user starts on the
+// device (receive), or asks for it range by range (request). Data-set messages of the model go
+// into the image through the dump map; other messages and messages with a bad checksum are
+// counted and never applied. Ends when every mapped byte has arrived, or with an error naming
+// what is missing.
+class DumpReceiver : public QObject {
+    Q_OBJECT
+public:
+    struct Options {
+        int model = 10;
+        QByteArray header;        // data-set header of the model
+        QByteArray requestHeader; // request header (request only)
+        bool request = false;
+        int firstTimeoutMs = 60000;   // receive: silence before the first message
+        int silenceTimeoutMs = 10000; // receive: silence once data flows
+        int retries = 2;              // request: tries after the first, per range
+    };
+
+    DumpReceiver(Options options, QByteArray baseImage, MidiInput& input, PacedOutput* requests,
+                 QObject* parent = nullptr);
+
+    void start();
+
+    const DumpAssembler& assembler() const { return assembler_; }
+    QString error() const { return error_; }
+    int applied() const { return applied_; }
+    int foreign() const { return foreign_; }
+    int badChecksums() const { return badChecksums_; }
+    int rejected() const { return rejected_; }
+    int requestsSent() const { return requestsSent_; }
+    // Milliseconds from the start to the end.
+    double elapsedMs() const { return elapsedMs_; }
+    // Bytes that crossed the wire both ways (requests and the messages taken in).
+    qint64 wireBytes() const { return wireBytes_; }
+
+signals:
+    void progress(int unitsReceived, int unitsExpected);
+    void finished(bool ok);
+
+private:
+    void onMessage(const QByteArray& message);
+    void onTimeout();
+    void sendRequest();
+    bool currentRangeComplete() const;
+    void finish(const QString& error);
+    int expectedAnswerBytes(const DumpMap::Range& range) const;
+
+    Options options_;
+    DumpAssembler assembler_;
+    MidiInput& input_;
+    PacedOutput* requests_;
+    QTimer timer_;
+    QElapsedTimer clock_;
+    std::vector<DumpMap::Range> ranges_;
+    std::size_t rangeIndex_ = 0;
+    int tries_ = 0;
+    bool running_ = false;
+    QString error_;
+    int applied_ = 0, foreign_ = 0, badChecksums_ = 0, rejected_ = 0, requestsSent_ = 0;
+    double elapsedMs_ = 0;
+    qint64 wireBytes_ = 0;
+};
+
+} // namespace ferrule

@@ -1,0 +1,111 @@
+#include "MidiApi.h"
+
+#include "QuietStderr.h"
+
+#include <RtMidi.h>
+#include <jack/jack.h>
+
+#include <memory>
+
+namespace ferrule {
+
+namespace {
+
+RtMidi::Api rtApi(MidiApi api) {
+    return api == MidiApi::Alsa ? RtMidi::LINUX_ALSA : RtMidi::UNIX_JACK;
+}
+
+void silent(const char*) {}
+
+template <typename Port> QStringList portNames(Port& port) {
+    QStringList names;
+    for (unsigned i = 0; i < port.getPortCount(); ++i)
+        names << QString::fromStdString(port.getPortName(i));
+    return names;
+}
+
+} // namespace
+
+QString midiApiName(MidiApi api) {
+    return api == MidiApi::Alsa ? QStringLiteral("alsa") : QStringLiteral("jack");
+}
+
+std::optional<MidiApi> midiApiFromName(const QString& name) {
+    if (name.compare(QLatin1String("alsa"), Qt::CaseInsensitive) == 0) return MidiApi::Alsa;
+    if (name.compare(QLatin1String("jack"), Qt::CaseInsensitive) == 0) return MidiApi::Jack;
+    return std::nullopt;
+}
+
+QList<MidiApi> compiledMidiApis() {
+    std::vector<RtMidi::Api> apis;
+    RtMidi::getCompiledApi(apis);
+    QList<MidiApi> out;
+    for (MidiApi api : {MidiApi::Alsa, MidiApi::Jack})
+        if (std::find(apis.begin(), apis.end(), rtApi(api)) != apis.end()) out << api;
+    return out;
+}
+
+bool midiSystemRuns(MidiApi api, QString* why) {
+    if (api == MidiApi::Jack) {
+        // RtMidi only warns when no JACK server runs; ask JACK itself, quietly.
+        jack_set_error_function(silent);
+        jack_set_info_function(silent);
+        jack_status_t status{};
+        jack_client_t* client = jack_client_open("ferrule-probe", JackNoStartServer, &status);
+        if (!client) {
+            if (why) *why = QStringLiteral("no JACK server runs");
+            return false;
+        }
+        jack_client_close(client);
+        return true;
+    }
+    try {
+        QuietStderr quiet;
+        RtMidiIn probe(RtMidi::LINUX_ALSA, "ferrule-probe");
+        return true;
+    } catch (const RtMidiError&) {
+        if (why) *why = QStringLiteral("no ALSA sequencer (/dev/snd/seq)");
+        return false;
+    }
+}
+
+std::optional<MidiApi> defaultMidiApi(QString* why) {
+    QStringList reasons;
+    for (MidiApi api : compiledMidiApis()) {
+        QString reason;
+        if (midiSystemRuns(api, &reason)) return api;
+        reasons << reason;
+    }
+    if (why)
+        *why =
+            reasons.isEmpty()
+                ? QStringLiteral("RtMidi was built without ALSA and JACK")
+                : QStringLiteral("no MIDI system runs: %1").arg(reasons.join(QStringLiteral(", ")));
+    return std::nullopt;
+}
+
+MidiPortList listMidiPorts(MidiApi api, const QString& clientName) {
+    MidiPortList list;
+    if (!midiSystemRuns(api, &list.error)) return list;
+    try {
+        QuietStderr quiet;
+        RtMidiIn in(rtApi(api), clientName.toStdString());
+        RtMidiOut out(rtApi(api), clientName.toStdString());
+        list.inputs = portNames(in);
+        list.outputs = portNames(out);
+    } catch (const RtMidiError& e) {
+        list.error = QString::fromStdString(e.getMessage());
+    }
+    return list;
+}
+
+int choosePort(const QStringList& ports, const QString& nameOrNumber) {
+    bool isNumber = false;
+    const int number = nameOrNumber.toInt(&isNumber);
+    if (isNumber) return number >= 0 && number < ports.size() ? number : -1;
+    for (int i = 0; i < ports.size(); ++i)
+        if (ports[i].contains(nameOrNumber, Qt::CaseInsensitive)) return i;
+    return -1;
+}
+
+} // namespace ferrule

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "MessageRing.h"
+#include "MidiApi.h"
+
+#include <QByteArray>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class RtMidiIn;
+class QSocketNotifier;
+
+namespace ferrule {
+
+// A MIDI input port through RtMidi, system-exclusive messages included. The MIDI system's thread
+// only copies each message into a lock-free ring and wakes the Qt thread through an eventfd;
+// messageReceived is emitted on the thread that owns this object.
+class MidiInput : public QObject {
+    Q_OBJECT
+public:
+    explicit MidiInput(QObject* parent = nullptr);
+    ~MidiInput() override;
+
+    bool open(MidiApi api, const QString& clientName, const QString& nameOrNumber, QString* error);
+    bool openVirtual(MidiApi api, const QString& clientName, const QString& portName,
+                     QString* error);
+    bool isOpen() const;
+    QString portName() const { return portName_; }
+    // Messages lost because the ring was full.
+    std::size_t dropped() const { return ring_.dropped(); }
+
+signals:
+    void messageReceived(const QByteArray& message);
+
+private:
+    bool create(MidiApi api, const QString& clientName, QString* error);
+    void drain();
+    static void callback(double stamp, std::vector<unsigned char>* message, void* self);
+
+    std::unique_ptr<RtMidiIn> in_;
+    MessageRing ring_;
+    int wakeFd_ = -1;
+    QSocketNotifier* notifier_ = nullptr;
+    QString portName_;
+};
+
+} // namespace ferrule

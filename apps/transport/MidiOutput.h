@@ -1,0 +1,37 @@
+#pragma once
+
+#include "MidiApi.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+
+class RtMidiOut;
+
+namespace ferrule {
+
+// A MIDI output port through RtMidi. Opening says why it failed instead of printing.
+class MidiOutput {
+public:
+    MidiOutput();
+    ~MidiOutput();
+    MidiOutput(const MidiOutput&) = delete;
+    MidiOutput& operator=(const MidiOutput&) = delete;
+
+    // Opens another program's port by number or by part of its name.
+    bool open(MidiApi api, const QString& clientName, const QString& nameOrNumber, QString* error);
+    // Opens a port of our own that other programs connect to.
+    bool openVirtual(MidiApi api, const QString& clientName, const QString& portName,
+                     QString* error);
+    bool isOpen() const;
+    QString portName() const { return portName_; }
+    // Sends one complete message; false with `error` set on failure.
+    bool send(const QByteArray& message, QString* error);
+
+private:
+    std::unique_ptr<RtMidiOut> out_;
+    QString portName_;
+};
+
+} // namespace ferrule
