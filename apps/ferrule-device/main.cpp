@@ -27,8 +27,8 @@ namespace {
 
 int signalPipe[2] = {-1, -1};
 
-void onSignal(int) {
-    const char c = 1;
+void onSignal(int number) {
+    const char c = char(number);
     const ssize_t n = ::write(signalPipe[1], &c, 1);
     static_cast<void>(n);
 }
@@ -102,7 +102,7 @@ int main(int argc, char** argv) {
                                  QStringLiteral("API"));
     const QCommandLineOption dumpAfter(QStringLiteral("dump-after"),
                                        QStringLiteral("Send the whole dump unasked after S "
-                                                      "seconds."),
+                                                      "seconds (SIGUSR1 sends it at once)."),
                                        QStringLiteral("S"));
     const QCommandLineOption chunk(QStringLiteral("chunk"),
                                    QStringLiteral("At most N data bytes a message (default: as "
@@ -150,12 +150,20 @@ int main(int argc, char** argv) {
     DeviceSimulator device(o, image);
     if (!device.open(*chosen, parser.value(name), &error)) return fail(error);
 
-    // SIGTERM and SIGINT end the event loop; the image is saved on the way out.
+    // SIGTERM and SIGINT end the event loop (the image is saved on the way out); SIGUSR1 is the
+    // device's dump button. The handlers only write the signal's number to a socket.
     if (::socketpair(AF_UNIX, SOCK_STREAM, 0, signalPipe) != 0) return fail("no socketpair");
     QSocketNotifier signalNotifier(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&signalNotifier, &QSocketNotifier::activated, &app, &QCoreApplication::quit);
+    QObject::connect(&signalNotifier, &QSocketNotifier::activated, &app, [&device] {
+        char number = 0;
+        if (::read(signalPipe[0], &number, 1) == 1 && number == SIGUSR1)
+            device.sendDump();
+        else
+            QCoreApplication::quit();
+    });
     std::signal(SIGTERM, onSignal);
     std::signal(SIGINT, onSignal);
+    std::signal(SIGUSR1, onSignal);
 
     if (parser.isSet(dumpAfter))
         QTimer::singleShot(int(parser.value(dumpAfter).toDouble() * 1000), &device,

@@ -15,10 +15,40 @@ struct HostRun {
     }
 };
 
-inline HostRun runHost(const QStringList& args, const QString& settingsRoot,
-                       int timeoutMs = 60000) {
+// Starts ferrule-host, waits until its stderr shows `cue`, calls `atCue`, then lets it finish.
+template <typename AtCue>
+inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRoot,
+                              const QProcessEnvironment& extra, const QByteArray& cue, AtCue atCue,
+                              int timeoutMs = 60000) {
     QProcess p;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(extra);
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
+    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
+    p.setProcessEnvironment(env);
+    p.start(QStringLiteral(FERRULE_HOST_BINARY), args);
+    p.setReadChannel(QProcess::StandardError);
+    HostRun r;
+    while (!r.err.contains(cue) && p.waitForReadyRead(timeoutMs))
+        r.err += p.readAllStandardError();
+    if (r.err.contains(cue)) atCue();
+    if (!p.waitForFinished(timeoutMs)) {
+        p.kill();
+        p.waitForFinished();
+        return r;
+    }
+    r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err += p.readAllStandardError();
+    return r;
+}
+
+inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000,
+                       const QProcessEnvironment& extra = QProcessEnvironment()) {
+    QProcess p;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(extra);
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);

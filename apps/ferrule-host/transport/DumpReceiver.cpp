@@ -5,6 +5,8 @@
 #include "WireTime.h"
 #include "device/SysexCodec.h"
 
+#include <QStringList>
+
 #include <cmath>
 
 namespace ferrule {

@@ -1,0 +1,196 @@
+// ferrule-host against ferrule-device over a real MIDI system (a JACK server on the dummy
+// driver): requests, transmissions and dumps of every model, and the failures a user meets.
+
+#include "HostProcess.h"
+#include "JackServer.h"
+#include "QtPrinters.h"
+#include "device/DefaultImage.h"
+#include "device/DumpMap.h"
+#include "device/ModelMap.h"
+#include "device/SysexCodec.h"
+#include "device/SyxFile.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <random>
+
+using namespace ferrule;
+
+namespace {
+
+QByteArray randomImage(unsigned seed) {
+    std::mt19937 random(seed);
+    QByteArray image(kImageSize, 0);
+    for (auto& b : image)
+        b = char(random() & 0x7F);
+    return image;
+}
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+}
+
+QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// The image a file holds: raw as it is, a .syx read over the default image.
+QByteArray imageOf(const QString& path, int model) {
+    const QByteArray bytes = readFile(path);
+    if (!SyxFile::looksLikeSyx(bytes)) return bytes;
+    const SyxFile::Loaded l =
+        SyxFile::read(bytes, model, Sysex::defaultHeader(model), makeDefaultImage());
+    EXPECT_TRUE(l.error.isEmpty()) << qPrintable(l.error);
+    return l.image;
+}
+
+// How many of the model's mapped bytes differ between two images.
+int mappedDifferences(const QByteArray& a, const QByteArray& b, int model) {
+    int differences = 0;
+    for (const DumpMap::Block& block : DumpMap::of(model).blocks()) {
+        if (!block.inImage) continue;
+        const int length = block.nibbles ? block.units / 2 : block.units;
+        for (int i = block.start; i < block.start + length; ++i)
+            differences += a[i] != b[i];
+    }
+    return differences;
+}
+
+class DeviceRoundTrip : public ::testing::TestWithParam<int> {};
+
+} // namespace
+
+TEST_P(DeviceRoundTrip, RequestGetsTheDevicesDataAndTransmitPutsTheHostsThere) {
+    const int model = GetParam();
+    JackServer jack;
+    ASSERT_TRUE(jack.running()) << qPrintable(jack.log());
+    QTemporaryDir dir;
+    const QString deviceData = dir.filePath(QStringLiteral("device.bin"));
+    const QString deviceSaved = dir.filePath(QStringLiteral("device-saved.bin"));
+    const QByteArray deviceImage = randomImage(unsigned(model));
+    writeFile(deviceData, deviceImage);
+    DeviceProcess device(jack, {QStringLiteral("--model"), QString::number(model),
+                                QStringLiteral("--data"), deviceData, QStringLiteral("--save"),
+                                deviceSaved});
+    ASSERT_TRUE(device.ready()) << device.output().constData();
+    const QString port = QStringLiteral("ferrule-device");
+
+    // Request: the exported file holds the device's data on every mapped byte.
+    const QString exported = dir.filePath(QStringLiteral("backup.syx"));
+    HostRun r = runHost({QStringLiteral("--model"), QString::number(model),
+                         QStringLiteral("--request"), QStringLiteral("--midi-in"), port,
+                         QStringLiteral("--midi-out"), port, QStringLiteral("--export"), exported},
+                        dir.path(), 120000, jack.env());
+    ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+    EXPECT_TRUE(r.out.startsWith("received GT-")) << r.out.constData();
+    EXPECT_EQ(mappedDifferences(imageOf(exported, model), deviceImage, model), 0);
+
+    // Transmit: the host's data (another image) lands in the device.
+    const QString hostData = dir.filePath(QStringLiteral("host.bin"));
+    const QByteArray hostImage = randomImage(unsigned(100 + model));
+    writeFile(hostData, hostImage);
+    r = runHost({QStringLiteral("--model"), QString::number(model), QStringLiteral("--data"),
+                 hostData, QStringLiteral("--transmit"), QStringLiteral("--gap"),
+                 QStringLiteral("0"), QStringLiteral("--midi-out"), port},
+                dir.path(), 120000, jack.env());
+    ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+    EXPECT_EQ(device.stop(), 0) << device.output().constData();
+    EXPECT_TRUE(device.output().contains("rejected 0")) << device.output().constData();
+    EXPECT_EQ(mappedDifferences(readFile(deviceSaved), hostImage, model), 0);
+    // And only the mapped bytes: the rest of the device's image is as it was.
+    EXPECT_EQ(readFile(deviceSaved).left(modelStretch(model).start),
+              deviceImage.left(modelStretch(model).start));
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryModel, DeviceRoundTrip, ::testing::Values(3, 5, 6, 8, 10),
+                         [](const auto& info) { return "GT" + std::to_string(info.param); });
+
+TEST(DeviceRead, ADumpStartedOnTheDeviceIsReceivedInAnyChunkingAndFailuresWriteNothing) {
+    JackServer jack;
+    ASSERT_TRUE(jack.running()) << qPrintable(jack.log());
+    QTemporaryDir dir;
+    const QString port = QStringLiteral("ferrule-device");
+    const QString deviceData = dir.filePath(QStringLiteral("device.bin"));
+    const QByteArray deviceImage = randomImage(6);
+    writeFile(deviceData, deviceImage);
+    const QStringList gt6 = {QStringLiteral("--model"), QStringLiteral("6")};
+
+    // A dump sent unasked, in 5-byte messages: --receive takes it into an existing .syx.
+    const QString target = dir.filePath(QStringLiteral("gt6.syx"));
+    writeFile(target,
+              SyxFile::write({reinterpret_cast<const std::uint8_t*>(makeDefaultImage().constData()),
+                              std::size_t(kImageSize)},
+                             6, Sysex::defaultHeader(6)));
+    {
+        DeviceProcess device(jack,
+                             gt6 + QStringList{QStringLiteral("--data"), deviceData,
+                                               QStringLiteral("--chunk"), QStringLiteral("5")});
+        ASSERT_TRUE(device.ready());
+        const HostRun r = runHostWithCue(
+            gt6 + QStringList{QStringLiteral("--receive"), QStringLiteral("--midi-in"), port,
+                              QStringLiteral("--data"), target},
+            dir.path(), jack.env(), "waiting for", [&] { device.sendDump(); });
+        ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+        EXPECT_TRUE(SyxFile::looksLikeSyx(readFile(target))) << "kept in its own form";
+        EXPECT_EQ(mappedDifferences(imageOf(target, 6), deviceImage, 6), 0);
+    }
+
+    // A device that stops half way: exit 3 naming what is missing, the file untouched.
+    const QByteArray before = readFile(target);
+    {
+        DeviceProcess device(
+            jack, gt6 + QStringList{QStringLiteral("--stop-after"), QStringLiteral("40")});
+        ASSERT_TRUE(device.ready());
+        const HostRun r = runHostWithCue(
+            gt6 + QStringList{QStringLiteral("--receive"), QStringLiteral("--midi-in"), port,
+                              QStringLiteral("--timeout"), QStringLiteral("1"),
+                              QStringLiteral("--data"), target},
+            dir.path(), jack.env(), "waiting for", [&] { device.sendDump(); });
+        EXPECT_EQ(r.exitCode, 3);
+        ASSERT_FALSE(r.errLines().isEmpty());
+        EXPECT_TRUE(r.errLines().last().contains("the dump stopped after")) << r.err.constData();
+        EXPECT_TRUE(r.errLines().last().contains("missing 02 ")) << r.err.constData();
+        EXPECT_EQ(readFile(target), before);
+    }
+
+    // A device whose every answer has a bad checksum: exit 3, nothing written.
+    {
+        DeviceProcess device(jack, gt6 + QStringList{QStringLiteral("--bad-checksums")});
+        ASSERT_TRUE(device.ready());
+        const QString out = dir.filePath(QStringLiteral("never.syx"));
+        const HostRun r = runHost(
+            gt6 + QStringList{QStringLiteral("--request"), QStringLiteral("--midi-in"), port,
+                              QStringLiteral("--midi-out"), port, QStringLiteral("--export"), out},
+            dir.path(), 60000, jack.env());
+        EXPECT_EQ(r.exitCode, 3);
+        EXPECT_TRUE(r.errLines().last().contains("with a bad checksum")) << r.err.constData();
+        EXPECT_FALSE(QFile::exists(out));
+    }
+
+    // Ports that are not there, and a MIDI system that does not run: exit 3, one line, and
+    // never a claim of messages sent.
+    const HostRun noPort =
+        runHost(gt6 + QStringList{QStringLiteral("--receive"), QStringLiteral("--midi-in"),
+                                  QStringLiteral("no-such-port"), QStringLiteral("--export"),
+                                  dir.filePath(QStringLiteral("x.syx"))},
+                dir.path(), 30000, jack.env());
+    EXPECT_EQ(noPort.exitCode, 3);
+    EXPECT_EQ(noPort.errLines().filter(QStringLiteral("ferrule-host:")),
+              QStringList{QStringLiteral(
+                  "ferrule-host: no JACK MIDI input port \"no-such-port\" (0 port(s); see "
+                  "--list-midi-ports)")});
+    QProcessEnvironment noServer = jack.env();
+    noServer.insert(QStringLiteral("JACK_DEFAULT_SERVER"), QStringLiteral("ferrule-none"));
+    const HostRun noMidi =
+        runHost(gt6 + QStringList{QStringLiteral("--transmit"), QStringLiteral("--midi-api"),
+                                  QStringLiteral("jack"), QStringLiteral("--midi-out"), port},
+                dir.path(), 30000, noServer);
+    EXPECT_EQ(noMidi.exitCode, 3);
+    EXPECT_TRUE(noMidi.err.contains("ferrule-host: no JACK server runs")) << noMidi.err.constData();
+    EXPECT_FALSE(noMidi.out.contains("sent"));
+}

@@ -1,0 +1,120 @@
+#pragma once
+
+// A JACK server of the test's own on the dummy driver (no sound card needed), under a name no
+// other test uses, and ferrule-device processes on it. Programs started with env() talk to it.
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+class JackServer {
+public:
+    JackServer() {
+        name_ = QStringLiteral("ferrule-test-%1-%2")
+                    .arg(QCoreApplication::applicationPid())
+                    .arg(++counter());
+        env_.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name_);
+        env_.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
+        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+        all.insert(env_);
+        jackd_.setProcessEnvironment(all);
+        jackd_.setProcessChannelMode(QProcess::MergedChannels);
+        // Two servers starting at the same moment can trip over JACK's shared registry; the
+        // one that loses starts again a moment later.
+        for (int attempt = 0; attempt < 4 && !running_; ++attempt) {
+            if (attempt > 0) QThread::msleep(300 * attempt);
+            start(all);
+        }
+    }
+    ~JackServer() {
+        jackd_.terminate();
+        if (!jackd_.waitForFinished(5000)) jackd_.kill();
+        jackd_.waitForFinished(2000);
+    }
+    JackServer(const JackServer&) = delete;
+    JackServer& operator=(const JackServer&) = delete;
+
+    bool running() const { return running_; }
+    QString log() const { return log_; }
+    const QProcessEnvironment& env() const { return env_; }
+
+private:
+    void start(const QProcessEnvironment& all) {
+        // Synchronous mode with a long client timeout: on a loaded test machine a late client
+        // makes the cycle late instead of losing that cycle's MIDI events.
+        jackd_.start(QStringLiteral("jackd"),
+                     {QStringLiteral("-n"), name_, QStringLiteral("--no-realtime"),
+                      QStringLiteral("--sync"), QStringLiteral("--timeout"), QStringLiteral("5000"),
+                      QStringLiteral("-d"), QStringLiteral("dummy"), QStringLiteral("-r"),
+                      QStringLiteral("48000"), QStringLiteral("-p"), QStringLiteral("256")});
+        if (!jackd_.waitForStarted(5000)) {
+            log_ += QStringLiteral("jackd did not start: ") + jackd_.errorString();
+            return;
+        }
+        QProcess wait;
+        wait.setProcessEnvironment(all);
+        wait.start(QStringLiteral("jack_wait"),
+                   {QStringLiteral("-w"), QStringLiteral("-t"), QStringLiteral("10")});
+        running_ = wait.waitForFinished(15000) && wait.exitCode() == 0 &&
+                   jackd_.state() == QProcess::Running;
+        if (!running_) {
+            jackd_.terminate();
+            jackd_.waitForFinished(3000);
+            log_ += QString::fromLocal8Bit(jackd_.readAll());
+        }
+    }
+    static int& counter() {
+        static int n = 0;
+        return n;
+    }
+    QString name_;
+    QProcessEnvironment env_;
+    QProcess jackd_;
+    bool running_ = false;
+    QString log_;
+};
+
+// A running ferrule-device; stop() ends it with SIGTERM so that it saves its image.
+class DeviceProcess {
+public:
+    DeviceProcess(const JackServer& jack, const QStringList& args) {
+        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+        all.insert(jack.env());
+        device_.setProcessEnvironment(all);
+        device_.start(QStringLiteral(FERRULE_DEVICE_BINARY), args);
+        while (device_.waitForReadyRead(10000)) {
+            out_ += device_.readAllStandardOutput();
+            if (out_.contains("ready")) {
+                ready_ = true;
+                break;
+            }
+        }
+    }
+    ~DeviceProcess() { stop(); }
+    bool ready() const { return ready_; }
+    // Presses the device's dump button.
+    void sendDump() { ::kill(pid_t(device_.processId()), SIGUSR1); }
+    // Ends the device; its exit code, and what it printed.
+    int stop() {
+        if (device_.state() != QProcess::NotRunning) {
+            device_.terminate();
+            if (!device_.waitForFinished(10000)) device_.kill();
+        }
+        out_ += device_.readAllStandardOutput();
+        err_ += device_.readAllStandardError();
+        return device_.exitStatus() == QProcess::NormalExit ? device_.exitCode() : -1;
+    }
+    QByteArray output() const { return out_ + err_; }
+
+private:
+    QProcess device_;
+    QByteArray out_, err_;
+    bool ready_ = false;
+};
