@@ -4,6 +4,7 @@
 #include "device/SysexCodec.h"
 
 #include <cstdio>
+#include <ctime>
 
 namespace ferrule {
 
@@ -13,6 +14,15 @@ DeviceSimulator::DeviceSimulator(Options options, QByteArray image, QObject* par
     , assembler_(options_.model, std::move(image))
     , output_([this](const QByteArray& m, QString* why) { return emitMessage(m, why); }) {
     connect(&input_, &MidiInput::messageReceived, this, &DeviceSimulator::onMessage);
+    // When a burst is out, say when its last message left (wall clock), so a benchmark can time
+    // the receiver's end against it.
+    connect(&output_, &PacedOutput::drained, this, [] {
+        timespec now{};
+        clock_gettime(CLOCK_REALTIME, &now);
+        std::printf("ferrule-device: last message left at %lld ns\n",
+                    static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec);
+        std::fflush(stdout);
+    });
 }
 
 bool DeviceSimulator::open(MidiApi api, const QString& name, QString* error) {

@@ -137,6 +137,12 @@ TEST(Transmit, ARefusedUpdateSendsNothingAndABadSyxPathIsBadInput) {
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_EQ(f.size(), 0);
 
+    // With nowhere for the messages to go, nothing pretends to send.
+    r = runHost({QStringLiteral("--transmit")}, dir.path());
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_TRUE(r.err.contains("nothing would leave")) << r.err.constData();
+    EXPECT_FALSE(r.out.contains("sent"));
+
     r = runHost({QStringLiteral("--transmit"), QStringLiteral("--syx"),
                  dir.filePath(QStringLiteral("no/such/dir/x.syx"))},
                 dir.path());

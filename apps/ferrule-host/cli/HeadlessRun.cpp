@@ -78,9 +78,12 @@ void HeadlessRun::transmit(QWidget* editor) {
     auto running = [editor] { return editor->property("transmissionStep").toInt() != 0; };
     if (!running()) {
         const QString error = editor->property("lastError").toString();
-        std::fprintf(stderr, "ferrule-host: the transmission did not start%s\n",
-                     error.isEmpty() ? " (the update was refused)"
-                                     : qPrintable(QStringLiteral(": ") + error));
+        const QString why = !error.isEmpty() ? QStringLiteral(": ") + error
+                            : !pipeline_.hasOutput()
+                                ? QStringLiteral(": nothing would leave; give --midi-out "
+                                                 "PORT or --syx FILE")
+                                : QStringLiteral(" (the update was refused)");
+        std::fprintf(stderr, "ferrule-host: the transmission did not start%s\n", qPrintable(why));
         status_ = 1;
         close(editor);
         return;
