@@ -1,11 +1,12 @@
 #include "SettingsStore.h"
 
+#include "IniFile.h"
+#include "io/AtomicFile.h"
+
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QSaveFile>
-#include <QSettings>
 #include <QStandardPaths>
 
 namespace ferrule {
@@ -54,6 +55,14 @@ bool fail(QVariant& result) {
     return false;
 }
 
+// The key's file, read whole; nullopt when it is not a readable regular file.
+std::optional<QByteArray> readKey(const QString& file) {
+    if (!QFileInfo(file).isFile()) return std::nullopt;
+    QFile in(file);
+    if (!in.open(QIODevice::ReadOnly)) return std::nullopt;
+    return in.readAll();
+}
+
 QString dropTerminator(QString s) {
     if (s.endsWith(QChar(0))) s.chop(1);
     return s;
@@ -69,11 +78,11 @@ QString settingsFileFor(RegRoot root, const QString& key) {
 }
 
 bool RegRead(RegRoot root, const QString& key, const QString& valueName, QVariant& result) {
-    const QString file = settingsFileFor(root, key);
-    if (!QFileInfo(file).isFile()) return fail(result);
-    QSettings store(file, QSettings::IniFormat);
-    if (store.status() != QSettings::NoError || !store.contains(valueName)) return fail(result);
-    const QString raw = store.value(valueName).toString();
+    const std::optional<QByteArray> bytes = readKey(settingsFileFor(root, key));
+    if (!bytes) return fail(result);
+    const std::optional<QString> stored = IniFile(*bytes).value(valueName);
+    if (!stored) return fail(result);
+    const QString& raw = *stored;
     if (raw.startsWith(kDword)) {
         bool ok = false;
         const qlonglong v = raw.mid(kDword.size()).toLongLong(&ok);
@@ -93,7 +102,18 @@ bool RegRead(RegRoot root, const QString& key, const QString& valueName, QVarian
         result = expanded;
         return true;
     }
-    return fail(result);
+    // A value a person typed without its type: a number where a number is expected, otherwise
+    // the text as it stands.
+    if (raw.isEmpty()) return fail(result);
+    if (result.typeId() != QMetaType::QString) {
+        bool ok = false;
+        const int v = raw.toInt(&ok);
+        if (!ok) return fail(result);
+        result = v;
+        return true;
+    }
+    result = raw;
+    return true;
 }
 
 bool RegWrite(RegRoot root, const QString& key, const QString& valueName, const QVariant& value,
@@ -116,20 +136,19 @@ bool RegWrite(RegRoot root, const QString& key, const QString& valueName, const 
     default:
         return false;
     }
-    QSettings store(file, QSettings::IniFormat);
-    store.setValue(valueName, stored);
-    store.sync();
-    return store.status() == QSettings::NoError;
+    // Only the value's own line changes, and the file is written only when it does.
+    const std::optional<QByteArray> bytes = readKey(file);
+    if (!bytes) return false;
+    IniFile ini(*bytes);
+    if (!ini.setValue(valueName, stored)) return true;
+    return AtomicFile::write(file, ini.bytes(), nullptr);
 }
 
 bool RegCreateKey(RegRoot root, const QString& key) {
     const QString file = settingsFileFor(root, key);
     if (QFileInfo(file).isFile()) return true;
     if (!QDir().mkpath(QFileInfo(file).absolutePath())) return false;
-    QSaveFile out(file);
-    if (!out.open(QIODevice::WriteOnly)) return false;
-    out.write("; Tonebench settings\n");
-    return out.commit();
+    return AtomicFile::write(file, "; Tonebench settings\n", nullptr);
 }
 
 } // namespace ferrule

@@ -5,7 +5,7 @@
 #include "PacedOutput.h"
 #include "WireTime.h"
 #include "device/SysexCodec.h"
-#include "document/AtomicFile.h"
+#include "io/AtomicFile.h"
 #include "document/SystemDocument.h"
 #include "transport/DumpReceiver.h"
 

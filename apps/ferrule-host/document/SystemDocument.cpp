@@ -1,6 +1,6 @@
 #include "SystemDocument.h"
 
-#include "AtomicFile.h"
+#include "io/AtomicFile.h"
 #include "device/DefaultImage.h"
 #include "device/ModelMap.h"
 #include "device/SyxFile.h"
