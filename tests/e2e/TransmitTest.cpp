@@ -3,7 +3,10 @@
 
 #include "HostProcess.h"
 #include "ScheduleDescription.h"
+#include "SmallDisk.h"
+#include "device/SyxFile.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -156,4 +159,34 @@ TEST(Transmit, ARefusedUpdateSendsNothingAndABadSyxPathIsBadInput) {
         {QStringLiteral("--sysex-header"), QStringLiteral("F0"), QStringLiteral("--transmit")},
         dir.path());
     EXPECT_EQ(r.exitCode, 2);
+}
+
+TEST(Transmit, AnOutputThatFailsMidWayEndsTheTransmissionWithAnHonestCount) {
+    SmallDisk disk(8);
+    if (!disk.available()) GTEST_SKIP() << "cannot mount a tmpfs here";
+    QTemporaryDir dir;
+    const QString syx = disk.path(QStringLiteral("out.syx"));
+    QElapsedTimer clock;
+    clock.start();
+    const HostRun r =
+        runHost({QStringLiteral("--model"), QStringLiteral("10"), QStringLiteral("--transmit"),
+                 QStringLiteral("--gap"), QStringLiteral("0"), QStringLiteral("--syx"), syx},
+                dir.path(), 30000);
+    // A whole GT-10 transmission has 8 s of wire time; the failure ends it well before.
+    EXPECT_LT(clock.elapsed(), 6000);
+    EXPECT_EQ(r.exitCode, 1);
+    ASSERT_EQ(r.errLines().filter(QStringLiteral("ferrule-host:")).size(), 1) << r.err.constData();
+    const QString line = r.errLines().filter(QStringLiteral("ferrule-host:")).first();
+    EXPECT_TRUE(line.contains("No space left on device")) << qPrintable(line);
+    EXPECT_FALSE(r.out.contains("sent")) << "no claim of a complete transmission";
+    // The count is honest: the file holds exactly that many whole messages.
+    QFile f(syx);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray written = f.readAll();
+    const ferrule::SyxFile::Split pieces = ferrule::SyxFile::split(written);
+    EXPECT_TRUE(pieces.error.isEmpty()) << qPrintable(pieces.error);
+    EXPECT_TRUE(line.contains(QStringLiteral("sent %1 messages (%2 bytes)")
+                                  .arg(pieces.messages.size())
+                                  .arg(written.size())))
+        << qPrintable(line);
 }

@@ -2,9 +2,9 @@
 #include "EditorSession.h"
 #include "ScheduleDescription.h"
 #include "TestHost.h"
+#include "device/TransmissionSchedule.h"
 #include "editor/ImageButton.h"
 #include "host/SettingsStore.h"
-#include "device/TransmissionSchedule.h"
 #include "sysdata/ModuleState.h"
 
 #include <QAbstractButton>

@@ -5,8 +5,8 @@
 #include "PacedOutput.h"
 #include "WireTime.h"
 #include "device/SysexCodec.h"
-#include "io/AtomicFile.h"
 #include "document/SystemDocument.h"
+#include "io/AtomicFile.h"
 #include "transport/DumpReceiver.h"
 
 #include <QCoreApplication>

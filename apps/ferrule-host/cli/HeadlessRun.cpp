@@ -1,6 +1,7 @@
 #include "HeadlessRun.h"
 
 #include "EditorDescription.h"
+#include "plugin/EditorWindow.h"
 #include "transport/BlockPipeline.h"
 
 #include <QApplication>
@@ -12,23 +13,19 @@
 
 #include <cstdio>
 
-HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline)
+HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
+                         ferrule::PlugInInterface* plugIn)
     : options_(options)
-    , pipeline_(pipeline) {}
+    , pipeline_(pipeline)
+    , plugIn_(plugIn) {}
 
 void HeadlessRun::arm() {
     if (options_.page < 0 && !options_.headless()) return;
     QTimer::singleShot(0, this, &HeadlessRun::run);
 }
 
-QWidget* HeadlessRun::findEditor() {
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->objectName() == QLatin1String("SysForm") && w->isVisible()) return w;
-    return nullptr;
-}
-
 void HeadlessRun::run() {
-    QWidget* editor = findEditor();
+    QWidget* editor = ferrule::findEditorWindow();
     if (!editor) {
         std::fprintf(stderr, "ferrule-host: the editor window did not open\n");
         status_ = 1;
@@ -89,6 +86,8 @@ void HeadlessRun::transmit(QWidget* editor) {
         return;
     }
     pipeline_.setRunningProbe(running);
+    // An output that fails ends the transmission at once.
+    connect(&pipeline_, &BlockPipeline::outputFailed, this, &HeadlessRun::outputFailed);
     // The editor says when the transmission has ended.
     connect(editor, SIGNAL(transmissionStopped()), this, SLOT(transmissionStopped()),
             Qt::SingleShotConnection);
@@ -100,7 +99,19 @@ void HeadlessRun::transmissionStopped() {
     QTimer::singleShot(0, this, &HeadlessRun::reportTransmission);
 }
 
+void HeadlessRun::outputFailed() {
+    // Stopping makes the editor say the transmission ended; the report follows from there.
+    ferrule::stopEditorTransmission(editor_, plugIn_);
+}
+
 void HeadlessRun::reportTransmission() {
+    if (pipeline_.failed()) {
+        std::fprintf(stderr, "ferrule-host: the transmission stopped: %s; sent %s\n",
+                     qPrintable(pipeline_.failure()), qPrintable(pipeline_.deliveryReport()));
+        status_ = 1;
+        close(editor_);
+        return;
+    }
     const double expected = pipeline_.wireMs() + pipeline_.gapsMs();
     std::printf("sent %d messages, %lld bytes\n", pipeline_.messages(),
                 static_cast<long long>(pipeline_.bytes()));

@@ -1,9 +1,9 @@
 #include "SystemDocument.h"
 
-#include "io/AtomicFile.h"
 #include "device/DefaultImage.h"
 #include "device/ModelMap.h"
 #include "device/SyxFile.h"
+#include "io/AtomicFile.h"
 
 #include <QFile>
 #include <QFileInfo>

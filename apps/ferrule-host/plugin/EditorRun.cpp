@@ -1,18 +1,23 @@
 #include "EditorRun.h"
 
+#include "EditorWindow.h"
 #include "HostObject.h"
 #include "MidiOutput.h"
 #include "PlugInLocator.h"
 #include "cli/DeviceRuns.h"
 #include "cli/HeadlessRun.h"
+#include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "host/PlugInInterface.h"
 #include "host/SettingsStore.h"
+#include "io/AtomicFile.h"
 #include "transport/BlockPipeline.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QPluginLoader>
+#include <QPushButton>
 #include <QScreen>
 #include <QWidget>
 
@@ -20,6 +25,33 @@
 #include <exception>
 
 namespace ferrule {
+
+namespace {
+
+// The question after a failed save, in a message box: Retry, Save As… (a file dialog) or
+// Discard. The edits stay in the document until the user chooses.
+SaveChoice askInWindow(const QString& error) {
+    QMessageBox box(QMessageBox::Warning, QStringLiteral("Tonebench"),
+                    QStringLiteral("The system data could not be saved.\n%1\n\nYour changes are "
+                                   "kept until you choose.")
+                        .arg(error));
+    QPushButton* retry = box.addButton(QStringLiteral("Retry"), QMessageBox::AcceptRole);
+    QPushButton* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::ActionRole);
+    box.addButton(QStringLiteral("Discard"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(retry);
+    box.exec();
+    if (box.clickedButton() == retry) return {SaveChoice::Retry, {}};
+    if (box.clickedButton() == saveAs) {
+        const QString path = QFileDialog::getSaveFileName(
+            nullptr, QStringLiteral("Save system data as"), QString(),
+            QStringLiteral("System exclusive (*.syx);;Raw system data (*)"));
+        if (!path.isEmpty()) return {SaveChoice::SaveAs, path};
+        return {SaveChoice::Retry, {}};
+    }
+    return {SaveChoice::Discard, {}};
+}
+
+} // namespace
 
 int runEditor(const HostOptions& options, SystemDocument& document) {
     const LocatedPlugIn located =
@@ -49,6 +81,14 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
         if (!pipeline.open(&why)) return fail(kExitBadInput, why);
     }
 
+    // A file that cannot be saved is said at once; OK will still offer Retry or Save As.
+    if (!document.path().isEmpty() && !options.headless()) {
+        QString why;
+        if (!AtomicFile::writable(document.path(), &why))
+            std::fprintf(stderr, "ferrule-host: warning: %s; changes can only be saved elsewhere\n",
+                         qPrintable(why));
+    }
+
     // Every input has passed: the settings key may be created now.
     RegCreateKey(RegRoot::LocalMachine, kEditorKey);
 
@@ -72,7 +112,18 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
                             QMessageBox::Ok, QApplication::activeModalWidget());
             box.exec();
         });
-    HeadlessRun headlessRun(options, pipeline);
+    if (!options.editorHeadless())
+        QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
+                         [&pipeline, plugIn](const QString& why) {
+                             stopEditorTransmission(findEditorWindow(), plugIn);
+                             QMessageBox box(
+                                 QMessageBox::Warning, QStringLiteral("Tonebench"),
+                                 QStringLiteral("The transmission stopped: %1.\nSent %2.")
+                                     .arg(why, pipeline.deliveryReport()),
+                                 QMessageBox::Ok, QApplication::activeModalWidget());
+                             box.exec();
+                         });
+    HeadlessRun headlessRun(options, pipeline, plugIn);
     int status = 0;
     try {
         plugIn->Interface(&host);
@@ -94,7 +145,11 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     if (host.changed()) document.setImage(host.image());
     if (!document.path().isEmpty() && document.modified()) {
         QString why;
-        if (!document.save(&why)) return fail(1, QStringLiteral("data file ") + why);
+        const AskAfterFailedSave ask =
+            options.headless() ? AskAfterFailedSave() : AskAfterFailedSave(askInWindow);
+        if (!saveWithRecovery(document, ask, &why))
+            return fail(1,
+                        QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));
     }
     return status;
 }

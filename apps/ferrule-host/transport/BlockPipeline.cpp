@@ -4,11 +4,33 @@
 #include "WireTime.h"
 #include "device/SysexCodec.h"
 
+#include <QStringList>
+
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <stdexcept>
+#include <unistd.h>
 
 namespace {
+
+// Writes all of `bytes`; 0, or the errno of the failure.
+int writeAll(int fd, const QByteArray& bytes) {
+    const char* p = bytes.constData();
+    qsizetype left = bytes.size();
+    while (left > 0) {
+        const ssize_t n = ::write(fd, p, std::size_t(left));
+        if (n < 0) {
+            if (errno == EINTR) continue;
+            return errno;
+        }
+        p += n;
+        left -= n;
+    }
+    return 0;
+}
+
 // A QueueEmpty that sends nothing may be a step whose blocks lie past the image; the host keeps
 // calling for a few gaps before it takes the transmission as finished.
 constexpr int kIdleCallsBeforeStopping = 8;
@@ -30,7 +52,7 @@ BlockPipeline::BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject
 bool BlockPipeline::open(QString* error) {
     if (!options_.syxFile.isEmpty()) {
         syx_.setFileName(options_.syxFile);
-        if (!syx_.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        if (!syx_.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Unbuffered)) {
             *error = QStringLiteral("the .syx file \"%1\" cannot be written: %2")
                          .arg(options_.syxFile, syx_.errorString());
             return false;
@@ -52,12 +74,30 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     const QByteArray header =
         options_.header.isEmpty() ? Sysex::defaultHeader(model) : options_.header;
     const QByteArray message = Sysex::frame(header, address, data);
+    if (failed()) throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
     QString why;
-    if (midi_ && midi_->isOpen() && !midi_->send(message, &why))
-        throw std::runtime_error("MIDISendEx: " + why.toStdString());
-    if (syx_.isOpen() && (syx_.write(message) != message.size() || !syx_.flush()))
-        throw std::runtime_error("MIDISendEx: the .syx file cannot be written: " +
-                                 syx_.errorString().toStdString());
+    if (midi_ && midi_->isOpen()) {
+        if (!midi_->send(message, &why)) {
+            fail(QStringLiteral("MIDI output port %1: %2").arg(midi_->portName(), why));
+            throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
+        }
+        ++midiMessages_;
+        midiBytes_ += message.size();
+    }
+    if (syx_.isOpen()) {
+        // Straight to the file descriptor: the system's reason survives a failed write.
+        const int error = writeAll(syx_.handle(), message);
+        if (error != 0) {
+            // Cut back to the last whole message, so the file stays a valid .syx.
+            const int cut = ::ftruncate(syx_.handle(), off_t(syxBytes_));
+            static_cast<void>(cut);
+            fail(QStringLiteral(".syx file %1: %2")
+                     .arg(options_.syxFile, QString::fromLocal8Bit(std::strerror(error))));
+            throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
+        }
+        ++syxMessages_;
+        syxBytes_ += message.size();
+    }
     if (!clock_.isValid()) {
         clock_.start();
         deadlineMs_ = 0;
@@ -72,13 +112,35 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     arm(deadlineMs_);
 }
 
+void BlockPipeline::fail(const QString& why) {
+    failure_ = why;
+    timer_.stop();
+    QTimer::singleShot(0, this, [this] { emit outputFailed(failure_); });
+}
+
+QString BlockPipeline::deliveryReport() const {
+    QStringList parts;
+    if (midi_ && midi_->isOpen())
+        parts << QStringLiteral("%1 messages (%2 bytes) to MIDI port %3")
+                     .arg(midiMessages_)
+                     .arg(midiBytes_)
+                     .arg(midi_->portName());
+    if (!options_.syxFile.isEmpty())
+        parts << QStringLiteral("%1 messages (%2 bytes) to %3")
+                     .arg(syxMessages_)
+                     .arg(syxBytes_)
+                     .arg(options_.syxFile);
+    return parts.isEmpty() ? QStringLiteral("nothing was sent") : parts.join(QStringLiteral("; "));
+}
+
 void BlockPipeline::drained() {
-    if (!queueEmpty_) return;
+    if (!queueEmpty_ || failed()) return;
     const int before = messages_;
     try {
         queueEmpty_();
         failures_ = 0;
     } catch (const std::exception& e) {
+        if (failed()) return; // the output's failure ends the transmission
         std::fprintf(stderr, "ferrule-host: QueueEmpty: %s\n", e.what());
         if (++failures_ < kFailuresBeforeStopping)
             arm(double(clock_.nsecsElapsed()) / 1e6 + options_.gapMs);

@@ -36,9 +36,22 @@ public:
     // Tells whether the editor's transmission still runs, so that its end can be timed.
     void setRunningProbe(std::function<bool()> running) { running_ = std::move(running); }
 
-    // One block from the plug-in's MIDISendEx. Throws when the port or the file fails.
+    // One block from the plug-in's MIDISendEx. Throws when the port or the file fails; after
+    // the first failure every block is refused and QueueEmpty is no longer called.
     void send(int address, const QByteArray& data, int model);
 
+    // Whether an output has failed, and why (the system's reason).
+    bool failed() const { return !failure_.isEmpty(); }
+    QString failure() const { return failure_; }
+    // What reached each output: "12 messages (3,456 bytes) to MIDI port X; 11 messages (...) to
+    // FILE".
+    QString deliveryReport() const;
+
+signals:
+    // An output failed; emitted from the event loop, after the plug-in's call has returned.
+    void outputFailed(const QString& why);
+
+public:
     int messages() const { return messages_; }
     qint64 bytes() const { return bytes_; }
     double wireMs() const { return wireMs_; }
@@ -48,6 +61,7 @@ public:
 
 private:
     void drained();
+    void fail(const QString& why);
     void arm(double atMs);
 
     Options options_;
@@ -64,4 +78,7 @@ private:
     double endMs_ = -1;
     int failures_ = 0;
     int idleCalls_ = 0;
+    QString failure_;
+    int midiMessages_ = 0, syxMessages_ = 0;
+    qint64 midiBytes_ = 0, syxBytes_ = 0;
 };

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace ferrule {
+
+class SystemDocument;
+
+// What the user chooses when a save has failed: try again, save somewhere else, or give up.
+struct SaveChoice {
+    enum Kind { Retry, SaveAs, Discard } kind = Discard;
+    QString path; // for SaveAs
+};
+// Asked with the failure's one-line reason; the document keeps its edits meanwhile.
+using AskAfterFailedSave = std::function<SaveChoice(const QString& error)>;
+
+// Saves the document to its file; when that fails, asks until a save succeeds or the user gives
+// up. Nothing is lost without the user's choice. True when the data is on the disk; otherwise
+// `error` holds the last failure.
+bool saveWithRecovery(SystemDocument& document, const AskAfterFailedSave& ask, QString* error);
+
+} // namespace ferrule

@@ -1,0 +1,182 @@
+// The document and its files: what is accepted, what is refused before anything is read, and
+// saves that fail without losing the edits or the old file.
+
+#include "QtPrinters.h"
+#include "SmallDisk.h"
+#include "device/DefaultImage.h"
+#include "device/ModelMap.h"
+#include "device/SysexCodec.h"
+#include "document/SaveRecovery.h"
+#include "document/SystemDocument.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <random>
+#include <sys/stat.h>
+
+using namespace ferrule;
+
+namespace {
+
+void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile f(path);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    ASSERT_EQ(f.write(bytes), bytes.size());
+}
+
+QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+std::optional<SystemDocument> open(const QString& path, QString* error, int model = 10) {
+    return SystemDocument::open(path, model, Sysex::defaultHeader(model), error);
+}
+
+QByteArray edited(QByteArray image, int index) {
+    image[index] = char((image[index] + 1) & 0x7F);
+    return image;
+}
+
+} // namespace
+
+TEST(Document, OpensBothFormsAndRefusesWhatIsNotAFileOfSystemData) {
+    QTemporaryDir dir;
+    QString error;
+    // A raw image and a .syx of it open to the same data, each remembering its form.
+    QByteArray image = makeDefaultImage();
+    image[19200] = 77;
+    const QString raw = dir.filePath(QStringLiteral("gt10.bin"));
+    writeFile(raw, image);
+    std::optional<SystemDocument> doc = open(raw, &error);
+    ASSERT_TRUE(doc) << qPrintable(error);
+    EXPECT_EQ(doc->format(), DataFormat::Raw);
+    const QString syx = dir.filePath(QStringLiteral("gt10.syx"));
+    writeFile(syx, doc->encode(DataFormat::Syx));
+    std::optional<SystemDocument> fromSyx = open(syx, &error);
+    ASSERT_TRUE(fromSyx) << qPrintable(error);
+    EXPECT_EQ(fromSyx->format(), DataFormat::Syx);
+    EXPECT_EQ(fromSyx->image(), image);
+
+    // Saving keeps the form; an edit changes exactly its bytes in the raw file.
+    fromSyx->setImage(edited(fromSyx->image(), 19200));
+    EXPECT_TRUE(fromSyx->modified());
+    ASSERT_TRUE(fromSyx->save(&error)) << qPrintable(error);
+    EXPECT_FALSE(fromSyx->modified());
+    EXPECT_TRUE(readFile(syx).startsWith(char(0xF0)));
+    EXPECT_EQ(open(syx, &error)->image(), edited(image, 19200));
+
+    // Refused at once, with one line naming the problem.
+    const QString fifo = dir.filePath(QStringLiteral("fifo"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    const struct {
+        QString path;
+        QString says;
+    } refused[] = {
+        {fifo, QStringLiteral("is not a regular file")},
+        {QStringLiteral("/dev/zero"), QStringLiteral("is not a regular file")},
+        {dir.path(), QStringLiteral("is a folder, not a file")},
+        {dir.filePath(QStringLiteral("missing")), QStringLiteral("does not exist")},
+        {QString(), QStringLiteral("the data file name is empty")},
+    };
+    for (const auto& r : refused) {
+        EXPECT_FALSE(open(r.path, &error));
+        EXPECT_TRUE(error.contains(r.says)) << qPrintable(error);
+    }
+    writeFile(raw, image.left(100));
+    EXPECT_FALSE(open(raw, &error));
+    EXPECT_TRUE(error.contains("holds 100 bytes")) << qPrintable(error);
+    EXPECT_FALSE(open(syx, &error, 8));
+    EXPECT_TRUE(error.contains("holds GT-10 system data, not GT-8")) << qPrintable(error);
+}
+
+TEST(Document, RandomFilesNeverLoadSilentlyOrCrash) {
+    // A bounded fuzz of the loader: random sizes and bytes, some dressed as .syx. A file loads
+    // only when it is exactly an image's size or a well-formed dump.
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("f"));
+    std::mt19937 random(3);
+    QString error;
+    for (int n = 0; n < 300; ++n) {
+        QByteArray bytes(qsizetype(random() % 50000), 0);
+        for (auto& b : bytes)
+            b = char(random());
+        if (n % 3 == 0 && !bytes.isEmpty()) bytes[0] = char(0xF0);
+        writeFile(path, bytes);
+        const bool loaded = open(path, &error).has_value();
+        EXPECT_EQ(loaded, bytes.size() == kImageSize && bytes[0] != char(0xF0)) << n;
+        if (!loaded) {
+            EXPECT_FALSE(error.isEmpty());
+        }
+    }
+}
+
+TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
+    SmallDisk disk(64);
+    if (!disk.available()) GTEST_SKIP() << "cannot mount a tmpfs here";
+    const QString path = disk.path(QStringLiteral("gt10.bin"));
+    const QByteArray original = makeDefaultImage();
+    writeFile(path, original);
+    // A stale temporary file of ours from an earlier crash.
+    writeFile(disk.path(QStringLiteral(".gt10.bin.ferrule-Ab12Cd")), QByteArray(100, 'x'));
+    QString error;
+    std::optional<SystemDocument> doc = open(path, &error);
+    ASSERT_TRUE(doc);
+    // Fill the disk.
+    {
+        QFile filler(disk.path(QStringLiteral("filler")));
+        ASSERT_TRUE(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        const QByteArray block(1024, 'f');
+        while (filler.write(block) == block.size()) {
+        }
+    }
+    const QByteArray edits = edited(original, 19300);
+    doc->setImage(edits);
+
+    QTemporaryDir elsewhere;
+    const QString rescue = elsewhere.filePath(QStringLiteral("rescued.syx"));
+    QStringList asked;
+    const bool saved = saveWithRecovery(
+        *doc,
+        [&](const QString& why) {
+            asked << why;
+            return asked.size() < 2 ? SaveChoice{SaveChoice::Retry, {}}
+                                    : SaveChoice{SaveChoice::SaveAs, rescue};
+        },
+        &error);
+    ASSERT_TRUE(saved) << qPrintable(error);
+    ASSERT_EQ(asked.size(), 2) << "a retry on a full disk fails again";
+    EXPECT_TRUE(asked[0].contains("No space left on device")) << qPrintable(asked[0]);
+    EXPECT_EQ(readFile(path), original) << "the old file is intact";
+    EXPECT_EQ(QDir(disk.root())
+                  .entryList({QStringLiteral(".gt10.bin.ferrule-*")}, QDir::Files | QDir::Hidden),
+              QStringList())
+        << "no temporary file stays behind, an old one is cleaned";
+    EXPECT_EQ(doc->path(), rescue);
+    EXPECT_EQ(doc->format(), DataFormat::Syx);
+    EXPECT_FALSE(doc->modified());
+    EXPECT_EQ(open(rescue, &error)->image(), edits);
+
+    // Discard gives up, saying why, with the document still holding the edits.
+    SmallDisk readOnly(64);
+    ASSERT_TRUE(readOnly.available());
+    const QString ro = readOnly.path(QStringLiteral("gt10.bin"));
+    writeFile(ro, original);
+    ASSERT_TRUE(readOnly.makeReadOnly());
+    std::optional<SystemDocument> roDoc = open(ro, &error);
+    ASSERT_TRUE(roDoc);
+    roDoc->setImage(edits);
+    EXPECT_FALSE(saveWithRecovery(
+        *roDoc,
+        [](const QString&) {
+            return SaveChoice{SaveChoice::Discard, {}};
+        },
+        &error));
+    EXPECT_TRUE(error.contains("Read-only file system")) << qPrintable(error);
+    EXPECT_TRUE(roDoc->modified());
+    EXPECT_EQ(roDoc->image(), edits);
+    EXPECT_EQ(readFile(ro), original);
+}
