@@ -6,7 +6,8 @@
 #include "cli/DeviceRuns.h"
 #include "cli/HostOptions.h"
 #include "document/SystemDocument.h"
-#include "plugin/EditorRun.h"
+#include "ui/MainWindow.h"
+#include "cli/EditorRun.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -93,5 +94,20 @@ int main(int argc, char** argv) {
     if (options.readsDevice()) return runReadDevice(options, *document);
     if (!options.exportFile.isEmpty() && !options.editorHeadless())
         return runExport(options, *document);
+    if (!options.mainScreenshot.isEmpty()) {
+        MainWindow window(options, std::move(*document));
+        window.show();
+        QApplication::processEvents();
+        if (!window.grab().save(options.mainScreenshot, "PNG"))
+            return fail(kExitBadInput, QStringLiteral("screenshot \"%1\" could not be written")
+                                           .arg(options.mainScreenshot));
+        std::printf("screenshot written to %s\n", qPrintable(options.mainScreenshot));
+        return 0;
+    }
+    if (options.mainWindow()) {
+        MainWindow window(options, std::move(*document));
+        window.show();
+        return QApplication::exec();
+    }
     return runEditor(options, *document);
 }

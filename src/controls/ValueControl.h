@@ -32,6 +32,7 @@ class ValueControl : public QWidget {
     Q_PROPERTY(bool dragging READ dragging)
     Q_PROPERTY(int minimum READ minimum)
     Q_PROPERTY(bool inputEnabled READ acceptsInput)
+    Q_PROPERTY(QRect valueLabelRect READ valueLabelRect)
 public:
     ValueControl(int poolIndex, QWidget* parent);
 

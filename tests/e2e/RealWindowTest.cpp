@@ -59,7 +59,8 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
                QStringLiteral("suppressions=" FERRULE_X11_LEAK_SUPPRESSIONS));
     host.setProcessEnvironment(env);
     host.start(QStringLiteral(FERRULE_HOST_BINARY),
-               {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data});
+               {QStringLiteral("--edit"), QStringLiteral("--model"), QStringLiteral("8"),
+                QStringLiteral("--data"), data});
     QString window;
     for (int i = 0; i < 100 && window.isEmpty(); ++i) {
         QThread::msleep(100);

@@ -11,7 +11,7 @@ bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
         for (const char* option : {"--screenshot", "--describe", "--transmit", "--list-midi-ports",
-                                   "--export", "--receive", "--request"})
+                                   "--export", "--receive", "--request", "--main-screenshot"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
     }
     return false;
@@ -105,9 +105,17 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     const QCommandLineOption refuse(
         QStringLiteral("refuse-update"),
         QStringLiteral("Refuse the plug-in's update request (GTUpdate stays false)."));
-    parser.addOptions({model,    title,  data,      plugin,    screenshot, page,    describe,
-                       transmit, syx,    midiOut,   listPorts, gap,        header,  refuse,
-                       midiApi,  midiIn, exportSyx, receive,   request,    timeout, requestHeader});
+    const QCommandLineOption edit(
+        QStringLiteral("edit"),
+        QStringLiteral("Open the editor at once on the data, without the main window; OK "
+                       "writes --data back."));
+    const QCommandLineOption mainScreenshot(
+        QStringLiteral("main-screenshot"),
+        QStringLiteral("Headless: render the main window to FILE.png and exit."),
+        QStringLiteral("FILE.png"));
+    parser.addOptions({model, title, data, plugin, screenshot, page, describe, transmit, syx,
+                       midiOut, listPorts, gap, header, refuse, midiApi, midiIn, exportSyx,
+                       receive, request, timeout, requestHeader, edit, mainScreenshot});
 
     ParsedOptions result;
     if (!parser.parse(arguments)) {
@@ -168,6 +176,14 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
     o.exportFile = parser.value(exportSyx);
     if (parser.isSet(exportSyx) && o.exportFile.isEmpty()) {
         result.error = QStringLiteral("--export needs a file name");
+        return result;
+    }
+    o.edit = parser.isSet(edit);
+    o.mainScreenshot = parser.value(mainScreenshot);
+    if (parser.isSet(mainScreenshot) &&
+        !o.mainScreenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive)) {
+        result.error = QStringLiteral("screenshot file \"%1\" must end in .png")
+                           .arg(parser.value(mainScreenshot));
         return result;
     }
     o.receive = parser.isSet(receive);

@@ -29,6 +29,8 @@ struct HostOptions {
     bool receive = false;
     bool request = false;
     int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
+    bool edit = false; // the editor at once on the data, without the main window
+    QString mainScreenshot;
 
     // The data-set header in use for the model.
     QByteArray dataSetHeader() const;
@@ -36,7 +38,12 @@ struct HostOptions {
     bool readsDevice() const { return receive || request; }
     // Runs that open the editor without a display.
     bool editorHeadless() const { return !screenshot.isEmpty() || describe || transmit; }
-    bool headless() const { return editorHeadless() || !exportFile.isEmpty() || readsDevice(); }
+    bool headless() const {
+        return editorHeadless() || !exportFile.isEmpty() || readsDevice() ||
+               !mainScreenshot.isEmpty();
+    }
+    // The librarian's main window, rather than the editor straight away.
+    bool mainWindow() const { return !edit && !headless(); }
 };
 
 struct ParsedOptions {

@@ -98,6 +98,7 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
         ++syxMessages_;
         syxBytes_ += message.size();
     }
+    emit messageSent(message);
     if (!clock_.isValid()) {
         clock_.start();
         deadlineMs_ = 0;

@@ -48,6 +48,8 @@ public:
     QString deliveryReport() const;
 
 signals:
+    // A message left for the outputs.
+    void messageSent(const QByteArray& message);
     // An output failed; emitted from the event loop, after the plug-in's call has returned.
     void outputFailed(const QString& why);
 

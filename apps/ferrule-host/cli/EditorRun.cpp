@@ -1,0 +1,91 @@
+#include "EditorRun.h"
+
+#include "plugin/EditorWindow.h"
+#include "ui/FailedSaveDialog.h"
+#include "plugin/PlugInEditor.h"
+#include "MidiOutput.h"
+#include "DeviceRuns.h"
+#include "HeadlessRun.h"
+#include "document/SaveRecovery.h"
+#include "document/SystemDocument.h"
+#include "host/PlugInInterface.h"
+#include "host/SettingsStore.h"
+#include "io/AtomicFile.h"
+#include "transport/BlockPipeline.h"
+
+#include <QApplication>
+#include <QMessageBox>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace ferrule {
+
+int runEditor(const HostOptions& options, SystemDocument& document) {
+    PlugInEditor editor;
+    {
+        QString why;
+        if (!editor.load(options.pluginPath, &why)) return fail(kExitBadInput, why);
+    }
+    PlugInInterface* plugIn = editor.plugIn();
+
+    MidiOutput midi;
+    if (!options.midiOut.isEmpty()) {
+        QString why;
+        const std::optional<MidiApi> api = chosenMidiApi(options, &why);
+        if (!api || !midi.open(*api, QStringLiteral("ferrule-host"), options.midiOut, &why))
+            return fail(kExitDevice, why);
+    }
+    BlockPipeline pipeline({options.sysexHeader, options.gapMs, options.syxFile}, &midi);
+    {
+        QString why;
+        if (!pipeline.open(&why)) return fail(kExitBadInput, why);
+    }
+    // A file that cannot be saved is said at once; OK will still offer Retry or Save As.
+    if (!document.path().isEmpty() && !options.headless()) {
+        QString why;
+        if (!AtomicFile::writable(document.path(), &why))
+            std::fprintf(stderr, "ferrule-host: warning: %s; changes can only be saved elsewhere\n",
+                         qPrintable(why));
+    }
+
+    // Every input has passed: the settings key may be created now.
+    RegCreateKey(RegRoot::LocalMachine, kEditorKey);
+
+    QWidget ownerWindow;
+    ownerWindow.setWindowTitle(QStringLiteral("Tonebench"));
+    if (!options.editorHeadless())
+        QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
+                         [&pipeline, plugIn](const QString& why) {
+                             stopEditorTransmission(findEditorWindow(), plugIn);
+                             QMessageBox box(QMessageBox::Warning, QStringLiteral("Tonebench"),
+                                             QStringLiteral("The transmission stopped: %1.\nSent %2.")
+                                                 .arg(why, pipeline.deliveryReport()),
+                                             QMessageBox::Ok, QApplication::activeModalWidget());
+                             box.exec();
+                         });
+    HeadlessRun headlessRun(options, pipeline, plugIn);
+    PlugInEditor::Run run;
+    run.model = options.model;
+    run.title = options.title;
+    run.owner = &ownerWindow;
+    run.pipeline = &pipeline;
+    run.refuseUpdate = options.refuseUpdate;
+    run.askAboutRefusal = !options.editorHeadless();
+    run.beforeStart = [&headlessRun] { headlessRun.arm(); };
+    const PlugInEditor::Result result = editor.edit(document.image(), run);
+    if (!result.ok) return fail(1, QStringLiteral("error: %1").arg(result.error));
+
+    if (result.changed) document.setImage(result.image);
+    if (!document.path().isEmpty() && document.modified()) {
+        QString why;
+        const AskAfterFailedSave ask =
+            options.headless() ? AskAfterFailedSave() : AskAfterFailedSave([](const QString& e) { return askAfterFailedSave(e); });
+        if (!saveWithRecovery(document, ask, &why))
+            return fail(1,
+                        QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));
+    }
+    return headlessRun.status();
+}
+
+} // namespace ferrule

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "cli/HostOptions.h"
+#include "document/SaveRecovery.h"
+#include "document/SystemDocument.h"
+#include "plugin/PlugInEditor.h"
+#include "transport/DeviceSession.h"
+
+#include <QMainWindow>
+#include <QMessageBox>
+
+#include <functional>
+#include <memory>
+
+class QAction;
+class QComboBox;
+class QLabel;
+class QMenu;
+class QProgressBar;
+class QPushButton;
+
+namespace ferrule {
+
+class MidiMonitor;
+
+// The librarian's window: one model's system data as a document (new, open, save in either
+// form, recent files, drag and drop), the MIDI ports, the device operations (receive, request,
+// send, send changes, stop) with progress, the plug-in's editor on the document, and a MIDI
+// monitor. Nothing is lost: unsaved changes and running operations are asked about.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+    Q_PROPERTY(QString documentPath READ documentPath)
+    Q_PROPERTY(bool documentModified READ documentModified)
+public:
+    MainWindow(const HostOptions& options, SystemDocument document, QWidget* parent = nullptr);
+    ~MainWindow() override;
+
+    const SystemDocument& document() const { return document_; }
+    QString documentPath() const { return document_.path(); }
+    bool documentModified() const { return document_.modified(); }
+    DeviceSession& device() { return device_; }
+    MidiMonitor* monitor() const { return monitor_; }
+    QString lastResult() const { return lastResult_; }
+    QString portState() const;
+
+    // Questions the window asks, replaceable for tests.
+    using AskSave = std::function<QMessageBox::StandardButton(const QString& text)>;
+    void setAskSave(AskSave ask) { askSave_ = std::move(ask); }
+    void setAskAfterFailedSave(AskAfterFailedSave ask) { askFailed_ = std::move(ask); }
+
+    // The actions, also for tests and scripts.
+    bool openFile(const QString& path);
+    bool save();
+    bool saveAs(const QString& path);
+    void newDocument();
+    bool edit();
+    bool setPorts(const QString& input, const QString& output);
+    void switchModel(int model);
+    // The document's image after an edit elsewhere (the editor, a receive).
+    void takeImage(const QByteArray& image, const QString& why);
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void buildActions();
+    void buildPorts();
+    void refreshPorts();
+    void refreshState();
+    void rememberRecent(const QString& path);
+    void fillRecentMenu();
+    bool maybeSave();
+    void startReceive(bool request);
+    void startSend(bool onlyChanges);
+    void operationFinished(bool ok, const QString& message);
+    void say(const QString& message);
+    std::optional<MidiApi> api() const;
+
+    HostOptions options_;
+    SystemDocument document_;
+    DeviceSession device_;
+    PlugInEditor editor_;
+    bool editorLoaded_ = false;
+    MidiMonitor* monitor_ = nullptr;
+    QComboBox* modelBox_ = nullptr;
+    QComboBox* apiBox_ = nullptr;
+    QComboBox* inBox_ = nullptr;
+    QComboBox* outBox_ = nullptr;
+    QLabel* summary_ = nullptr;
+    QLabel* portLabel_ = nullptr;
+    QProgressBar* progress_ = nullptr;
+    QPushButton* cancel_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    QAction *save_ = nullptr, *receive_ = nullptr, *request_ = nullptr, *send_ = nullptr,
+            *sendChanges_ = nullptr, *stop_ = nullptr;
+    QString lastResult_;
+    QString portProblem_;
+    AskSave askSave_;
+    AskAfterFailedSave askFailed_;
+};
+
+} // namespace ferrule

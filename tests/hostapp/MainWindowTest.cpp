@@ -1,0 +1,131 @@
+// The librarian's window on the real plug-in: a .syx opened, edited through the editor and
+// saved changes exactly the parameter's bytes; unsaved changes are asked about.
+
+#include "EditorDriver.h"
+#include "QtPrinters.h"
+#include "device/DefaultImage.h"
+#include "device/ModelMap.h"
+#include "device/SysexCodec.h"
+#include "device/SyxFile.h"
+#include "sysdata/ParameterEncoding.h"
+#include "ui/MainWindow.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+HostOptions optionsFor(int model) {
+    HostOptions o;
+    o.model = model;
+    o.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
+    o.midiApi = QStringLiteral("jack"); // no ports: nothing here needs MIDI
+    return o;
+}
+
+QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QByteArray imageOfSyx(const QString& path, int model) {
+    return SyxFile::read(readFile(path), model, Sysex::defaultHeader(model), makeDefaultImage())
+        .image;
+}
+
+} // namespace
+
+TEST(MainWindow, AnEditThroughTheEditorSavedChangesExactlyThatParametersBytes) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("gt10.syx"));
+    const int model = 10;
+    {
+        // Values in the middle of most ranges, so that a knob can step down.
+        SystemDocument doc(model, Sysex::defaultHeader(model));
+        QByteArray image = doc.image();
+        for (int i = modelStretch(model).start; i < kImageSize; ++i)
+            image[i] = char(5);
+        doc.setImage(image);
+        QString error;
+        ASSERT_TRUE(doc.saveAs(path, DataFormat::Syx, &error)) << qPrintable(error);
+    }
+    const QByteArray before = imageOfSyx(path, model);
+    MainWindow window(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+    ASSERT_TRUE(window.openFile(path));
+    EXPECT_FALSE(window.isWindowModified());
+
+    EditorDriver driver;
+    driver.arm();
+    EXPECT_TRUE(window.edit()) << qPrintable(window.lastResult());
+    ASSERT_TRUE(driver.done);
+    ASSERT_GE(driver.memLoc, 0);
+    EXPECT_TRUE(window.documentModified());
+    EXPECT_TRUE(window.isWindowModified());
+    EXPECT_TRUE(window.windowTitle().startsWith("gt10.syx[*]"));
+    ASSERT_TRUE(window.save());
+    EXPECT_FALSE(window.documentModified());
+
+    const QByteArray after = imageOfSyx(path, model);
+    ASSERT_FALSE(after.isEmpty());
+    QList<int> changed;
+    for (int i = 0; i < after.size(); ++i)
+        if (after[i] != before[i]) changed << i;
+    const QList<int> expected = IsDoubleByte(driver.memLoc, model)
+                                    ? QList<int>{driver.memLoc, driver.memLoc + 1}
+                                    : QList<int>{driver.memLoc};
+    // One step down changes the low byte, or both bytes of a double-byte value at a boundary.
+    ASSERT_FALSE(changed.isEmpty());
+    for (int i : changed)
+        EXPECT_TRUE(expected.contains(i)) << i;
+    EXPECT_TRUE(SyxFile::looksLikeSyx(readFile(path))) << "saved in its own form";
+}
+
+TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("gt8.bin"));
+    const int model = 8;
+    SystemDocument doc(model, Sysex::defaultHeader(model));
+    QString error;
+    ASSERT_TRUE(doc.saveAs(path, DataFormat::Raw, &error));
+    const QByteArray original = readFile(path);
+    QByteArray edited = original;
+    edited[10500] = char(edited[10500] + 1);
+
+    MainWindow window(optionsFor(model), doc);
+    QStringList asked;
+    QMessageBox::StandardButton answer = QMessageBox::Cancel;
+    window.setAskSave([&](const QString& text) {
+        asked << text;
+        return answer;
+    });
+    window.close();
+    EXPECT_TRUE(asked.isEmpty()) << "nothing to ask without changes";
+
+    window.takeImage(edited, QStringLiteral("edited"));
+    window.show();
+    EXPECT_FALSE(window.close()) << "Cancel keeps the window";
+    EXPECT_TRUE(window.isVisible());
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked[0].contains("gt8.bin has unsaved changes"));
+
+    // Discard: closes, the file keeps its old bytes.
+    MainWindow discard(optionsFor(model), *SystemDocument::open(path, model,
+                                                                 Sysex::defaultHeader(model), &error));
+    discard.setAskSave([](const QString&) { return QMessageBox::Discard; });
+    discard.takeImage(edited, QStringLiteral("edited"));
+    discard.show();
+    EXPECT_TRUE(discard.close());
+    EXPECT_EQ(readFile(path), original);
+
+    // Save: closes after writing the changes.
+    MainWindow keep(optionsFor(model), *SystemDocument::open(path, model,
+                                                              Sysex::defaultHeader(model), &error));
+    keep.setAskSave([](const QString&) { return QMessageBox::Save; });
+    keep.takeImage(edited, QStringLiteral("edited"));
+    keep.show();
+    EXPECT_TRUE(keep.close());
+    EXPECT_EQ(readFile(path), edited);
+}
