@@ -4,10 +4,10 @@
 // transport (MIDI and pacing), plugin (the host object and the plug-in's editor).
 
 #include "cli/DeviceRuns.h"
+#include "cli/EditorRun.h"
 #include "cli/HostOptions.h"
 #include "document/SystemDocument.h"
 #include "ui/MainWindow.h"
-#include "cli/EditorRun.h"
 
 #include <QApplication>
 #include <QFileInfo>

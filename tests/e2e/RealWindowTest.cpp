@@ -22,6 +22,60 @@ QString run(const QString& program, const QStringList& args, const QString& disp
     return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
 }
 
+// An X display of the test's own (Xvfb), and xdotool on it.
+class XDisplay {
+public:
+    XDisplay() {
+        xvfb_ = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
+        xdotool_ = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
+        if (xvfb_.isEmpty() || xdotool_.isEmpty()) return;
+        int number = 90 + int(QCoreApplication::applicationPid() % 50);
+        while (QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)))
+            ++number;
+        name_ = QStringLiteral(":%1").arg(number);
+        server_.start(xvfb_, {name_, QStringLiteral("-screen"), QStringLiteral("0"),
+                              QStringLiteral("1280x800x24")});
+        const QString socket = QStringLiteral("/tmp/.X11-unix/X%1").arg(number);
+        for (int i = 0; i < 100 && !QFile::exists(socket); ++i)
+            QThread::msleep(50);
+        running_ = QFile::exists(socket);
+    }
+    ~XDisplay() {
+        server_.terminate();
+        server_.waitForFinished(3000);
+    }
+    bool tools() const { return !xvfb_.isEmpty() && !xdotool_.isEmpty(); }
+    bool running() const { return running_; }
+    const QString& name() const { return name_; }
+    QString xdotool(const QStringList& args) const { return run(xdotool_, args, name_); }
+    // The first window whose name matches, waiting up to ten seconds.
+    QString window(const QString& pattern) const {
+        QString id;
+        for (int i = 0; i < 100 && id.isEmpty(); ++i) {
+            QThread::msleep(100);
+            id = xdotool({QStringLiteral("search"), QStringLiteral("--name"), pattern})
+                     .section(QLatin1Char('\n'), 0, 0);
+        }
+        return id;
+    }
+    // Starts ferrule-host on this display with a private settings root.
+    void startHost(QProcess& host, const QStringList& args, const QString& settings) const {
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("DISPLAY"), name_);
+        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
+        env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settings);
+        env.insert(QStringLiteral("LSAN_OPTIONS"),
+                   QStringLiteral("suppressions=" FERRULE_X11_LEAK_SUPPRESSIONS));
+        host.setProcessEnvironment(env);
+        host.start(QStringLiteral(FERRULE_HOST_BINARY), args);
+    }
+
+private:
+    QString xvfb_, xdotool_, name_;
+    QProcess server_;
+    bool running_ = false;
+};
+
 } // namespace
 
 TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
@@ -113,4 +167,64 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
         if (after[i] != expected[i])
             ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
                           << int(expected[i]);
+}
+
+TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
+    XDisplay x;
+    if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
+    ASSERT_TRUE(x.running()) << "Xvfb did not start";
+    QTemporaryDir dir;
+    const QString data = dir.filePath(QStringLiteral("main.bin"));
+    {
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(43252, char(0)));
+    }
+    QProcess host;
+    x.startHost(host,
+                {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data},
+                dir.path());
+    const QString main = x.window(QStringLiteral("main.bin"));
+    ASSERT_FALSE(main.isEmpty()) << "the main window did not appear";
+    QThread::msleep(300);
+    // No window manager runs on the display: focus the window and type through XTEST.
+    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
+    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+e")});
+    const QString editor = x.window(QStringLiteral("System: GT-8"));
+    ASSERT_FALSE(editor.isEmpty()) << "Edit did not open the editor";
+    QThread::msleep(300);
+    int ex = 0, ey = 0;
+    for (const QString& line :
+         x.xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), editor})
+             .split(QLatin1Char('\n'))) {
+        if (line.startsWith(QLatin1String("X="))) ex = line.mid(2).toInt();
+        if (line.startsWith(QLatin1String("Y="))) ey = line.mid(2).toInt();
+    }
+    auto clickAt = [&](int dx, int dy) {
+        x.xdotool({QStringLiteral("mousemove"), QString::number(ex + dx), QString::number(ey + dy),
+                   QStringLiteral("click"), QStringLiteral("1")});
+        QThread::msleep(150);
+    };
+    clickAt(120, 50); // the MIDI tab
+    clickAt(40, 253); // Omni mode
+    clickAt(586, 56); // OK
+    QThread::msleep(300);
+    const QString title = x.xdotool({QStringLiteral("getwindowname"), main});
+    EXPECT_TRUE(title.contains(QLatin1Char('*'))) << qPrintable(title);
+    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
+    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+s")});
+    QThread::msleep(300);
+    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+q")});
+    EXPECT_TRUE(host.waitForFinished(10000));
+    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
+
+    QFile f(data);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray after = f.readAll();
+    ASSERT_EQ(after.size(), 43252);
+    int changed = 0;
+    for (int i = 0; i < after.size(); ++i)
+        changed += after[i] != 0;
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(after[10429], char(1)) << "Omni mode on, saved with Ctrl+S";
 }

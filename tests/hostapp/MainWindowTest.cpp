@@ -1,6 +1,7 @@
 // The librarian's window on the real plug-in: a .syx opened, edited through the editor and
 // saved changes exactly the parameter's bytes; unsaved changes are asked about.
 
+#include "ui/MainWindow.h"
 #include "EditorDriver.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
@@ -8,7 +9,6 @@
 #include "device/SysexCodec.h"
 #include "device/SyxFile.h"
 #include "sysdata/ParameterEncoding.h"
-#include "ui/MainWindow.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -112,8 +112,8 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     EXPECT_TRUE(asked[0].contains("gt8.bin has unsaved changes"));
 
     // Discard: closes, the file keeps its old bytes.
-    MainWindow discard(optionsFor(model), *SystemDocument::open(path, model,
-                                                                 Sysex::defaultHeader(model), &error));
+    MainWindow discard(optionsFor(model),
+                       *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
     discard.setAskSave([](const QString&) { return QMessageBox::Discard; });
     discard.takeImage(edited, QStringLiteral("edited"));
     discard.show();
@@ -121,8 +121,8 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     EXPECT_EQ(readFile(path), original);
 
     // Save: closes after writing the changes.
-    MainWindow keep(optionsFor(model), *SystemDocument::open(path, model,
-                                                              Sysex::defaultHeader(model), &error));
+    MainWindow keep(optionsFor(model),
+                    *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
     keep.setAskSave([](const QString&) { return QMessageBox::Save; });
     keep.takeImage(edited, QStringLiteral("edited"));
     keep.show();

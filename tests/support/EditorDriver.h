@@ -9,8 +9,8 @@
 #include <QWidget>
 
 struct EditorDriver {
-    int memLoc = -1;  // the knob's image index
-    int before = -1;  // its value before the click
+    int memLoc = -1; // the knob's image index
+    int before = -1; // its value before the click
     bool done = false;
 
     void arm() {

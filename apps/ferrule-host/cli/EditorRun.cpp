@@ -1,17 +1,17 @@
 #include "EditorRun.h"
 
-#include "plugin/EditorWindow.h"
-#include "ui/FailedSaveDialog.h"
-#include "plugin/PlugInEditor.h"
-#include "MidiOutput.h"
 #include "DeviceRuns.h"
 #include "HeadlessRun.h"
+#include "MidiOutput.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "host/PlugInInterface.h"
 #include "host/SettingsStore.h"
 #include "io/AtomicFile.h"
+#include "plugin/EditorWindow.h"
+#include "plugin/PlugInEditor.h"
 #include "transport/BlockPipeline.h"
+#include "ui/FailedSaveDialog.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -58,10 +58,11 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
         QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
                          [&pipeline, plugIn](const QString& why) {
                              stopEditorTransmission(findEditorWindow(), plugIn);
-                             QMessageBox box(QMessageBox::Warning, QStringLiteral("Tonebench"),
-                                             QStringLiteral("The transmission stopped: %1.\nSent %2.")
-                                                 .arg(why, pipeline.deliveryReport()),
-                                             QMessageBox::Ok, QApplication::activeModalWidget());
+                             QMessageBox box(
+                                 QMessageBox::Warning, QStringLiteral("Tonebench"),
+                                 QStringLiteral("The transmission stopped: %1.\nSent %2.")
+                                     .arg(why, pipeline.deliveryReport()),
+                                 QMessageBox::Ok, QApplication::activeModalWidget());
                              box.exec();
                          });
     HeadlessRun headlessRun(options, pipeline, plugIn);
@@ -80,7 +81,9 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     if (!document.path().isEmpty() && document.modified()) {
         QString why;
         const AskAfterFailedSave ask =
-            options.headless() ? AskAfterFailedSave() : AskAfterFailedSave([](const QString& e) { return askAfterFailedSave(e); });
+            options.headless()
+                ? AskAfterFailedSave()
+                : AskAfterFailedSave([](const QString& e) { return askAfterFailedSave(e); });
         if (!saveWithRecovery(document, ask, &why))
             return fail(1,
                         QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));

@@ -113,9 +113,10 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("main-screenshot"),
         QStringLiteral("Headless: render the main window to FILE.png and exit."),
         QStringLiteral("FILE.png"));
-    parser.addOptions({model, title, data, plugin, screenshot, page, describe, transmit, syx,
-                       midiOut, listPorts, gap, header, refuse, midiApi, midiIn, exportSyx,
-                       receive, request, timeout, requestHeader, edit, mainScreenshot});
+    parser.addOptions({model,    title,    data,          plugin,  screenshot,    page,
+                       describe, transmit, syx,           midiOut, listPorts,     gap,
+                       header,   refuse,   midiApi,       midiIn,  exportSyx,     receive,
+                       request,  timeout,  requestHeader, edit,    mainScreenshot});
 
     ParsedOptions result;
     if (!parser.parse(arguments)) {

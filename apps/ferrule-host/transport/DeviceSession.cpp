@@ -128,12 +128,11 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
             received_ = receiver_->assembler().image();
             known_ = received_;
         }
-        const QString message =
-            ok ? QStringLiteral("received %1 messages, %2 bytes from %3")
-                     .arg(receiver_->applied())
-                     .arg(receiver_->assembler().unitsReceived())
-                     .arg(inputName())
-               : receiver_->error();
+        const QString message = ok ? QStringLiteral("received %1 messages, %2 bytes from %3")
+                                         .arg(receiver_->applied())
+                                         .arg(receiver_->assembler().unitsReceived())
+                                         .arg(inputName())
+                                   : receiver_->error();
         receiver_.release()->deleteLater();
         end(ok, message);
     });

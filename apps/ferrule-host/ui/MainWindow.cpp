@@ -23,8 +23,8 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
-#include <QRegularExpression>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
@@ -61,8 +61,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     setAcceptDrops(true);
     askSave_ = [this](const QString& text) {
         return QMessageBox::question(this, QStringLiteral("Tonebench"), text,
-                                     QMessageBox::Save | QMessageBox::Discard |
-                                         QMessageBox::Cancel,
+                                     QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
                                      QMessageBox::Save);
     };
     askFailed_ = [this](const QString& error) { return askAfterFailedSave(error, this); };
@@ -109,15 +108,15 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     statusBar()->addPermanentWidget(progress_);
     statusBar()->addPermanentWidget(cancel_);
     statusBar()->addPermanentWidget(portLabel_);
-    connect(&device_, &DeviceSession::progress, this, [this](qint64 done, qint64 total,
-                                                             qint64 msLeft) {
-        progress_->setRange(0, int(total));
-        progress_->setValue(int(done));
-        progress_->setFormat(QStringLiteral("%1 of %2 bytes, %3 s left")
-                                 .arg(done)
-                                 .arg(total)
-                                 .arg(double(msLeft) / 1000.0, 0, 'f', 1));
-    });
+    connect(&device_, &DeviceSession::progress, this,
+            [this](qint64 done, qint64 total, qint64 msLeft) {
+                progress_->setRange(0, int(total));
+                progress_->setValue(int(done));
+                progress_->setFormat(QStringLiteral("%1 of %2 bytes, %3 s left")
+                                         .arg(done)
+                                         .arg(total)
+                                         .arg(double(msLeft) / 1000.0, 0, 'f', 1));
+            });
     connect(&device_, &DeviceSession::finished, this, &MainWindow::operationFinished);
 
     buildActions();
@@ -138,45 +137,63 @@ void MainWindow::buildActions() {
         connect(a, &QAction::triggered, this, slot);
         return a;
     };
-    add(file, QStringLiteral("&New"), [this] {
-        if (maybeSave()) newDocument();
-    }, QKeySequence::New);
-    add(file, QStringLiteral("&Open…"), [this] {
-        if (!maybeSave()) return;
-        const QString path = QFileDialog::getOpenFileName(
-            this, QStringLiteral("Open system data"), QString(),
-            QStringLiteral("System data (*.syx *.bin *.raw);;All files (*)"));
-        if (!path.isEmpty()) openFile(path);
-    }, QKeySequence::Open);
+    add(
+        file, QStringLiteral("&New"),
+        [this] {
+            if (maybeSave()) newDocument();
+        },
+        QKeySequence::New);
+    add(
+        file, QStringLiteral("&Open…"),
+        [this] {
+            if (!maybeSave()) return;
+            const QString path = QFileDialog::getOpenFileName(
+                this, QStringLiteral("Open system data"), QString(),
+                QStringLiteral("System data (*.syx *.bin *.raw);;All files (*)"));
+            if (!path.isEmpty()) openFile(path);
+        },
+        QKeySequence::Open);
     recentMenu_ = file->addMenu(QStringLiteral("Open &Recent"));
     fillRecentMenu();
-    save_ = add(file, QStringLiteral("&Save"), [this] { save(); }, QKeySequence::Save);
-    add(file, QStringLiteral("Save &As…"), [this] {
-        const QString path = QFileDialog::getSaveFileName(
-            this, QStringLiteral("Save system data as"), document_.path(),
-            QStringLiteral("System exclusive (*.syx);;Raw system data (*)"));
-        if (!path.isEmpty()) saveAs(path);
-    }, QKeySequence::SaveAs);
+    save_ = add(
+        file, QStringLiteral("&Save"), [this] { save(); }, QKeySequence::Save);
+    add(
+        file, QStringLiteral("Save &As…"),
+        [this] {
+            const QString path = QFileDialog::getSaveFileName(
+                this, QStringLiteral("Save system data as"), document_.path(),
+                QStringLiteral("System exclusive (*.syx);;Raw system data (*)"));
+            if (!path.isEmpty()) saveAs(path);
+        },
+        QKeySequence::SaveAs);
     file->addSeparator();
-    add(file, QStringLiteral("&Quit"), [this] { close(); }, QKeySequence::Quit);
+    add(
+        file, QStringLiteral("&Quit"), [this] { close(); }, QKeySequence::Quit);
 
     QMenu* editMenu = menuBar()->addMenu(QStringLiteral("&Edit"));
-    add(editMenu, QStringLiteral("&Edit System Settings…"), [this] { edit(); },
+    add(
+        editMenu, QStringLiteral("&Edit System Settings…"), [this] { edit(); },
         QKeySequence(Qt::CTRL | Qt::Key_E));
 
     QMenu* deviceMenu = menuBar()->addMenu(QStringLiteral("&Device"));
-    receive_ = add(deviceMenu, QStringLiteral("&Receive"), [this] { startReceive(false); },
-                   QKeySequence(Qt::CTRL | Qt::Key_R));
-    request_ = add(deviceMenu, QStringLiteral("Re&quest"), [this] { startReceive(true); },
-                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
-    send_ = add(deviceMenu, QStringLiteral("&Send"), [this] { startSend(false); },
-                QKeySequence(Qt::CTRL | Qt::Key_T));
-    sendChanges_ = add(deviceMenu, QStringLiteral("Send &Changes"), [this] { startSend(true); },
-                       QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
-    stop_ = add(deviceMenu, QStringLiteral("S&top"), [this] { device_.stop(); },
-                QKeySequence(Qt::Key_Escape));
+    receive_ = add(
+        deviceMenu, QStringLiteral("&Receive"), [this] { startReceive(false); },
+        QKeySequence(Qt::CTRL | Qt::Key_R));
+    request_ = add(
+        deviceMenu, QStringLiteral("Re&quest"), [this] { startReceive(true); },
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    send_ = add(
+        deviceMenu, QStringLiteral("&Send"), [this] { startSend(false); },
+        QKeySequence(Qt::CTRL | Qt::Key_T));
+    sendChanges_ = add(
+        deviceMenu, QStringLiteral("Send &Changes"), [this] { startSend(true); },
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_T));
+    stop_ = add(
+        deviceMenu, QStringLiteral("S&top"), [this] { device_.stop(); },
+        QKeySequence(Qt::Key_Escape));
     deviceMenu->addSeparator();
-    add(deviceMenu, QStringLiteral("Refresh &Ports"), [this] { refreshPorts(); },
+    add(
+        deviceMenu, QStringLiteral("Refresh &Ports"), [this] { refreshPorts(); },
         QKeySequence::Refresh);
 
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
@@ -422,8 +439,8 @@ void MainWindow::switchModel(int model) {
             modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));
             return;
         }
-        std::optional<SystemDocument> reopened = SystemDocument::open(
-            document_.path(), model, next.header(), &lastResult_);
+        std::optional<SystemDocument> reopened =
+            SystemDocument::open(document_.path(), model, next.header(), &lastResult_);
         if (reopened) next = std::move(*reopened);
     }
     document_ = std::move(next);
@@ -545,8 +562,8 @@ void MainWindow::dropEvent(QDropEvent* event) {
 }
 
 void MainWindow::rememberRecent(const QString& path) {
-    QStringList recent = readSetting(QStringLiteral("RecentFiles"))
-                             .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QStringList recent =
+        readSetting(QStringLiteral("RecentFiles")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     const QString absolute = QFileInfo(path).absoluteFilePath();
     recent.removeAll(absolute);
     recent.prepend(absolute);
@@ -558,8 +575,8 @@ void MainWindow::rememberRecent(const QString& path) {
 
 void MainWindow::fillRecentMenu() {
     recentMenu_->clear();
-    const QStringList recent = readSetting(QStringLiteral("RecentFiles"))
-                                   .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QStringList recent =
+        readSetting(QStringLiteral("RecentFiles")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     for (const QString& path : recent)
         connect(recentMenu_->addAction(path), &QAction::triggered, this, [this, path] {
             if (maybeSave()) openFile(path);

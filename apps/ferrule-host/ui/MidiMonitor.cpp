@@ -37,15 +37,15 @@ MidiMonitorModel::Entry MidiMonitorModel::decode(double ms, bool incoming,
         e.command = isSet ? QStringLiteral("data set") : QStringLiteral("request");
         if (m.fault == Sysex::Fault::None || m.fault == Sysex::Fault::BadChecksum) {
             e.address = Sysex::hex(message.mid(1 + set.size(), 4));
-            e.length = isSet ? QString::number(m.payload.size())
-                             : QString::number(Sysex::requestSize(m));
+            e.length =
+                isSet ? QString::number(m.payload.size()) : QString::number(Sysex::requestSize(m));
         }
         e.checksum = m.ok() ? QStringLiteral("ok") : Sysex::describe(m, isSet ? set : request);
         e.flagged = !m.ok();
         return e;
     }
-    e.command = message.startsWith(char(0xF0)) ? QStringLiteral("foreign sysex")
-                                               : QStringLiteral("other");
+    e.command =
+        message.startsWith(char(0xF0)) ? QStringLiteral("foreign sysex") : QStringLiteral("other");
     e.checksum = QStringLiteral("-");
     return e;
 }
@@ -103,7 +103,7 @@ QVariant MidiMonitorModel::data(const QModelIndex& index, int role) const {
 
 QVariant MidiMonitorModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) return {};
-    static const char* names[] = {"Time (s)", "Dir", "Command", "Address",
+    static const char* names[] = {"Time (s)", "Dir",      "Command", "Address",
                                   "Length",   "Checksum", "Model"};
     return QString::fromLatin1(names[section]);
 }
@@ -125,8 +125,7 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     auto* search = new QLineEdit(this);
     search->setPlaceholderText(QStringLiteral("Filter (any column)"));
     search->setClearButtonEnabled(true);
-    connect(search, &QLineEdit::textChanged, filter_,
-            &QSortFilterProxyModel::setFilterFixedString);
+    connect(search, &QLineEdit::textChanged, filter_, &QSortFilterProxyModel::setFilterFixedString);
     auto* copy = new QPushButton(QStringLiteral("Copy as hex"), this);
     connect(copy, &QPushButton::clicked, this, &MidiMonitor::copySelection);
     auto* clear = new QPushButton(QStringLiteral("Clear"), this);

@@ -1,0 +1,134 @@
+// The librarian's window against ferrule-device over JACK: request, an edit through the real
+// editor, send changes; ports remembered across starts, and a port that vanished.
+
+#include "EditorDriver.h"
+#include "JackServer.h"
+#include "QtPrinters.h"
+#include "device/DefaultImage.h"
+#include "device/DumpMap.h"
+#include "device/ModelMap.h"
+#include "device/SysexCodec.h"
+#include "ui/MainWindow.h"
+#include "ui/MidiMonitor.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+HostOptions optionsFor(int model) {
+    HostOptions o;
+    o.model = model;
+    o.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
+    o.midiApi = QStringLiteral("jack");
+    o.gapMs = 0;
+    return o;
+}
+
+// Runs the event loop until the device session reports the end of its operation.
+bool waitForEnd(MainWindow& w, int timeoutMs) {
+    QSignalSpy spy(&w.device(), &DeviceSession::finished);
+    if (!spy.wait(timeoutMs)) return false;
+    return spy.first().first().toBool();
+}
+
+int dataSetsOut(MidiMonitorModel* m) {
+    int n = 0;
+    for (int row = 0; row < m->rowCount(); ++row)
+        if (m->data(m->index(row, MidiMonitorModel::Direction), Qt::DisplayRole) == "out" &&
+            m->data(m->index(row, MidiMonitorModel::Command), Qt::DisplayRole) == "data set")
+            ++n;
+    return n;
+}
+
+} // namespace
+
+TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
+    // The JACK client names of this process must find the server of the test.
+    JackServer jack;
+    ASSERT_TRUE(jack.running()) << qPrintable(jack.log());
+    qputenv("JACK_DEFAULT_SERVER",
+            jack.env().value(QStringLiteral("JACK_DEFAULT_SERVER")).toUtf8());
+    QTemporaryDir dir;
+    const int model = 10;
+    const QString saved = dir.filePath(QStringLiteral("device.bin"));
+    // The device starts from values in the middle of most ranges, so a knob can step down.
+    QByteArray start = makeDefaultImage();
+    for (int i = modelStretch(model).start; i < kImageSize; ++i)
+        start[i] = char(5);
+    const QString startFile = dir.filePath(QStringLiteral("start.bin"));
+    {
+        QFile f(startFile);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(start);
+    }
+    auto device = std::make_unique<DeviceProcess>(
+        jack, QStringList{QStringLiteral("--model"), QString::number(model),
+                          QStringLiteral("--data"), startFile, QStringLiteral("--save"), saved});
+    ASSERT_TRUE(device->ready());
+
+    {
+        HostOptions o = optionsFor(model);
+        o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
+        MainWindow w(o, SystemDocument(model, Sysex::defaultHeader(model)));
+        w.setAskSave([](const QString&) { return QMessageBox::Discard; });
+        ASSERT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
+
+        // Request: the document becomes the device's data.
+        w.device().receive(w.document().image(), true);
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        w.takeImage(w.device().received(), QStringLiteral("received"));
+        EXPECT_EQ(w.document().image().mid(modelStretch(model).start, 200),
+                  start.mid(modelStretch(model).start, 200));
+
+        // Edit one parameter through the real editor, then send only what changed.
+        EditorDriver driver;
+        driver.arm();
+        ASSERT_TRUE(w.edit()) << qPrintable(w.lastResult());
+        const int before = dataSetsOut(w.monitor()->model());
+        ASSERT_GT(w.device().send(w.document().image(), true), 0);
+        ASSERT_TRUE(waitForEnd(w, 30000)) << qPrintable(w.lastResult());
+        const int sent = dataSetsOut(w.monitor()->model()) - before;
+        EXPECT_GE(sent, 1);
+        EXPECT_LE(sent, 2) << "one parameter, at most two messages instead of 106";
+        // Nothing left to send now.
+        EXPECT_EQ(w.device().send(w.document().image(), true), 0);
+
+        // The send ends when the last byte has left the line; JACK hands it over a cycle later.
+        QTest::qWait(200);
+        EXPECT_EQ(device->stop(), 0);
+        QFile f(saved);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        const QByteArray onDevice = f.readAll();
+        int differences = 0;
+        for (const DumpMap::Block& b : DumpMap::of(model).blocks())
+            for (int i = b.start; b.inImage && i < b.start + b.units; ++i)
+                if (onDevice[i] != w.document().image()[i]) {
+                    ++differences;
+                    ADD_FAILURE() << "byte " << i << ": device " << int(onDevice[i])
+                                  << ", document " << int(w.document().image()[i]) << ", edited "
+                                  << driver.memLoc << ", sent " << sent;
+                }
+        EXPECT_EQ(differences, 0) << "the device holds the document";
+    }
+
+    // A second start remembers the ports; with the device gone, the window says so.
+    {
+        auto again = std::make_unique<DeviceProcess>(
+            jack, QStringList{QStringLiteral("--model"), QString::number(model)});
+        ASSERT_TRUE(again->ready());
+        MainWindow w(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+        EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
+        EXPECT_TRUE(w.portState().contains("ferrule-device")) << qPrintable(w.portState());
+    }
+    MainWindow gone(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+    EXPECT_FALSE(gone.device().hasInput());
+    EXPECT_TRUE(gone.portState().contains("input port \"ferrule-device") &&
+                gone.portState().contains("is not there"))
+        << qPrintable(gone.portState());
+}
