@@ -11,6 +11,7 @@
 #include "ui/MainWindow.h"
 #include "ui/MidiMonitor.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -79,7 +80,18 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         w.setAskSave([](const QString&) { return QMessageBox::Discard; });
         ASSERT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
 
-        // Request: the document becomes the device's data.
+        // Request: the document becomes the device's data. Half way, the window is rendered
+        // for the gallery (and the README).
+        w.show();
+        bool rendered = false;
+        QObject::connect(&w.device(), &DeviceSession::progress, &w,
+                         [&](qint64 done, qint64 total, qint64) {
+                             if (rendered || done * 2 < total) return;
+                             rendered = true;
+                             QDir().mkpath(QStringLiteral(FERRULE_GALLERY_DIR));
+                             w.grab().save(QStringLiteral(FERRULE_GALLERY_DIR) +
+                                           QStringLiteral("/main-window-request.png"));
+                         });
         w.device().receive(w.document().image(), true);
         ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
         w.takeImage(w.device().received(), QStringLiteral("received"));

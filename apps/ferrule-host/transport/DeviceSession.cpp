@@ -105,6 +105,7 @@ int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
     }
     queued_ = int(messages.size());
     clock_.start();
+    emit started(operation_);
     emit progress(0, total_, qint64(wireTimeMs(total_)) + queued_ * gapMs_);
     return queued_;
 }
@@ -137,6 +138,7 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
         end(ok, message);
     });
     clock_.start();
+    emit started(operation_);
     receiver_->start();
 }
 

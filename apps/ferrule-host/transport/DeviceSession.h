@@ -49,12 +49,15 @@ public:
 
     Operation busy() const { return operation_; }
     bool knowsDevice() const { return known_.has_value(); }
+    // What the device is known to hold; empty when unknown.
+    QByteArray knownImage() const { return known_.value_or(QByteArray()); }
     // The image a finished receive produced.
     const QByteArray& received() const { return received_; }
     // A message the editor's transmission sent reaches the device too.
     void noteSent(const QByteArray& message);
 
 signals:
+    void started(DeviceSession::Operation operation);
     void progress(qint64 done, qint64 total, qint64 msLeft);
     void finished(bool ok, const QString& message);
     void messageIn(const QByteArray& message);

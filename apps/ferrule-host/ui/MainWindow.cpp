@@ -79,12 +79,15 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     summary_ = new QLabel(central);
     summary_->setObjectName(QStringLiteral("summary"));
     summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* editButton = new QPushButton(QStringLiteral("Edit System Settings…"), central);
-    editButton->setObjectName(QStringLiteral("edit"));
-    connect(editButton, &QPushButton::clicked, this, &MainWindow::edit);
+    editButton_ = new QPushButton(QStringLiteral("Edit System Settings…"), central);
+    editButton_->setObjectName(QStringLiteral("edit"));
+    connect(editButton_, &QPushButton::clicked, this, &MainWindow::edit);
     form->addRow(QStringLiteral("Model:"), modelBox_);
     form->addRow(QStringLiteral("Data:"), summary_);
-    form->addRow(QString(), editButton);
+    deviceState_ = new QLabel(central);
+    deviceState_->setObjectName(QStringLiteral("deviceState"));
+    form->addRow(QStringLiteral("Device:"), deviceState_);
+    form->addRow(QString(), editButton_);
     setCentralWidget(central);
 
     monitor_ = new MidiMonitor(this);
@@ -98,7 +101,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
             [this](const QByteArray& m) { monitor_->model()->add(false, m); });
 
     progress_ = new QProgressBar(this);
-    progress_->setMinimumWidth(260);
+    progress_->setMinimumWidth(300);
     progress_->hide();
     cancel_ = new QPushButton(QStringLiteral("Cancel"), this);
     cancel_->hide();
@@ -118,12 +121,16 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
                                          .arg(double(msLeft) / 1000.0, 0, 'f', 1));
             });
     connect(&device_, &DeviceSession::finished, this, &MainWindow::operationFinished);
+    connect(&device_, &DeviceSession::started, this, [this] {
+        progress_->setRange(0, 0);
+        refreshState();
+    });
 
     buildActions();
     buildPorts();
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
-    resize(760, 520);
+    resize(920, 560);
     refreshState();
 }
 
@@ -171,7 +178,7 @@ void MainWindow::buildActions() {
         file, QStringLiteral("&Quit"), [this] { close(); }, QKeySequence::Quit);
 
     QMenu* editMenu = menuBar()->addMenu(QStringLiteral("&Edit"));
-    add(
+    edit_ = add(
         editMenu, QStringLiteral("&Edit System Settings…"), [this] { edit(); },
         QKeySequence(Qt::CTRL | Qt::Key_E));
 
@@ -269,10 +276,10 @@ void MainWindow::refreshPorts() {
     outBox_->clear();
     inBox_->addItem(QStringLiteral("(none)"), QString());
     outBox_->addItem(QStringLiteral("(none)"), QString());
-    portProblem_.clear();
+    systemProblem_.clear();
     if (const auto a = api()) {
         const MidiPortList list = listMidiPorts(*a, QStringLiteral("ferrule-host"));
-        portProblem_ = list.error;
+        systemProblem_ = list.error;
         for (const QString& p : list.inputs)
             inBox_->addItem(p, p);
         for (const QString& p : list.outputs)
@@ -326,7 +333,10 @@ QString MainWindow::portState() const {
     QString state = QStringLiteral("In: %1  Out: %2")
                         .arg(device_.hasInput() ? device_.inputName() : QStringLiteral("none"),
                              device_.hasOutput() ? device_.outputName() : QStringLiteral("none"));
-    if (!portProblem_.isEmpty()) state += QStringLiteral("  (%1)").arg(portProblem_);
+    QStringList problems;
+    if (!systemProblem_.isEmpty()) problems << systemProblem_;
+    if (!portProblem_.isEmpty()) problems << portProblem_;
+    if (!problems.isEmpty()) state += QStringLiteral("  (%1)").arg(problems.join("; "));
     return state;
 }
 
@@ -343,12 +353,21 @@ void MainWindow::refreshState() {
                   .arg(document_.path(), formatName(document_.format()),
                        document_.modified() ? QStringLiteral(", changed") : QString()));
     portLabel_->setText(portState());
+    deviceState_->setText(
+        !device_.knowsDevice()
+            ? QStringLiteral("not known yet: nothing received from or sent to it in this run")
+        : device_.knownImage() == document_.image()
+            ? QStringLiteral("holds this data")
+            : QStringLiteral("holds other data: Send Changes sends the difference"));
     const bool idle = device_.busy() == DeviceSession::Operation::None;
     receive_->setEnabled(idle && device_.hasInput());
     request_->setEnabled(idle && device_.hasInput() && device_.hasOutput());
     send_->setEnabled(idle && device_.hasOutput());
     sendChanges_->setEnabled(idle && device_.hasOutput());
     stop_->setEnabled(!idle);
+    // An edit while the device's data arrives would be overwritten by it.
+    edit_->setEnabled(idle);
+    editButton_->setEnabled(idle);
     progress_->setVisible(!idle);
     cancel_->setVisible(!idle);
 }

@@ -90,13 +90,17 @@ private:
     QComboBox* outBox_ = nullptr;
     QLabel* summary_ = nullptr;
     QLabel* portLabel_ = nullptr;
+    QLabel* deviceState_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QPushButton* cancel_ = nullptr;
     QMenu* recentMenu_ = nullptr;
+    QPushButton* editButton_ = nullptr;
+    QAction* edit_ = nullptr;
     QAction *save_ = nullptr, *receive_ = nullptr, *request_ = nullptr, *send_ = nullptr,
             *sendChanges_ = nullptr, *stop_ = nullptr;
     QString lastResult_;
     QString portProblem_;
+    QString systemProblem_;
     AskSave askSave_;
     AskAfterFailedSave askFailed_;
 };

@@ -120,6 +120,7 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     table_->setModel(filter_);
     table_->setSelectionBehavior(QAbstractItemView::SelectRows);
     table_->verticalHeader()->hide();
+    table_->verticalHeader()->setDefaultSectionSize(table_->fontMetrics().height() + 6);
     table_->horizontalHeader()->setStretchLastSection(true);
     table_->setAlternatingRowColors(true);
     auto* search = new QLineEdit(this);
