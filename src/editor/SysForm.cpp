@@ -398,7 +398,7 @@ void SysForm::CancelEdit() {
 
 void SysForm::CommitAndClose() {
     for (int i = 0; i < SystemImage::kSize; ++i)
-        state_.host.call("SysData", {i, state_.image.at(i)});
+        state_.host.setSysData(i, state_.image.at(i));
     unload();
 }
 

@@ -14,6 +14,7 @@ namespace ferrule {
 void HostLink::setHost(QObject* host) {
     host_ = host;
     methodCache_.clear();
+    sysDataGet_ = sysDataPut_ = -1;
 }
 
 void HostLink::requireHost(const char* name) const {
@@ -75,8 +76,43 @@ int HostLink::toByte(const QVariant& value, const char* member, int index) {
     return int(v);
 }
 
+namespace {
+
+// Whether a method takes `argumentCount` ints and returns an int (the getter) or nothing.
+bool plainInts(const QMetaMethod& m, int argumentCount, bool returnsInt) {
+    for (int i = 0; i < argumentCount; ++i)
+        if (m.parameterMetaType(i).id() != QMetaType::Int) return false;
+    return returnsInt ? m.returnMetaType().id() == QMetaType::Int
+                      : m.returnMetaType().id() == QMetaType::Void;
+}
+
+} // namespace
+
 int HostLink::sysData(int index) const {
-    return toByte(call("SysData", {index}), "SysData", index);
+    if (sysDataGet_ == -1 && host_) {
+        const int i = methodIndex("SysData", 1); // throws, naming the member, when missing
+        sysDataGet_ = plainInts(host_->metaObject()->method(i), 1, true) ? i : -2;
+    }
+    if (sysDataGet_ < 0 || host_.isNull())
+        return toByte(call("SysData", {index}), "SysData", index);
+    int result = 0;
+    void* argv[] = {&result, &index};
+    QMetaObject::metacall(host_.data(), QMetaObject::InvokeMetaMethod, sysDataGet_, argv);
+    if (result < 0 || result > 255) return toByte(result, "SysData", index); // names the fault
+    return result;
+}
+
+void HostLink::setSysData(int index, int value) const {
+    if (sysDataPut_ == -1 && host_) {
+        const int i = methodIndex("SysData", 2);
+        sysDataPut_ = plainInts(host_->metaObject()->method(i), 2, false) ? i : -2;
+    }
+    if (sysDataPut_ < 0 || host_.isNull()) {
+        call("SysData", {index, value});
+        return;
+    }
+    void* argv[] = {nullptr, &index, &value};
+    QMetaObject::metacall(host_.data(), QMetaObject::InvokeMetaMethod, sysDataPut_, argv);
 }
 
 int HostLink::methodIndex(const char* name, int argumentCount) const {

@@ -33,8 +33,11 @@ public:
     static int toByte(const QVariant& value, const char* member, int index = -1);
     static int toInt(const QVariant& value, const char* member, int index = -1);
 
-    // SysData(index) read as a byte.
+    // SysData(index) read as a byte, and SysData(index, value) written. The methods are found
+    // by name once per host; when their types are plain integers the calls go straight through
+    // the meta-object, otherwise through call() with its conversions. Errors are the same.
     int sysData(int index) const;
+    void setSysData(int index, int value) const;
 
 private:
     int methodIndex(const char* name, int argumentCount) const;
@@ -47,6 +50,9 @@ private:
         int index;
     };
     mutable std::vector<CachedMethod> methodCache_;
+    // SysData's two forms with integer types, resolved once (-1: not yet; -2: not plain ints).
+    mutable int sysDataGet_ = -1;
+    mutable int sysDataPut_ = -1;
 };
 
 } // namespace ferrule
