@@ -8,7 +8,7 @@ gap=${3:-20}
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
 export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root"
-out=$("$build/bin/ferrule-host" --model "$model" --transmit --gap "$gap")
+out=$("$build/bin/ferrule-host" --model "$model" --transmit --gap "$gap" --syx "$root/out.syx")
 echo "$out"
 expected=$(echo "$out" | sed -n 's/.*= \([0-9.]*\) ms;.*/\1/p')
 took=$(echo "$out" | sed -n 's/.*took \([0-9.]*\) ms.*/\1/p')

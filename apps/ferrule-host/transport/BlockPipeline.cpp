@@ -31,8 +31,8 @@ int writeAll(int fd, const QByteArray& bytes) {
     return 0;
 }
 
-// A QueueEmpty that sends nothing may be a step whose blocks lie past the image; the host keeps
-// calling for a few gaps before it takes the transmission as finished.
+// A QueueEmpty that sends nothing may be a step whose blocks lie past the image; the host calls
+// again a few times before it takes the transmission as finished.
 constexpr int kIdleCallsBeforeStopping = 8;
 constexpr int kFailuresBeforeStopping = 3;
 } // namespace
@@ -66,8 +66,11 @@ bool BlockPipeline::hasOutput() const {
 }
 
 void BlockPipeline::arm(double atMs) {
+    // Whole milliseconds down; drained() waits out the fraction, so QueueEmpty comes on the
+    // deadline rather than up to a millisecond after it.
+    armedAtMs_ = atMs;
     const double wait = std::max(0.0, atMs - double(clock_.nsecsElapsed()) / 1e6);
-    timer_.start(int(std::ceil(wait)));
+    timer_.start(int(std::floor(wait)));
 }
 
 void BlockPipeline::send(int address, const QByteArray& data, int model) {
@@ -136,6 +139,8 @@ QString BlockPipeline::deliveryReport() const {
 
 void BlockPipeline::drained() {
     if (!queueEmpty_ || failed()) return;
+    while (double(clock_.nsecsElapsed()) / 1e6 < armedAtMs_) {
+    }
     const int before = messages_;
     try {
         queueEmpty_();
@@ -149,7 +154,7 @@ void BlockPipeline::drained() {
     }
     if (running_ && endMs_ < 0 && !running_()) endMs_ = double(clock_.nsecsElapsed()) / 1e6;
     if (messages_ == before) {
-        if (++idleCalls_ < kIdleCallsBeforeStopping)
-            arm(double(clock_.nsecsElapsed()) / 1e6 + options_.gapMs);
+        // Nothing was queued, so the queue is still empty: the next QueueEmpty comes at once.
+        if (++idleCalls_ < kIdleCallsBeforeStopping) arm(double(clock_.nsecsElapsed()) / 1e6);
     }
 }

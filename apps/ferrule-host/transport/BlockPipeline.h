@@ -74,6 +74,7 @@ private:
     std::function<void()> queueEmpty_;
     std::function<bool()> running_;
     double deadlineMs_ = 0;
+    double armedAtMs_ = 0;
     int messages_ = 0;
     qint64 bytes_ = 0;
     double wireMs_ = 0;
