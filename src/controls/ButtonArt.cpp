@@ -149,46 +149,71 @@ QString ButtonArt::modeCaption(int index) {
     return QStringLiteral("GT-%1").arg(models[index]);
 }
 
-ButtonArt::ButtonArt() {
-    const QColor slateTop(0x4b, 0x53, 0x5e), slateBottom(0x2f, 0x35, 0x3d);
+ButtonArt::ButtonArt() = default;
+
+namespace {
+
+const QColor kSlateTop(0x4b, 0x53, 0x5e), kSlateBottom(0x2f, 0x35, 0x3d);
+
+// The pictures by their index: mode buttons 0-4 (normal), 10-14 (pressed), 20-24 (current);
+// tabs 0-12, 20-32, 40-52 likewise; command buttons 4-7 (normal), 8-11 (pressed), 12 and 13
+// (stop, and stop pressed). Other indexes hold no picture.
+QPixmap drawMode(int index) {
+    const int i = index % 10;
+    if (index >= 25 || i >= 5) return {};
+    const QString c = ButtonArt::modeCaption(i);
     const QColor dark(0x3a, 0x40, 0x48);
-    for (int i = 0; i < 5; ++i) {
-        const QString c = modeCaption(i);
-        mImg_[i] = drawPlate(kModeWidth, kModeHeight, c, Look::Normal, dark, slateTop, slateBottom);
-        mImg_[i + 10] =
-            drawPlate(kModeWidth, kModeHeight, c, Look::Pressed, dark, slateTop, slateBottom);
-        mImg_[i + 20] = drawPlate(kModeWidth, kModeHeight, c, Look::Current, kLedGreen,
-                                  QColor(0x3d, 0x5a, 0x48), QColor(0x25, 0x3a, 0x2d));
+    switch (index / 10) {
+    case 0:
+        return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Normal, dark,
+                         kSlateTop, kSlateBottom);
+    case 1:
+        return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Pressed, dark,
+                         kSlateTop, kSlateBottom);
+    default:
+        return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Current, kLedGreen,
+                         QColor(0x3d, 0x5a, 0x48), QColor(0x25, 0x3a, 0x2d));
     }
-    for (int i = 0; i < 13; ++i) {
-        Img_[i] = drawTab(kTabCaptions[std::size_t(i)], Look::Normal);
-        Img_[i + 20] = drawTab(kTabCaptions[std::size_t(i)], Look::Pressed);
-        Img_[i + 40] = drawTab(kTabCaptions[std::size_t(i)], Look::Current);
-    }
-    const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c),
-                            QColor(0xd8, 0x58, 0x4f), kLedGreen};
-    for (int i = 0; i < 4; ++i) {
-        const QString c = kCommandCaptions[std::size_t(i)];
-        CButton_[i + 4] = drawPlate(kCommandWidth, kCommandHeight, c, Look::Normal, leds[i],
-                                    slateTop, slateBottom);
-        CButton_[i + 8] = drawPlate(kCommandWidth, kCommandHeight, c, Look::Pressed, leds[i],
-                                    slateTop, slateBottom);
-    }
-    const QColor stopTop(0x8a, 0x2f, 0x2a), stopBottom(0x5c, 0x1c, 0x19), red(0xff, 0x4a, 0x3d);
-    CButton_[12] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Current,
-                             red, stopTop, stopBottom);
-    CButton_[13] = drawPlate(kCommandWidth, kCommandHeight, QStringLiteral("Stop"), Look::Pressed,
-                             red, stopTop, stopBottom);
 }
 
+QPixmap drawTabPicture(int index) {
+    const int i = index % 20;
+    if (index >= 53 || i >= 13) return {};
+    const Look look = index < 20 ? Look::Normal : index < 40 ? Look::Pressed : Look::Current;
+    return drawTab(kTabCaptions[std::size_t(i)], look);
+}
+
+QPixmap drawCommand(int index) {
+    const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c),
+                            QColor(0xd8, 0x58, 0x4f), kLedGreen};
+    if (index >= 4 && index < 12) {
+        const int i = index % 4;
+        return drawPlate(ButtonArt::kCommandWidth, ButtonArt::kCommandHeight,
+                         kCommandCaptions[std::size_t(i)], index < 8 ? Look::Normal : Look::Pressed,
+                         leds[i], kSlateTop, kSlateBottom);
+    }
+    const QColor stopTop(0x8a, 0x2f, 0x2a), stopBottom(0x5c, 0x1c, 0x19), red(0xff, 0x4a, 0x3d);
+    if (index == 12 || index == 13)
+        return drawPlate(ButtonArt::kCommandWidth, ButtonArt::kCommandHeight,
+                         QStringLiteral("Stop"), index == 12 ? Look::Current : Look::Pressed, red,
+                         stopTop, stopBottom);
+    return {};
+}
+
+} // namespace
+
+// Each picture is drawn the first time it is asked for and kept: a window shows few of them.
 const QPixmap& ButtonArt::mImg(int index) const {
-    return mImg_[index];
+    return cached(mImg_[index], mImgDrawn_[std::size_t(index)],
+                  [index] { return drawMode(index); });
 }
 const QPixmap& ButtonArt::Img(int index) const {
-    return Img_[index];
+    return cached(Img_[index], ImgDrawn_[std::size_t(index)],
+                  [index] { return drawTabPicture(index); });
 }
 const QPixmap& ButtonArt::CButton(int index) const {
-    return CButton_[index];
+    return cached(CButton_[index], CButtonDrawn_[std::size_t(index)],
+                  [index] { return drawCommand(index); });
 }
 
 } // namespace ferrule

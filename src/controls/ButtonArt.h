@@ -3,12 +3,15 @@
 #include <QPixmap>
 #include <QString>
 
+#include <array>
+
 namespace ferrule {
 
-// The pictures of the window's image buttons, drawn in code at start-up and kept at the indexes
-// the window uses: mode buttons mImg 0-4 (normal), 10-14 (pressed), 20-24 (current model); tab
-// buttons Img 0-12 (normal), 20-32 (pressed), 40-52 (current page); command buttons CButton
-// 4-7 (normal), 8-11 (pressed), 12 and 13 (transmit button while sending: normal, pressed).
+// The pictures of the window's image buttons, drawn in code the first time each is asked for and
+// kept at the indexes the window uses: mode buttons mImg 0-4 (normal), 10-14 (pressed), 20-24
+// (current model); tab buttons Img 0-12 (normal), 20-32 (pressed), 40-52 (current page); command
+// buttons CButton 4-7 (normal), 8-11 (pressed), 12 and 13 (transmit button while sending: normal,
+// pressed).
 class ButtonArt {
 public:
     static constexpr int kTabWidth = 32; // pixels; tabs stand 495 twips apart
@@ -28,9 +31,20 @@ public:
     static QString modeCaption(int index);
 
 private:
-    QPixmap mImg_[25];
-    QPixmap Img_[53];
-    QPixmap CButton_[14];
+    template <class Draw> static const QPixmap& cached(QPixmap& slot, bool& drawn, Draw draw) {
+        if (!drawn) {
+            slot = draw();
+            drawn = true;
+        }
+        return slot;
+    }
+
+    mutable QPixmap mImg_[25];
+    mutable QPixmap Img_[53];
+    mutable QPixmap CButton_[14];
+    mutable std::array<bool, 25> mImgDrawn_{};
+    mutable std::array<bool, 53> ImgDrawn_{};
+    mutable std::array<bool, 14> CButtonDrawn_{};
 };
 
 } // namespace ferrule

@@ -49,7 +49,13 @@ GridEditor::GridEditor(QWidget* pageArea, SystemImage& image, const int& base,
     , selector_(selector) {
     setObjectName(QStringLiteral("Grid"));
     setProperty("ferruleKind", QStringLiteral("grid"));
-    build(pageArea);
+    pageArea_ = pageArea;
+}
+
+void GridEditor::ensureBuilt() const {
+    // The grid's widgets are made the first time a grid is shown or read: a window that never
+    // shows its grid pages (the GT-10 has none) never pays for them.
+    if (!built()) const_cast<GridEditor*>(this)->build(pageArea_);
 }
 
 void GridEditor::build(QWidget* pageArea) {
@@ -118,6 +124,11 @@ void GridEditor::showCommon(bool visible) {
 }
 
 void GridEditor::ShowHarmonistGrid(bool visible) {
+    if (!visible && !built()) {
+        page_ = page_ == 5 ? 0 : page_;
+        return;
+    }
+    ensureBuilt();
     showCommon(visible);
     if (visible) {
         const int view = selector_.Selected();
@@ -141,6 +152,11 @@ void GridEditor::ShowHarmonistGrid(bool visible) {
 }
 
 void GridEditor::ShowPhraseGrid(bool visible) {
+    if (!visible && !built()) {
+        page_ = page_ == 6 ? 0 : page_;
+        return;
+    }
+    ensureBuilt();
     showCommon(visible);
     if (visible) {
         stepLabels_[0]->setText(QStringLiteral("Step 1 "));
@@ -160,6 +176,7 @@ void GridEditor::ShowPhraseGrid(bool visible) {
 }
 
 void GridEditor::RefreshHarmonistGrid() {
+    ensureBuilt();
     const int view = selector_.Selected();
     for (int s = 0; s < 16; ++s)
         for (int r = 0; r < 12; ++r)
@@ -168,6 +185,7 @@ void GridEditor::RefreshHarmonistGrid() {
 }
 
 void GridEditor::RefreshPhraseGrid() {
+    ensureBuilt();
     const int phrase = selector_.Selected();
     for (int k = 0; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
@@ -181,6 +199,7 @@ int GridEditor::cellAddress(int b) const {
 }
 
 QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
+    ensureBuilt();
     clicked_ = b;
     const int r = b / 16;
     if (menu_) menu_->deleteLater();
@@ -244,6 +263,7 @@ bool GridEditor::eventFilter(QObject* watched, QEvent* event) {
 }
 
 QStringList GridEditor::cells() const {
+    ensureBuilt();
     QStringList out;
     for (const QLabel* c : cells_)
         out << c->text();
@@ -251,6 +271,7 @@ QStringList GridEditor::cells() const {
 }
 
 QStringList GridEditor::columnHeadings() const {
+    ensureBuilt();
     QStringList out;
     for (const QLabel* l : stepLabels_)
         out << l->text();
@@ -258,6 +279,7 @@ QStringList GridEditor::columnHeadings() const {
 }
 
 QStringList GridEditor::rowHeadings() const {
+    ensureBuilt();
     QStringList out;
     for (const QLabel* l : keyLabels_)
         out << l->text();

@@ -61,8 +61,14 @@ public:
     QStringList columnHeadings() const;
     QStringList rowHeadings() const;
     int clickedCell() const { return clicked_; }
-    QLabel* cell(int b) const { return cells_.at(std::size_t(b)); }
-    QPushButton* autoFillButton() const { return autoFill_; }
+    QLabel* cell(int b) const {
+        ensureBuilt();
+        return cells_.at(std::size_t(b));
+    }
+    QPushButton* autoFillButton() const {
+        ensureBuilt();
+        return autoFill_;
+    }
     QMenu* menu() const { return menu_; }
 
     // Errors while carrying out a choice are handed here (the window shows them).
@@ -75,9 +81,12 @@ protected:
 
 private:
     void build(QWidget* pageArea);
+    bool built() const { return cells_[0] != nullptr; }
+    void ensureBuilt() const;
     void showCommon(bool visible);
     void guarded(const std::function<void()>& action);
 
+    QWidget* pageArea_ = nullptr;
     SystemImage& image_;
     const int& base_;
     cCheckRadio& selector_;
