@@ -1,11 +1,18 @@
-// A knob drag against a QDial driven the same way: per mouse move, the new value and a
-// synchronous repaint. Both get the same sweep of positions around their centre.
+// A knob against a QDial and a slider against a QSlider, as a user drags them: each pair sits
+// in one exposed window, every mouse move goes through the event loop, and the time includes
+// the repaint it causes (paint events are counted). Both sides alternate move by move in the
+// same run; the counters give each side's time per move, their ratio, and paints per move.
 
 #include "controls/RKnob.h"
+#include "controls/VSlider.h"
 
 #include <QApplication>
 #include <QDial>
+#include <QElapsedTimer>
+#include <QHBoxLayout>
 #include <QMouseEvent>
+#include <QSlider>
+#include <QTest>
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -13,8 +20,25 @@
 
 namespace {
 
-// Points on a circle around `centre`, sweeping back and forth over the upper 260°.
-std::vector<QPointF> sweep(QPointF centre, double radius) {
+class PaintCounter : public QObject {
+public:
+    int paints = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+};
+
+void mouse(QWidget* w, QEvent::Type type, QPointF at, Qt::MouseButtons held) {
+    QMouseEvent e(type, at, w->mapToGlobal(at),
+                  type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held, {});
+    QApplication::sendEvent(w, &e);
+}
+
+// Points on a circle around `centre`, back and forth over the upper 260°.
+std::vector<QPointF> arc(QPointF centre, double radius) {
     std::vector<QPointF> points;
     for (int i = 0; i <= 260; i += 2) {
         const double a = (140.0 + i) * M_PI / 180.0;
@@ -25,46 +49,92 @@ std::vector<QPointF> sweep(QPointF centre, double radius) {
     return points;
 }
 
-void drag(QWidget* w, const std::vector<QPointF>& points, benchmark::State& st) {
-    const QPointF start = points.front();
-    QMouseEvent press(QEvent::MouseButtonPress, start, w->mapToGlobal(start), Qt::LeftButton,
-                      Qt::LeftButton, {});
-    QApplication::sendEvent(w, &press);
+// Points up and down a vertical line.
+std::vector<QPointF> line(double x, double top, double bottom) {
+    std::vector<QPointF> points;
+    for (double y = bottom; y >= top; y -= 1.0)
+        points.emplace_back(x, y);
+    const auto forward = points;
+    points.insert(points.end(), forward.rbegin(), forward.rend());
+    return points;
+}
+
+// Drags `ours` and `theirs` move for move; each move is timed until its paint has happened.
+void race(benchmark::State& st, QWidget* ours, const std::vector<QPointF>& ourPath, QWidget* theirs,
+          const std::vector<QPointF>& theirPath) {
+    QWidget window;
+    auto* layout = new QHBoxLayout(&window);
+    layout->addWidget(ours);
+    layout->addWidget(theirs);
+    window.show();
+    if (!QTest::qWaitForWindowExposed(&window)) {
+        st.SkipWithError("the window was not exposed");
+        return;
+    }
+    QApplication::processEvents();
+    PaintCounter ourPaints, theirPaints;
+    ours->installEventFilter(&ourPaints);
+    theirs->installEventFilter(&theirPaints);
+    mouse(ours, QEvent::MouseButtonPress, ourPath.front(), Qt::LeftButton);
+    mouse(theirs, QEvent::MouseButtonPress, theirPath.front(), Qt::LeftButton);
+    QApplication::processEvents();
+    ourPaints.paints = theirPaints.paints = 0;
+    QElapsedTimer clock;
+    qint64 ourNs = 0, theirNs = 0;
     std::size_t i = 0;
     for (auto _ : st) {
-        const QPointF p = points[i++ % points.size()];
-        QMouseEvent move(QEvent::MouseMove, p, w->mapToGlobal(p), Qt::NoButton, Qt::LeftButton, {});
-        QApplication::sendEvent(w, &move);
-        w->repaint();
+        clock.start();
+        mouse(ours, QEvent::MouseMove, ourPath[i % ourPath.size()], Qt::LeftButton);
+        QApplication::processEvents();
+        const qint64 a = clock.nsecsElapsed();
+        clock.start();
+        mouse(theirs, QEvent::MouseMove, theirPath[i % theirPath.size()], Qt::LeftButton);
+        QApplication::processEvents();
+        const qint64 b = clock.nsecsElapsed();
+        ourNs += a;
+        theirNs += b;
+        st.SetIterationTime(double(a) / 1e9);
+        ++i;
     }
-    QMouseEvent release(QEvent::MouseButtonRelease, start, w->mapToGlobal(start), Qt::LeftButton,
-                        Qt::NoButton, {});
-    QApplication::sendEvent(w, &release);
+    mouse(ours, QEvent::MouseButtonRelease, ourPath.front(), Qt::NoButton);
+    mouse(theirs, QEvent::MouseButtonRelease, theirPath.front(), Qt::NoButton);
+    const double n = double(i);
+    st.counters["ours_us"] = double(ourNs) / n / 1e3;
+    st.counters["qt_us"] = double(theirNs) / n / 1e3;
+    st.counters["ratio"] = double(ourNs) / double(theirNs);
+    st.counters["ours_paints_per_move"] = ourPaints.paints / n;
+    st.counters["qt_paints_per_move"] = theirPaints.paints / n;
+    layout->removeWidget(ours);
+    layout->removeWidget(theirs);
+    ours->setParent(nullptr);
+    theirs->setParent(nullptr);
 }
 
 } // namespace
 
-static void BM_KnobDragMove(benchmark::State& st) {
+static void BM_KnobVsQDial(benchmark::State& st) {
     ferrule::RKnob knob;
     knob.setMax(100);
     knob.setValue(50);
-    knob.show();
-    int changes = 0;
-    QObject::connect(&knob, &ferrule::RKnob::Change, [&changes](int) { ++changes; });
-    drag(&knob, sweep(QPointF(25, 25), 18), st);
-    st.counters["changes"] = changes;
-}
-BENCHMARK(BM_KnobDragMove);
-
-static void BM_QDialDragMove(benchmark::State& st) {
     QDial dial;
     dial.setRange(0, 100);
     dial.setValue(50);
-    dial.resize(51, 68);
-    dial.show();
-    int changes = 0;
-    QObject::connect(&dial, &QDial::valueChanged, [&changes](int) { ++changes; });
-    drag(&dial, sweep(QPointF(25, 34), 18), st);
-    st.counters["changes"] = changes;
+    dial.setFixedSize(51, 68);
+    race(st, &knob, arc(QPointF(25, 25), 18), &dial, arc(QPointF(25, 34), 18));
 }
-BENCHMARK(BM_QDialDragMove);
+BENCHMARK(BM_KnobVsQDial)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(20000);
+
+static void BM_SliderVsQSlider(benchmark::State& st) {
+    ferrule::VSlider slider;
+    slider.setEnabledInput(true); // as the page primitives leave a placed slider
+    slider.setMax(100);
+    slider.setValue(50);
+    QSlider qslider(Qt::Vertical);
+    qslider.setRange(0, 100);
+    qslider.setValue(50);
+    qslider.setFixedSize(86, 80);
+    // Both thumbs are grabbed where they sit, in the middle, and dragged up to the top and back.
+    const double thumbY = std::floor((slider.thumbTop() + 60) / 15.0);
+    race(st, &slider, line(645 / 15.0, 2, thumbY), &qslider, line(43, 2, 40));
+}
+BENCHMARK(BM_SliderVsQSlider)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(20000);

@@ -34,11 +34,25 @@ QPoint RKnob::pointerPosition(int value, int max) {
     return {left, top};
 }
 
+QRect RKnob::pointerRect() const {
+    // The dot and its antialiased edge, with a pixel to spare.
+    const QPointF centre((pointerLeft_ + kPointerSize / 2.0) / kTwipsPerPixel,
+                         (pointerTop_ + kPointerSize / 2.0) / kTwipsPerPixel);
+    return QRectF(centre.x() - 5, centre.y() - 5, 10, 10).toAlignedRect();
+}
+
+void RKnob::movePointer(int left, int top) {
+    // Only the dot's old and new places are painted again, and only when it moves.
+    if (left == pointerLeft_ && top == pointerTop_) return;
+    update(pointerRect());
+    pointerLeft_ = left;
+    pointerTop_ = top;
+    update(pointerRect());
+}
+
 void RKnob::placePointer() {
     const QPoint p = pointerPosition(value_, max_);
-    pointerLeft_ = p.x();
-    pointerTop_ = p.y();
-    update();
+    movePointer(p.x(), p.y());
 }
 
 void RKnob::setValue(int v) {
@@ -91,9 +105,7 @@ void RKnob::TrackPointer(double x, double y) {
         if (value_ == 0 && newValue > max_ * 0.5) return;
         if (value_ == max_ && newValue < max_ * 0.5) return;
     }
-    pointerLeft_ = int(std::floor(refX)) - 75;
-    pointerTop_ = int(std::floor(refY)) - 75;
-    update();
+    movePointer(int(std::floor(refX)) - 75, int(std::floor(refY)) - 75);
     if (newValue == value_) return;
     storeValue(newValue);
     emit Change(newValue);

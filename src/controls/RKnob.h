@@ -41,6 +41,9 @@ private:
     void placePointer();
 
     int color_ = 0;
+    QRect pointerRect() const;
+    void movePointer(int left, int top);
+
     int pointerLeft_ = 0;
     int pointerTop_ = 0;
     double lastX_ = -1;

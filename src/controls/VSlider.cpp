@@ -26,9 +26,19 @@ int VSlider::thumbPosition(int value, int min, int max, int travel) {
     return int(std::floor(double(travel) / (max - min) * (max - value) + 0.5));
 }
 
+QRect VSlider::thumbRect() const {
+    return QRect(twipsToPx(kThumbLeft), twipsToPx(thumbTop_), twipsToPx(kThumbWidth),
+                 twipsToPx(kThumbHeight))
+        .adjusted(-2, -2, 2, 2);
+}
+
 void VSlider::placeThumb() {
-    thumbTop_ = thumbPosition(value_, min_, max_, travel_);
-    update();
+    // Only the thumb's old and new places are painted again, and only when it moves.
+    const int top = thumbPosition(value_, min_, max_, travel_);
+    if (top == thumbTop_) return;
+    update(thumbRect());
+    thumbTop_ = top;
+    update(thumbRect());
 }
 
 void VSlider::setMin(int m) {

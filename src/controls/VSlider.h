@@ -48,6 +48,7 @@ protected:
 
 private:
     void placeThumb();
+    QRect thumbRect() const;
 
     int min_ = 0;
     bool enabled_ = false;

@@ -29,7 +29,9 @@ QString ValueControl::valueText() const {
 }
 
 void ValueControl::rewriteLabel() {
-    text_ = source_ ? source_(value_, format_, type_) : QString::number(value_);
+    QString text = source_ ? source_(value_, format_, type_) : QString::number(value_);
+    if (text == text_) return; // the label looks the same: nothing to paint
+    text_ = std::move(text);
     update(labelRect_);
 }
 
@@ -46,12 +48,12 @@ void ValueControl::setMax(int m) {
 
 void ValueControl::setOff(bool off) {
     off_ = off;
-    if (off) {
+    // Off changes the whole look (the knob's dot, the slider's thumb), not only the label.
+    update();
+    if (off)
         text_ = QStringLiteral("off");
-        update(labelRect_);
-    } else {
+    else
         rewriteLabel();
-    }
 }
 
 void ValueControl::CommitValue(int v) {
