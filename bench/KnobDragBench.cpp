@@ -6,6 +6,8 @@
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 
+#include "PaintCounter.h"
+
 #include <QApplication>
 #include <QDial>
 #include <QElapsedTimer>
@@ -19,17 +21,6 @@
 #include <vector>
 
 namespace {
-
-class PaintCounter : public QObject {
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
 
 void mouse(QWidget* w, QEvent::Type type, QPointF at, Qt::MouseButtons held) {
     QMouseEvent e(type, at, w->mapToGlobal(at),

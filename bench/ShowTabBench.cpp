@@ -6,26 +6,15 @@
 #include "editor/SysForm.h"
 #include "sysdata/ModuleState.h"
 
+#include "PaintCounter.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QTest>
 
 #include <benchmark/benchmark.h>
 
-namespace {
-
-class PaintCounter : public QObject {
-public:
-    int paints = 0;
-
-protected:
-    bool eventFilter(QObject*, QEvent* e) override {
-        if (e->type() == QEvent::Paint) ++paints;
-        return false;
-    }
-};
-
-} // namespace
+namespace {} // namespace
 
 static void BM_ShowTabPainted(benchmark::State& st) {
     const int model = int(st.range(0));

@@ -1,6 +1,7 @@
 #include "MidiInput.h"
 
 #include "QuietStderr.h"
+#include "RtMidiPorts.h"
 
 #include <QSocketNotifier>
 
@@ -82,39 +83,19 @@ bool MidiInput::create(MidiApi api, const QString& clientName, QString* error) {
 bool MidiInput::open(MidiApi api, const QString& clientName, const QString& nameOrNumber,
                      QString* error) {
     if (!create(api, clientName, error)) return false;
-    QStringList names;
-    for (unsigned i = 0; i < in_->getPortCount(); ++i)
-        names << QString::fromStdString(in_->getPortName(i));
-    const int chosen = choosePort(names, nameOrNumber);
-    if (chosen < 0) {
-        if (error)
-            *error = QStringLiteral("no %1 MIDI input port \"%2\" (%3 port(s); see "
-                                    "--list-midi-ports)")
-                         .arg(midiApiName(api).toUpper(), nameOrNumber)
-                         .arg(names.size());
+    const QString name = openNamedPort(*in_, api, clientName, nameOrNumber, true, error);
+    if (name.isEmpty()) {
         in_.reset();
         return false;
     }
-    try {
-        QuietStderr quiet;
-        in_->openPort(unsigned(chosen), clientName.toStdString() + " in");
-    } catch (const RtMidiError& e) {
-        if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
-        in_.reset();
-        return false;
-    }
-    portName_ = names[chosen];
+    portName_ = name;
     return true;
 }
 
 bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QString& portName,
                             QString* error) {
     if (!create(api, clientName, error)) return false;
-    try {
-        QuietStderr quiet;
-        in_->openVirtualPort(portName.toStdString());
-    } catch (const RtMidiError& e) {
-        if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
+    if (!openOwnPort(*in_, portName, error)) {
         in_.reset();
         return false;
     }

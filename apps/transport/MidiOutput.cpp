@@ -1,6 +1,7 @@
 #include "MidiOutput.h"
 
 #include "QuietStderr.h"
+#include "RtMidiPorts.h"
 
 #include <RtMidi.h>
 
@@ -36,28 +37,12 @@ bool MidiOutput::open(MidiApi api, const QString& clientName, const QString& nam
                       QString* error) {
     out_ = makeOutput(api, clientName, error);
     if (!out_) return false;
-    QStringList names;
-    for (unsigned i = 0; i < out_->getPortCount(); ++i)
-        names << QString::fromStdString(out_->getPortName(i));
-    const int chosen = choosePort(names, nameOrNumber);
-    if (chosen < 0) {
-        if (error)
-            *error = QStringLiteral("no %1 MIDI output port \"%2\" (%3 port(s); see "
-                                    "--list-midi-ports)")
-                         .arg(midiApiName(api).toUpper(), nameOrNumber)
-                         .arg(names.size());
+    const QString name = openNamedPort(*out_, api, clientName, nameOrNumber, false, error);
+    if (name.isEmpty()) {
         out_.reset();
         return false;
     }
-    try {
-        QuietStderr quiet;
-        out_->openPort(unsigned(chosen), clientName.toStdString() + " out");
-    } catch (const RtMidiError& e) {
-        if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
-        out_.reset();
-        return false;
-    }
-    portName_ = names[chosen];
+    portName_ = name;
     return true;
 }
 
@@ -65,11 +50,7 @@ bool MidiOutput::openVirtual(MidiApi api, const QString& clientName, const QStri
                              QString* error) {
     out_ = makeOutput(api, clientName, error);
     if (!out_) return false;
-    try {
-        QuietStderr quiet;
-        out_->openVirtualPort(portName.toStdString());
-    } catch (const RtMidiError& e) {
-        if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
+    if (!openOwnPort(*out_, portName, error)) {
         out_.reset();
         return false;
     }

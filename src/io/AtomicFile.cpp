@@ -29,22 +29,22 @@ void removeStaleTemps(const QFileInfo& target) {
         ::unlink(QFile::encodeName(dir.filePath(name)).constData());
 }
 
-bool writeAll(int fd, const QByteArray& bytes) {
+} // namespace
+
+int writeAll(int fd, const QByteArray& bytes) {
     const char* p = bytes.constData();
     qsizetype left = bytes.size();
     while (left > 0) {
         const ssize_t n = ::write(fd, p, std::size_t(left));
         if (n < 0) {
             if (errno == EINTR) continue;
-            return false;
+            return errno;
         }
         p += n;
         left -= n;
     }
-    return true;
+    return 0;
 }
-
-} // namespace
 
 bool writable(const QString& path, QString* error) {
     const QFileInfo info(path);
@@ -86,8 +86,8 @@ bool write(const QString& path, const QByteArray& bytes, QString* error) {
                                   return m;
                               }());
     ::fchmod(fd, mode);
-    if (!writeAll(fd, bytes) || ::fsync(fd) != 0) {
-        const int code = errno;
+    if (const int written = writeAll(fd, bytes); written != 0 || ::fsync(fd) != 0) {
+        const int code = written != 0 ? written : errno;
         ::close(fd);
         ::unlink(temp.constData());
         return fail(code);

@@ -13,6 +13,9 @@ namespace ferrule {
 namespace AtomicFile {
 
 bool write(const QString& path, const QByteArray& bytes, QString* error);
+// Writes all of `bytes` to a file descriptor, through short writes and interruptions; 0, or the
+// errno of the failure.
+int writeAll(int fd, const QByteArray& bytes);
 // Whether a file could be written at `path` now (the folder exists and is writable, and the file,
 // if it exists, is a regular file); `error` says why not.
 bool writable(const QString& path, QString* error);

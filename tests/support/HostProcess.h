@@ -15,18 +15,24 @@ struct HostRun {
     }
 };
 
+// The environment ferrule-host runs in: offscreen, a private settings root, and `extra`.
+inline QProcessEnvironment hostEnvironment(const QString& settingsRoot,
+                                           const QProcessEnvironment& extra) {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(extra);
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
+    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
+    return env;
+}
+
 // Starts ferrule-host, waits until its stderr shows `cue`, calls `atCue`, then lets it finish.
 template <typename AtCue>
 inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRoot,
                               const QProcessEnvironment& extra, const QByteArray& cue, AtCue atCue,
                               int timeoutMs = 60000) {
     QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(extra);
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
-    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
-    p.setProcessEnvironment(env);
+    p.setProcessEnvironment(hostEnvironment(settingsRoot, extra));
     p.start(QStringLiteral(FERRULE_HOST_BINARY), args);
     p.setReadChannel(QProcess::StandardError);
     HostRun r;
@@ -47,12 +53,7 @@ inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRo
 inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000,
                        const QProcessEnvironment& extra = QProcessEnvironment()) {
     QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(extra);
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
-    env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
-    p.setProcessEnvironment(env);
+    p.setProcessEnvironment(hostEnvironment(settingsRoot, extra));
     p.start(QStringLiteral(FERRULE_HOST_BINARY), args);
     HostRun r;
     if (!p.waitForFinished(timeoutMs)) {

@@ -3,6 +3,7 @@
 #include "MidiOutput.h"
 #include "WireTime.h"
 #include "device/SysexCodec.h"
+#include "io/AtomicFile.h"
 
 #include <QStringList>
 
@@ -14,22 +15,6 @@
 #include <unistd.h>
 
 namespace {
-
-// Writes all of `bytes`; 0, or the errno of the failure.
-int writeAll(int fd, const QByteArray& bytes) {
-    const char* p = bytes.constData();
-    qsizetype left = bytes.size();
-    while (left > 0) {
-        const ssize_t n = ::write(fd, p, std::size_t(left));
-        if (n < 0) {
-            if (errno == EINTR) continue;
-            return errno;
-        }
-        p += n;
-        left -= n;
-    }
-    return 0;
-}
 
 // A QueueEmpty that sends nothing may be a step whose blocks lie past the image; the host calls
 // again a few times before it takes the transmission as finished.
@@ -89,7 +74,7 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     }
     if (syx_.isOpen()) {
         // Straight to the file descriptor: the system's reason survives a failed write.
-        const int error = writeAll(syx_.handle(), message);
+        const int error = ferrule::AtomicFile::writeAll(syx_.handle(), message);
         if (error != 0) {
             // Cut back to the last whole message, so the file stays a valid .syx.
             const int cut = ::ftruncate(syx_.handle(), off_t(syxBytes_));
