@@ -1,6 +1,8 @@
 // A knob against a QDial and a slider against a QSlider, as a user drags them: each pair sits
 // in one exposed window, every mouse move goes through the event loop, and the time includes
-// the repaint it causes (paint events are counted). Both sides alternate move by move in the
+// the repaint it causes (paint events are counted). Argument 1: like the editor's controls, which
+// show their value, the Qt side shows its value in a QLabel kept up to date from valueChanged;
+// argument 0: the bare Qt widget. Both sides alternate move by move in the
 // same run; the counters give each side's time per move, their ratio, and paints per move.
 
 #include "controls/RKnob.h"
@@ -12,9 +14,11 @@
 #include <QDial>
 #include <QElapsedTimer>
 #include <QHBoxLayout>
+#include <QLabel>
 #include <QMouseEvent>
 #include <QSlider>
 #include <QTest>
+#include <QVBoxLayout>
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -51,12 +55,24 @@ std::vector<QPointF> line(double x, double top, double bottom) {
 }
 
 // Drags `ours` and `theirs` move for move; each move is timed until its paint has happened.
-void race(benchmark::State& st, QWidget* ours, const std::vector<QPointF>& ourPath, QWidget* theirs,
-          const std::vector<QPointF>& theirPath) {
+void race(benchmark::State& st, QWidget* ours, const std::vector<QPointF>& ourPath,
+          QAbstractSlider* theirs, const std::vector<QPointF>& theirPath, bool theirLabel) {
     QWidget window;
     auto* layout = new QHBoxLayout(&window);
     layout->addWidget(ours);
-    layout->addWidget(theirs);
+    auto* column = new QVBoxLayout;
+    column->addWidget(theirs);
+    auto* valueLabel = new QLabel(QString::number(theirs->value()), &window);
+    valueLabel->setAlignment(Qt::AlignCenter);
+    valueLabel->setMinimumWidth(40);
+    if (theirLabel) {
+        QObject::connect(theirs, &QAbstractSlider::valueChanged, valueLabel,
+                         qOverload<int>(&QLabel::setNum));
+        column->addWidget(valueLabel);
+    } else {
+        valueLabel->hide();
+    }
+    layout->addLayout(column);
     window.show();
     if (!QTest::qWaitForWindowExposed(&window)) {
         st.SkipWithError("the window was not exposed");
@@ -66,6 +82,7 @@ void race(benchmark::State& st, QWidget* ours, const std::vector<QPointF>& ourPa
     PaintCounter ourPaints, theirPaints;
     ours->installEventFilter(&ourPaints);
     theirs->installEventFilter(&theirPaints);
+    valueLabel->installEventFilter(&theirPaints);
     mouse(ours, QEvent::MouseButtonPress, ourPath.front(), Qt::LeftButton);
     mouse(theirs, QEvent::MouseButtonPress, theirPath.front(), Qt::LeftButton);
     QApplication::processEvents();
@@ -96,7 +113,7 @@ void race(benchmark::State& st, QWidget* ours, const std::vector<QPointF>& ourPa
     st.counters["ours_paints_per_move"] = ourPaints.paints / n;
     st.counters["qt_paints_per_move"] = theirPaints.paints / n;
     layout->removeWidget(ours);
-    layout->removeWidget(theirs);
+    column->removeWidget(theirs);
     ours->setParent(nullptr);
     theirs->setParent(nullptr);
 }
@@ -111,9 +128,14 @@ static void BM_KnobVsQDial(benchmark::State& st) {
     dial.setRange(0, 100);
     dial.setValue(50);
     dial.setFixedSize(51, 68);
-    race(st, &knob, arc(QPointF(25, 25), 18), &dial, arc(QPointF(25, 34), 18));
+    race(st, &knob, arc(QPointF(25, 25), 18), &dial, arc(QPointF(25, 34), 18), st.range(0) != 0);
 }
-BENCHMARK(BM_KnobVsQDial)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(20000);
+BENCHMARK(BM_KnobVsQDial)
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
+    ->Iterations(20000);
 
 static void BM_SliderVsQSlider(benchmark::State& st) {
     ferrule::VSlider slider;
@@ -126,6 +148,11 @@ static void BM_SliderVsQSlider(benchmark::State& st) {
     qslider.setFixedSize(86, 80);
     // Both thumbs are grabbed where they sit, in the middle, and dragged up to the top and back.
     const double thumbY = std::floor((slider.thumbTop() + 60) / 15.0);
-    race(st, &slider, line(645 / 15.0, 2, thumbY), &qslider, line(43, 2, 40));
+    race(st, &slider, line(645 / 15.0, 2, thumbY), &qslider, line(43, 2, 40), st.range(0) != 0);
 }
-BENCHMARK(BM_SliderVsQSlider)->UseManualTime()->Unit(benchmark::kMicrosecond)->Iterations(20000);
+BENCHMARK(BM_SliderVsQSlider)
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond)
+    ->Iterations(20000);

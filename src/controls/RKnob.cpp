@@ -34,16 +34,28 @@ QPoint RKnob::pointerPosition(int value, int max) {
     return {left, top};
 }
 
+QPointF RKnob::pointerCentre() const {
+    // The pointer is a picture placed at (Left, Top) in twips; like any control it sits on
+    // whole pixels, and the dot is centred in its 165-twip square.
+    return {twipsToPx(pointerLeft_) + kPointerSize / 2.0 / kTwipsPerPixel,
+            twipsToPx(pointerTop_) + kPointerSize / 2.0 / kTwipsPerPixel};
+}
+
 QRect RKnob::pointerRect() const {
     // The dot and its antialiased edge, with a pixel to spare.
-    const QPointF centre((pointerLeft_ + kPointerSize / 2.0) / kTwipsPerPixel,
-                         (pointerTop_ + kPointerSize / 2.0) / kTwipsPerPixel);
+    const QPointF centre = pointerCentre();
     return QRectF(centre.x() - 5, centre.y() - 5, 10, 10).toAlignedRect();
 }
 
 void RKnob::movePointer(int left, int top) {
-    // Only the dot's old and new places are painted again, and only when it moves.
-    if (left == pointerLeft_ && top == pointerTop_) return;
+    // The position is kept in twips; the dot is painted again only when its pixel changes, and
+    // only at its old and new places.
+    const QPoint before(twipsToPx(pointerLeft_), twipsToPx(pointerTop_));
+    if (before == QPoint(twipsToPx(left), twipsToPx(top))) {
+        pointerLeft_ = left;
+        pointerTop_ = top;
+        return;
+    }
     update(pointerRect());
     pointerLeft_ = left;
     pointerTop_ = top;
@@ -111,7 +123,7 @@ void RKnob::TrackPointer(double x, double y) {
     emit Change(newValue);
 }
 
-void RKnob::paintEvent(QPaintEvent*) {
+void RKnob::paintEvent(QPaintEvent* e) {
     QPainter p(this);
     const QRect picture(0, 0, twipsToPx(kWidth), twipsToPx(kPictureHeight));
     // The mask clears the knob's area to black and keeps the background; OR lays the knob in.
@@ -122,13 +134,13 @@ void RKnob::paintEvent(QPaintEvent*) {
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     // The pointer: a lit dot centred in its 165-twip square.
     p.setRenderHint(QPainter::Antialiasing);
-    const QPointF centre((pointerLeft_ + kPointerSize / 2.0) / kTwipsPerPixel,
-                         (pointerTop_ + kPointerSize / 2.0) / kTwipsPerPixel);
+    const QPointF centre = pointerCentre();
     p.setPen(QPen(QColor(0x1b, 0x1e, 0x22), 1.0));
     p.setBrush(Off() ? QColor(0x9a, 0xa0, 0xa8) : QColor(0xfb, 0xf7, 0xe8));
     p.drawEllipse(centre, 2.6, 2.6);
     p.setRenderHint(QPainter::Antialiasing, false);
-    paintValueLabel(p);
+    // The text is laid out only when its box is part of what is painted.
+    if (e->region().intersects(valueLabelRect())) paintValueLabel(p);
 }
 
 void RKnob::mousePressEvent(QMouseEvent* e) {

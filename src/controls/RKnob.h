@@ -41,6 +41,7 @@ private:
     void placePointer();
 
     int color_ = 0;
+    QPointF pointerCentre() const;
     QRect pointerRect() const;
     void movePointer(int left, int top);
 

@@ -33,9 +33,13 @@ QRect VSlider::thumbRect() const {
 }
 
 void VSlider::placeThumb() {
-    // Only the thumb's old and new places are painted again, and only when it moves.
+    // The thumb is a picture placed in twips, so it sits on whole pixels: it is painted again
+    // only when its pixel changes, and only at its old and new places.
     const int top = thumbPosition(value_, min_, max_, travel_);
-    if (top == thumbTop_) return;
+    if (twipsToPx(top) == twipsToPx(thumbTop_)) {
+        thumbTop_ = top;
+        return;
+    }
     update(thumbRect());
     thumbTop_ = top;
     update(thumbRect());
@@ -93,7 +97,7 @@ void VSlider::dragTo(double y) {
         CommitValue(int(std::floor(max_ - p / travel_ * (max_ - min_) + 0.5)));
 }
 
-void VSlider::paintEvent(QPaintEvent*) {
+void VSlider::paintEvent(QPaintEvent* e) {
     QPainter p(this);
     const QRect track(twipsToPx(495), 0, twipsToPx(300), twipsToPx(915));
     p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
@@ -102,9 +106,9 @@ void VSlider::paintEvent(QPaintEvent*) {
     p.drawPixmap(track, ControlArt::trackImage());
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     // The thumb travels 52 pixels; its picture is 9 pixels high, drawn from its top.
-    p.drawPixmap(QPointF(double(kThumbLeft) / kTwipsPerPixel, double(thumbTop_) / kTwipsPerPixel),
-                 ControlArt::thumbImage());
-    paintValueLabel(p);
+    p.drawPixmap(QPoint(twipsToPx(kThumbLeft), twipsToPx(thumbTop_)), ControlArt::thumbImage());
+    // The text is laid out only when its box is part of what is painted.
+    if (e->region().intersects(valueLabelRect())) paintValueLabel(p);
 }
 
 void VSlider::mousePressEvent(QMouseEvent* e) {
