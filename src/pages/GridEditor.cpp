@@ -1,5 +1,6 @@
 #include "GridEditor.h"
 
+#include "GridCells.h"
 #include "StepText.h"
 #include "controls/CaptionLabel.h"
 #include "controls/cCheckRadio.h"
@@ -90,18 +91,11 @@ void GridEditor::build(QWidget* pageArea) {
         s->setStyleSheet(QStringLiteral("color: #e9edf1;"));
         stepLabels_[std::size_t(c)] = s;
     }
-    for (int b = 0; b < kCells; ++b) {
-        QLabel* cell = makeCaptionLabel(pageArea, QStringLiteral("ARBox%1").arg(b), 9, false);
-        cell->setGeometry(kLeft + (b % 16) * kColumn, kTop + (b / 16) * kRow, kCellWidth,
-                          kCellHeight);
-        cell->setAlignment(Qt::AlignCenter);
-        cell->setStyleSheet(QStringLiteral(
-            "QLabel { background: white; border: 1px solid #a9b4c0; border-radius: 2px; "
-            "color: #1d2228; } QLabel:hover { border-color: #2f7bd8; }"));
-        cell->setCursor(Qt::PointingHandCursor);
-        cell->installEventFilter(this);
-        cells_[std::size_t(b)] = cell;
-    }
+    cells_ = new GridCells(pageArea, QSize(kCellWidth, kCellHeight), kColumn, kRow);
+    cells_->move(kLeft, kTop);
+    cells_->hide();
+    connect(cells_, &GridCells::clicked, this,
+            [this](int b, const QPoint& at) { cellClicked(b, at); });
     autoFill_ = new QPushButton(QStringLiteral("Auto-fill from C"), pageArea);
     autoFill_->setObjectName(QStringLiteral("ARautoFill"));
     autoFill_->setGeometry(width - 118, kTop + 12 * kRow + 2, 124, 20);
@@ -119,8 +113,7 @@ void GridEditor::guarded(const std::function<void()>& action) {
 }
 
 void GridEditor::showCommon(bool visible) {
-    for (QLabel* c : cells_)
-        c->setVisible(visible);
+    cells_->setVisible(visible);
 }
 
 void GridEditor::ShowHarmonistGrid(bool visible) {
@@ -180,8 +173,7 @@ void GridEditor::RefreshHarmonistGrid() {
     const int view = selector_.Selected();
     for (int s = 0; s < 16; ++s)
         for (int r = 0; r < 12; ++r)
-            cells_[std::size_t(r * 16 + s)]->setText(
-                StepText(image_.at(base_ + view * 156 + s * 12 + r), r));
+            cells_->setText(r * 16 + s, StepText(image_.at(base_ + view * 156 + s * 12 + r), r));
 }
 
 void GridEditor::RefreshPhraseGrid() {
@@ -189,8 +181,7 @@ void GridEditor::RefreshPhraseGrid() {
     const int phrase = selector_.Selected();
     for (int k = 0; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
-            cells_[std::size_t(k * 16 + s)]->setText(
-                StepText(image_.at(base_ + phrase * 192 + k * 16 + s), k));
+            cells_->setText(k * 16 + s, StepText(image_.at(base_ + phrase * 192 + k * 16 + s), k));
 }
 
 int GridEditor::cellAddress(int b) const {
@@ -203,7 +194,7 @@ QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
     clicked_ = b;
     const int r = b / 16;
     if (menu_) menu_->deleteLater();
-    auto* menu = new QMenu(cells_[std::size_t(b)]);
+    auto* menu = new QMenu(cells_);
     menu->setObjectName(QStringLiteral("Popup"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     // One sub-menu per note that a code sounds, highest note first.
@@ -239,7 +230,7 @@ void GridEditor::carryOut(int id) {
     }
     const int code = id - kCodeBase;
     image_.set(cellAddress(clicked_), code);
-    cells_[std::size_t(clicked_)]->setText(StepText(code, clicked_ / 16));
+    cells_->setText(clicked_, StepText(code, clicked_ / 16));
 }
 
 void GridEditor::autoFill() {
@@ -250,24 +241,27 @@ void GridEditor::autoFill() {
     RefreshPhraseGrid();
 }
 
-bool GridEditor::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress) {
-        const auto* me = static_cast<QMouseEvent*>(event);
-        for (int b = 0; b < kCells; ++b)
-            if (watched == cells_[std::size_t(b)]) {
-                if (me->button() == Qt::LeftButton) cellClicked(b, me->globalPosition().toPoint());
-                return true;
-            }
-    }
-    return QObject::eventFilter(watched, event);
-}
-
 QStringList GridEditor::cells() const {
     ensureBuilt();
     QStringList out;
-    for (const QLabel* c : cells_)
-        out << c->text();
+    for (int b = 0; b < kCells; ++b)
+        out << cells_->text(b);
     return out;
+}
+
+QString GridEditor::cellText(int b) const {
+    ensureBuilt();
+    return cells_->text(b);
+}
+
+QRect GridEditor::cellGeometry(int b) const {
+    ensureBuilt();
+    return cells_->cellRect(b).translated(cells_->pos());
+}
+
+QWidget* GridEditor::cellsWidget() const {
+    ensureBuilt();
+    return cells_;
 }
 
 QStringList GridEditor::columnHeadings() const {

@@ -16,6 +16,7 @@ namespace ferrule {
 
 class SystemImage;
 class cCheckRadio;
+class GridCells;
 
 // The scale and phrase grid of pages 5 and 6: 12 rows (notes or keys) by 16 columns (scales or
 // steps) of cells, each showing one image byte as a note text. A click on a cell opens a menu
@@ -61,10 +62,10 @@ public:
     QStringList columnHeadings() const;
     QStringList rowHeadings() const;
     int clickedCell() const { return clicked_; }
-    QLabel* cell(int b) const {
-        ensureBuilt();
-        return cells_.at(std::size_t(b));
-    }
+    // A cell's note text, its box in the page area, and the widget that paints the cells.
+    QString cellText(int b) const;
+    QRect cellGeometry(int b) const;
+    QWidget* cellsWidget() const;
     QPushButton* autoFillButton() const {
         ensureBuilt();
         return autoFill_;
@@ -76,12 +77,9 @@ public:
         report_ = std::move(reporter);
     }
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void build(QWidget* pageArea);
-    bool built() const { return cells_[0] != nullptr; }
+    bool built() const { return cells_ != nullptr; }
     void ensureBuilt() const;
     void showCommon(bool visible);
     void guarded(const std::function<void()>& action);
@@ -92,7 +90,7 @@ private:
     cCheckRadio& selector_;
     int page_ = 0; // 5 or 6 while a grid is shown
     int clicked_ = -1;
-    std::array<QLabel*, kCells> cells_{};
+    GridCells* cells_ = nullptr;
     std::array<QLabel*, 16> stepLabels_{};
     std::array<QLabel*, 13> keyLabels_{};
     std::array<QWidget*, 12> shapes_{};

@@ -130,7 +130,7 @@ TEST(Grid, AChoiceWritesOneByteInEveryViewAndPhrase) {
                 grid->cellClicked(b, {});
                 grid->carryOut(GridEditor::kCodeBase + code);
                 EXPECT_TRUE(image == expected) << model << " view " << view << " cell " << b;
-                EXPECT_EQ(grid->cell(b)->text(), StepText(code, b / 16));
+                EXPECT_EQ(grid->cellText(b), StepText(code, b / 16));
             }
         }
     }
@@ -141,7 +141,7 @@ TEST(Grid, AChoiceWritesOneByteInEveryViewAndPhrase) {
     grid->carryOut(GridEditor::kCodeBase + 40);
     EXPECT_EQ(image.at(11667), 40);
     list->ClickOn(0);
-    EXPECT_EQ(grid->cell(13)->text(), QStringLiteral("+E ^"));
+    EXPECT_EQ(grid->cellText(13), QStringLiteral("+E ^"));
 
     for (int model : {3, 6, 8}) {
         const int base = model == 3 ? 1396 : model == 6 ? 8422 : 11859;
@@ -178,8 +178,7 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     grid->cellClicked(2, {});
     grid->carryOut(GridEditor::kFillIn);
     EXPECT_TRUE(image == expected);
-    EXPECT_EQ(grid->cell(2 * 16 + 2)->text(), QStringLiteral("+Gb"))
-        << "the D row a major third up";
+    EXPECT_EQ(grid->cellText(2 * 16 + 2), QStringLiteral("+Gb")) << "the D row a major third up";
 
     f.open(6, 6);
     f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(4);
@@ -192,7 +191,7 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     QTest::mouseClick(grid->autoFillButton(), Qt::LeftButton);
     EXPECT_TRUE(image == expected);
     for (int k = 0; k < 12; ++k)
-        EXPECT_EQ(grid->cell(k * 16)->text(), QLatin1Char(' ') + QString::fromLatin1(kFlats[k]));
+        EXPECT_EQ(grid->cellText(k * 16), QLatin1Char(' ') + QString::fromLatin1(kFlats[k]));
 }
 
 TEST(Grid, ShownOnItsPagesAndHiddenWhenLeavingForPageOne) {
@@ -200,7 +199,7 @@ TEST(Grid, ShownOnItsPagesAndHiddenWhenLeavingForPageOne) {
     GridEditor* grid = f.form->grid();
     f.open(8, 5);
     EXPECT_EQ(grid->page(), 5);
-    EXPECT_FALSE(grid->cell(100)->isHidden());
+    EXPECT_FALSE(grid->cellsWidget()->isHidden());
     EXPECT_TRUE(grid->autoFillButton()->isHidden());
     EXPECT_EQ(grid->columnHeadings().first(), QStringLiteral("Scale 1 "));
     f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(1);
@@ -208,24 +207,26 @@ TEST(Grid, ShownOnItsPagesAndHiddenWhenLeavingForPageOne) {
     EXPECT_EQ(grid->columnHeadings().last(), QStringLiteral(" 29"));
     f.form->ShowTab(1);
     EXPECT_FALSE(grid->isVisible());
-    EXPECT_TRUE(grid->cell(100)->isHidden());
+    EXPECT_TRUE(grid->cellsWidget()->isHidden());
 
     f.open(8, 6);
     EXPECT_EQ(grid->columnHeadings().first(), QStringLiteral("Step 1 "));
     EXPECT_FALSE(grid->autoFillButton()->isHidden());
     EXPECT_EQ(grid->rowHeadings().last(), QStringLiteral("In >> "));
     f.form->ShowTab(4);
-    EXPECT_TRUE(grid->cell(0)->isHidden());
+    EXPECT_TRUE(grid->cellsWidget()->isHidden());
 
     // Pages 12-15 leave the grid as it was.
     f.open(10, 1);
     f.form->ShowTab(5);
     f.form->ShowTab(12);
-    EXPECT_FALSE(grid->cell(0)->isHidden());
+    EXPECT_FALSE(grid->cellsWidget()->isHidden());
 
     // A click on a cell opens its menu at the pointer.
     f.open(3, 6);
-    QTest::mouseClick(grid->cell(20), Qt::LeftButton);
+    QTest::mouseClick(grid->cellsWidget(), Qt::LeftButton, {},
+                      grid->cellsWidget()->mapFrom(grid->cellsWidget()->parentWidget(),
+                                                   grid->cellGeometry(20).center()));
     EXPECT_EQ(grid->clickedCell(), 20);
     ASSERT_NE(grid->menu(), nullptr);
     EXPECT_TRUE(grid->menu()->isVisible());

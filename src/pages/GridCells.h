@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QPixmap>
+#include <QString>
+#include <QWidget>
+
+#include <array>
+
+namespace ferrule {
+
+// The 192 cells of the scale and phrase grid as one widget that paints them all: each a white
+// box with a thin border and its note text, the one under the mouse with a blue border. A left
+// click reports the cell. One widget, so that showing a grid page is one paint, not 192.
+class GridCells : public QWidget {
+    Q_OBJECT
+public:
+    static constexpr int kColumns = 16;
+    static constexpr int kRows = 12;
+    static constexpr int kCells = kColumns * kRows;
+
+    // Cells of `cellSize` pixels, `column` and `row` pixels apart.
+    GridCells(QWidget* parent, QSize cellSize, int column, int row);
+
+    void setText(int b, const QString& text);
+    const QString& text(int b) const { return texts_[std::size_t(b)]; }
+    // A cell's box in this widget, and the cell at a point (-1 between or outside the cells).
+    QRect cellRect(int b) const;
+    int cellAt(QPoint p) const;
+
+signals:
+    void clicked(int b, const QPoint& globalPos);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+
+private:
+    void setHover(int b);
+    const QPixmap& box(bool hovered) const;
+
+    QSize cellSize_;
+    int column_;
+    int row_;
+    int hover_ = -1;
+    std::array<QString, kCells> texts_;
+    mutable QPixmap box_, hoverBox_;
+};
+
+} // namespace ferrule
