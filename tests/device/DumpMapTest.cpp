@@ -118,7 +118,7 @@ TEST(DumpMap, KnowsWhatTheScheduleLeavesOutAndWhatLiesBeyondTheImage) {
     EXPECT_TRUE(assembler.apply(packedAddress(part7), QByteArray(242, char(9))).ok());
     EXPECT_EQ(assembler.image(), image);
     EXPECT_EQ(assembler.unitsReceived(), 0);
-    // Part 6 of the last entry ends exactly at the image end.
+    // The sixth part of the last entry ends exactly at the image end.
     const auto last = gt10.locate(linearAddress(0x30090B71) + 241);
     ASSERT_TRUE(last.has_value());
     EXPECT_EQ(last->index, kImageSize - 1);

@@ -129,8 +129,8 @@ TEST(SyxFile, ABadFileIsRefusedWithTheMessageAndOffsetOfItsFirstFault) {
 }
 
 TEST(SyxFile, EverySingleByteChangeOfAGoodFileIsRefused) {
-    // A bounded fuzz: a fixed seed and count. A change to any byte of a good file breaks its
-    // framing, header, address or checksum, so none may load silently.
+    // A bounded fuzz: fixed random numbers and a fixed count. A change to any byte of a good file
+    // breaks its framing, header, address or checksum, so none may load silently.
     std::mt19937 random(4242);
     for (int model : kModels) {
         const QByteArray header = Sysex::defaultHeader(model);

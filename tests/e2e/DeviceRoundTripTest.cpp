@@ -20,8 +20,8 @@ using namespace ferrule;
 
 namespace {
 
-QByteArray randomImage(unsigned seed) {
-    std::mt19937 random(seed);
+QByteArray randomImage(unsigned start) {
+    std::mt19937 random(start);
     QByteArray image(kImageSize, 0);
     for (auto& b : image)
         b = char(random() & 0x7F);
