@@ -6,6 +6,7 @@
 #include "device/DefaultImage.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "device/SystemDataFile.h"
 #include "device/SyxFile.h"
 
 #include <QCommandLineParser>
@@ -39,25 +40,10 @@ int fail(const QString& line) {
 }
 
 QByteArray loadImage(const QString& path, int model, const QByteArray& header, QString* error) {
-    QByteArray image = makeDefaultImage();
-    if (path.isEmpty()) return image;
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        *error = QStringLiteral("data file \"%1\" cannot be read").arg(path);
-        return {};
-    }
-    const QByteArray bytes = file.read(SyxFile::kMaxSize + 1);
-    if (SyxFile::looksLikeSyx(bytes)) {
-        const SyxFile::Loaded loaded = SyxFile::read(bytes, model, header, image);
-        if (!loaded.error.isEmpty()) *error = QStringLiteral("%1: %2").arg(path, loaded.error);
-        return loaded.image;
-    }
-    if (bytes.size() != kImageSize) {
-        *error = QStringLiteral("data file \"%1\" is neither a 43252-byte image nor a .syx file")
-                     .arg(path);
-        return {};
-    }
-    return bytes;
+    if (path.isEmpty()) return makeDefaultImage();
+    const SystemDataFile::Read read = SystemDataFile::read(path, model, header, makeDefaultImage());
+    *error = read.error;
+    return read.image;
 }
 
 bool saveImage(const QString& path, const QByteArray& image, int model, const QByteArray& header) {
@@ -126,9 +112,10 @@ int main(int argc, char** argv) {
     if (!ok || !isKnownModel(o.model))
         return fail(QStringLiteral("--model \"%1\" is not one of 3, 5, 6, 8 or 10")
                         .arg(parser.value(model)));
-    o.header = parser.isSet(header) ? Sysex::parseHeader(parser.value(header))
-                                    : Sysex::defaultHeader(o.model);
-    if (o.header.isEmpty()) return fail(QStringLiteral("--sysex-header is not hex bytes 00-7F"));
+    o.header = Sysex::headerOr(
+        parser.isSet(header) ? Sysex::parseHeader(parser.value(header)) : QByteArray(), o.model);
+    if (parser.isSet(header) && Sysex::parseHeader(parser.value(header)).isEmpty())
+        return fail(QStringLiteral("--sysex-header is not hex bytes 00-7F"));
     o.requestHeader = Sysex::requestHeaderFor(o.header);
     o.chunk = parser.value(chunk).toInt();
     o.stopAfter = parser.isSet(stopAfter) ? parser.value(stopAfter).toInt() : -1;

@@ -34,6 +34,10 @@ QByteArray defaultHeader(int model) {
     return QByteArray::fromRawData("\x7D\x10", 2) + char(model & 0x7F) + char(kDataSetCommand);
 }
 
+QByteArray headerOr(const QByteArray& chosen, int model) {
+    return chosen.isEmpty() ? defaultHeader(model) : chosen;
+}
+
 QByteArray requestHeaderFor(const QByteArray& dataSetHeader) {
     QByteArray header = dataSetHeader;
     if (!header.isEmpty()) header.back() = char(kRequestCommand);

@@ -18,6 +18,8 @@ inline constexpr int kRequestCommand = 0x11;
 
 // The default data-set header: the non-commercial maker 7D, device 10, the model, command 12.
 QByteArray defaultHeader(int model);
+// The header chosen, or the model's default header when none was chosen (empty).
+QByteArray headerOr(const QByteArray& chosen, int model);
 // The request header that belongs to a data-set header: the same with its last (command) byte
 // replaced by 11.
 QByteArray requestHeaderFor(const QByteArray& dataSetHeader);

@@ -2,6 +2,7 @@
 // editor, send changes; ports remembered across starts, and a port that vanished.
 
 #include "EditorDriver.h"
+#include "HostOptionsForTests.h"
 #include "JackServer.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
@@ -21,15 +22,6 @@
 using namespace ferrule;
 
 namespace {
-
-HostOptions optionsFor(int model) {
-    HostOptions o;
-    o.model = model;
-    o.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
-    o.midiApi = QStringLiteral("jack");
-    o.gapMs = 0;
-    return o;
-}
 
 // Runs the event loop until the device session reports the end of its operation.
 bool waitForEnd(MainWindow& w, int timeoutMs) {
@@ -74,7 +66,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
     ASSERT_TRUE(device->ready());
 
     {
-        HostOptions o = optionsFor(model);
+        HostOptions o = hostOptionsForTests(model);
         o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
         MainWindow w(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w.setAskSave([](const QString&) { return QMessageBox::Discard; });
@@ -134,11 +126,12 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         auto again = std::make_unique<DeviceProcess>(
             jack, QStringList{QStringLiteral("--model"), QString::number(model)});
         ASSERT_TRUE(again->ready());
-        MainWindow w(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+        MainWindow w(hostOptionsForTests(model),
+                     SystemDocument(model, Sysex::defaultHeader(model)));
         EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
         EXPECT_TRUE(w.portState().contains("ferrule-device")) << qPrintable(w.portState());
     }
-    MainWindow gone(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+    MainWindow gone(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
     EXPECT_FALSE(gone.device().hasInput());
     EXPECT_TRUE(gone.portState().contains("input port \"ferrule-device") &&
                 gone.portState().contains("is not there"))

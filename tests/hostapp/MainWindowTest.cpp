@@ -3,6 +3,7 @@
 
 #include "ui/MainWindow.h"
 #include "EditorDriver.h"
+#include "HostOptionsForTests.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
 #include "device/ModelMap.h"
@@ -17,14 +18,6 @@
 using namespace ferrule;
 
 namespace {
-
-HostOptions optionsFor(int model) {
-    HostOptions o;
-    o.model = model;
-    o.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
-    o.midiApi = QStringLiteral("jack"); // no ports: nothing here needs MIDI
-    return o;
-}
 
 QByteArray readFile(const QString& path) {
     QFile f(path);
@@ -53,7 +46,8 @@ TEST(MainWindow, AnEditThroughTheEditorSavedChangesExactlyThatParametersBytes) {
         ASSERT_TRUE(doc.saveAs(path, DataFormat::Syx, &error)) << qPrintable(error);
     }
     const QByteArray before = imageOfSyx(path, model);
-    MainWindow window(optionsFor(model), SystemDocument(model, Sysex::defaultHeader(model)));
+    MainWindow window(hostOptionsForTests(model),
+                      SystemDocument(model, Sysex::defaultHeader(model)));
     ASSERT_TRUE(window.openFile(path));
     EXPECT_FALSE(window.isWindowModified());
 
@@ -94,7 +88,7 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     QByteArray edited = original;
     edited[10500] = char(edited[10500] + 1);
 
-    MainWindow window(optionsFor(model), doc);
+    MainWindow window(hostOptionsForTests(model), doc);
     QStringList asked;
     QMessageBox::StandardButton answer = QMessageBox::Cancel;
     window.setAskSave([&](const QString& text) {
@@ -112,7 +106,7 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     EXPECT_TRUE(asked[0].contains("gt8.bin has unsaved changes"));
 
     // Discard: closes, the file keeps its old bytes.
-    MainWindow discard(optionsFor(model),
+    MainWindow discard(hostOptionsForTests(model),
                        *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
     discard.setAskSave([](const QString&) { return QMessageBox::Discard; });
     discard.takeImage(edited, QStringLiteral("edited"));
@@ -121,7 +115,7 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     EXPECT_EQ(readFile(path), original);
 
     // Save: closes after writing the changes.
-    MainWindow keep(optionsFor(model),
+    MainWindow keep(hostOptionsForTests(model),
                     *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
     keep.setAskSave([](const QString&) { return QMessageBox::Save; });
     keep.takeImage(edited, QStringLiteral("edited"));

@@ -17,8 +17,8 @@ bool wantsHeadless(int argc, char** argv) {
     return false;
 }
 
-QByteArray HostOptions::dataSetHeader() const {
-    return sysexHeader.isEmpty() ? ferrule::Sysex::defaultHeader(model) : sysexHeader;
+QByteArray HostOptions::dataSetHeader(int forModel) const {
+    return ferrule::Sysex::headerOr(sysexHeader, forModel != 0 ? forModel : model);
 }
 
 ParsedOptions parseHostOptions(const QStringList& arguments) {

@@ -32,8 +32,8 @@ struct HostOptions {
     bool edit = false; // the editor at once on the data, without the main window
     QString mainScreenshot;
 
-    // The data-set header in use for the model.
-    QByteArray dataSetHeader() const;
+    // The data-set header in use for a model (by default the options' model).
+    QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.
     bool readsDevice() const { return receive || request; }
     // Runs that open the editor without a display.

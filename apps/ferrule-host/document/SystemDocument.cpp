@@ -1,14 +1,9 @@
 #include "SystemDocument.h"
 
 #include "device/DefaultImage.h"
-#include "device/ModelMap.h"
+#include "device/SystemDataFile.h"
 #include "device/SyxFile.h"
 #include "io/AtomicFile.h"
-
-#include <QFile>
-#include <QFileInfo>
-
-#include <algorithm>
 
 namespace ferrule {
 
@@ -24,47 +19,15 @@ DataFormat SystemDocument::formatForName(const QString& path) {
 
 std::optional<SystemDocument> SystemDocument::open(const QString& path, int model,
                                                    const QByteArray& header, QString* error) {
-    const auto fail = [&](const QString& why) {
-        *error = QStringLiteral("data file \"%1\" %2").arg(path, why);
-        return std::nullopt;
-    };
-    if (path.isEmpty()) {
-        *error = QStringLiteral("the data file name is empty");
-        return std::nullopt;
-    }
-    const QFileInfo info(path);
-    if (!info.exists()) return fail(QStringLiteral("does not exist"));
-    if (info.isDir()) return fail(QStringLiteral("is a folder, not a file"));
-    // A FIFO or a device would block or never end: only regular files are read.
-    if (!info.isFile()) return fail(QStringLiteral("is not a regular file"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
-    const qint64 limit = std::max<qint64>(kImageSize, SyxFile::kMaxSize);
-    const QByteArray bytes = file.read(limit + 1);
-    if (file.error() != QFileDevice::NoError)
-        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
-
     SystemDocument doc(model, header);
-    doc.path_ = path;
-    if (SyxFile::looksLikeSyx(bytes)) {
-        if (bytes.size() > SyxFile::kMaxSize)
-            return fail(QStringLiteral("holds more than %1 bytes; a system dump is at most that")
-                            .arg(SyxFile::kMaxSize));
-        const SyxFile::Loaded loaded = SyxFile::read(bytes, model, header, doc.image_);
-        if (!loaded.error.isEmpty()) return fail(QStringLiteral("is not usable: ") + loaded.error);
-        doc.image_ = loaded.image;
-        doc.format_ = DataFormat::Syx;
-        return doc;
+    const SystemDataFile::Read read = SystemDataFile::read(path, model, header, doc.image_);
+    if (!read.error.isEmpty()) {
+        *error = read.error;
+        return std::nullopt;
     }
-    if (bytes.size() != kImageSize)
-        return fail(
-            QStringLiteral("holds %1 bytes; system data must be exactly 43252 bytes or a .syx "
-                           "file")
-                .arg(bytes.size() > limit ? QStringLiteral("more than %1").arg(limit)
-                                          : QString::number(bytes.size())));
-    doc.image_ = bytes;
-    doc.format_ = DataFormat::Raw;
+    doc.path_ = path;
+    doc.image_ = read.image;
+    doc.format_ = read.syx ? DataFormat::Syx : DataFormat::Raw;
     return doc;
 }
 

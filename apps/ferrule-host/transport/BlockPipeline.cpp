@@ -59,8 +59,7 @@ void BlockPipeline::arm(double atMs) {
 }
 
 void BlockPipeline::send(int address, const QByteArray& data, int model) {
-    const QByteArray header =
-        options_.header.isEmpty() ? Sysex::defaultHeader(model) : options_.header;
+    const QByteArray header = Sysex::headerOr(options_.header, model);
     const QByteArray message = Sysex::frame(header, address, data);
     if (failed()) throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
     QString why;

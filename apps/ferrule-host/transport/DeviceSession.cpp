@@ -54,10 +54,7 @@ DeviceSession::~DeviceSession() = default;
 
 bool DeviceSession::openPorts(MidiApi api, const QString& input, const QString& output,
                               QString* error) {
-    stop();
-    known_.reset();
-    input_.reset();
-    output_.reset();
+    closePorts();
     if (!input.isEmpty()) {
         auto in = std::make_unique<MidiInput>();
         if (!in->open(api, QStringLiteral("ferrule-host"), input, error)) return false;
@@ -80,7 +77,7 @@ void DeviceSession::setHeader(int model, const QByteArray& header) {
 
 int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
     if (operation_ != Operation::None || !output_) return 0;
-    const QByteArray header = header_.isEmpty() ? Sysex::defaultHeader(model_) : header_;
+    const QByteArray header = Sysex::headerOr(header_, model_);
     std::vector<QByteArray> messages;
     for (const ScheduledMessage& m : DumpMap::of(model_).transmission()) {
         if (m.start + m.length > image.size()) continue;
@@ -103,18 +100,17 @@ int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
         paced_.enqueue(m, at);
         at = std::max(at, paced_.nowNs()) + wireTimeNs(m.size()) + gap;
     }
-    queued_ = int(messages.size());
-    clock_.start();
+    const int queued = int(messages.size());
     emit started(operation_);
-    emit progress(0, total_, qint64(wireTimeMs(total_)) + queued_ * gapMs_);
-    return queued_;
+    emit progress(0, total_, qint64(wireTimeMs(total_)) + queued * gapMs_);
+    return queued;
 }
 
 void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) {
     if (operation_ != Operation::None || !input_ || (request && !output_)) return;
     DumpReceiver::Options o;
     o.model = model_;
-    o.header = header_.isEmpty() ? Sysex::defaultHeader(model_) : header_;
+    o.header = Sysex::headerOr(header_, model_);
     o.requestHeader = Sysex::requestHeaderFor(o.header);
     o.request = request;
     if (timeoutS > 0) o.firstTimeoutMs = o.silenceTimeoutMs = timeoutS * 1000;
@@ -137,7 +133,6 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
         receiver_.release()->deleteLater();
         end(ok, message);
     });
-    clock_.start();
     emit started(operation_);
     receiver_->start();
 }
@@ -153,9 +148,15 @@ void DeviceSession::stop() {
     end(false, QStringLiteral("stopped"));
 }
 
-void DeviceSession::noteSent(const QByteArray&) {
-    // The editor's own transmission changes the device: what it holds is no longer known.
+void DeviceSession::forgetDevice() {
     known_.reset();
+}
+
+void DeviceSession::closePorts() {
+    stop();
+    known_.reset();
+    input_.reset();
+    output_.reset();
 }
 
 void DeviceSession::end(bool ok, const QString& message) {

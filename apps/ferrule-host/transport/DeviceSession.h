@@ -6,7 +6,6 @@
 #include "PacedOutput.h"
 
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
 
 #include <memory>
@@ -28,9 +27,10 @@ public:
     explicit DeviceSession(QObject* parent = nullptr);
     ~DeviceSession() override;
 
-    // Opens the ports (an empty name closes that side); false with `error` for the first that
-    // fails.
+    // Opens the ports (an empty name leaves that side closed); false with `error` for the first
+    // that fails.
     bool openPorts(MidiApi api, const QString& input, const QString& output, QString* error);
+    void closePorts();
     bool hasInput() const { return input_ != nullptr; }
     bool hasOutput() const { return output_ != nullptr; }
     QString inputName() const { return input_ ? input_->portName() : QString(); }
@@ -53,8 +53,9 @@ public:
     QByteArray knownImage() const { return known_.value_or(QByteArray()); }
     // The image a finished receive produced.
     const QByteArray& received() const { return received_; }
-    // A message the editor's transmission sent reaches the device too.
-    void noteSent(const QByteArray& message);
+    // The device was changed elsewhere (the editor's own transmission): what it holds is no
+    // longer known.
+    void forgetDevice();
 
 signals:
     void started(DeviceSession::Operation operation);
@@ -77,9 +78,7 @@ private:
     std::optional<QByteArray> known_; // the image the device is known to hold
     QByteArray sending_;              // the image being sent
     qint64 total_ = 0, done_ = 0;
-    int queued_ = 0;
     QByteArray received_;
-    QElapsedTimer clock_;
 };
 
 } // namespace ferrule

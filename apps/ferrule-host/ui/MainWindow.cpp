@@ -311,22 +311,17 @@ bool MainWindow::setPorts(const QString& input, const QString& output) {
     };
     const QString in = pick(inBox_, input, "input");
     const QString out = pick(outBox_, output, "output");
-    bool ok = true;
-    if (a && (!in.isEmpty() || !out.isEmpty()) && !device_.openPorts(*a, in, out, &error)) {
+    // Ports can only be listed, and so chosen, when a MIDI system runs.
+    if (in.isEmpty() && out.isEmpty())
+        device_.closePorts();
+    else if (!device_.openPorts(*a, in, out, &error))
         missing << error;
-        ok = false;
-    } else if (!a) {
-        device_.openPorts(MidiApi::Jack, {}, {}, &error);
-    }
-    if (a && (in.isEmpty() && out.isEmpty())) device_.openPorts(*a, {}, {}, &error);
     portProblem_ = missing.join(QStringLiteral("; "));
-    if (!input.isEmpty() || !output.isEmpty() || ok) {
-        writeSetting(QStringLiteral("MidiIn"), input);
-        writeSetting(QStringLiteral("MidiOut"), output);
-        if (a) writeSetting(QStringLiteral("MidiApi"), midiApiName(*a));
-    }
+    writeSetting(QStringLiteral("MidiIn"), input);
+    writeSetting(QStringLiteral("MidiOut"), output);
+    if (a) writeSetting(QStringLiteral("MidiApi"), midiApiName(*a));
     refreshState();
-    return ok && missing.isEmpty();
+    return missing.isEmpty();
 }
 
 QString MainWindow::portState() const {
@@ -378,9 +373,7 @@ void MainWindow::say(const QString& message) {
 }
 
 void MainWindow::newDocument() {
-    document_ = SystemDocument(document_.model(), options_.sysexHeader.isEmpty()
-                                                      ? Sysex::defaultHeader(document_.model())
-                                                      : options_.sysexHeader);
+    document_ = SystemDocument(document_.model(), options_.dataSetHeader(document_.model()));
     say(QStringLiteral("new GT-%1 system data from the defaults").arg(document_.model()));
     refreshState();
 }
@@ -388,9 +381,7 @@ void MainWindow::newDocument() {
 bool MainWindow::openFile(const QString& path) {
     QString error;
     int model = document_.model();
-    auto header = [this](int m) {
-        return options_.sysexHeader.isEmpty() ? Sysex::defaultHeader(m) : options_.sysexHeader;
-    };
+    auto header = [this](int m) { return options_.dataSetHeader(m); };
     std::optional<SystemDocument> doc = SystemDocument::open(path, model, header(model), &error);
     if (!doc) {
         // Another model's dump: say which, and offer to switch.
@@ -450,8 +441,7 @@ bool MainWindow::saveAs(const QString& path) {
 void MainWindow::switchModel(int model) {
     if (model == document_.model()) return;
     // The image holds every model; a .syx file holds one, so the data leaves that file.
-    SystemDocument next(model, options_.sysexHeader.isEmpty() ? Sysex::defaultHeader(model)
-                                                              : options_.sysexHeader);
+    SystemDocument next(model, options_.dataSetHeader(model));
     next.setImage(document_.image());
     if (document_.format() == DataFormat::Raw && !document_.path().isEmpty()) {
         if (!maybeSave()) {
@@ -489,7 +479,7 @@ bool MainWindow::edit() {
     pipeline.open(&why);
     connect(&pipeline, &BlockPipeline::messageSent, this, [this](const QByteArray& m) {
         monitor_->model()->add(false, m);
-        device_.noteSent(m);
+        device_.forgetDevice();
     });
     connect(&pipeline, &BlockPipeline::outputFailed, this, [this, &pipeline](const QString& w) {
         stopEditorTransmission(findEditorWindow(), editor_.plugIn());

@@ -1,0 +1,55 @@
+#include "SystemDataFile.h"
+
+#include "ModelMap.h"
+#include "SyxFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace ferrule::SystemDataFile {
+
+Read read(const QString& path, int model, const QByteArray& header, const QByteArray& base) {
+    Read out;
+    const auto fail = [&](const QString& why) {
+        out.error = QStringLiteral("data file \"%1\" %2").arg(path, why);
+        return out;
+    };
+    if (path.isEmpty()) {
+        out.error = QStringLiteral("the data file name is empty");
+        return out;
+    }
+    const QFileInfo info(path);
+    if (!info.exists()) return fail(QStringLiteral("does not exist"));
+    if (info.isDir()) return fail(QStringLiteral("is a folder, not a file"));
+    if (!info.isFile()) return fail(QStringLiteral("is not a regular file"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+    const qint64 limit = std::max<qint64>(kImageSize, SyxFile::kMaxSize);
+    const QByteArray bytes = file.read(limit + 1);
+    if (file.error() != QFileDevice::NoError)
+        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+
+    if (SyxFile::looksLikeSyx(bytes)) {
+        if (bytes.size() > SyxFile::kMaxSize)
+            return fail(QStringLiteral("holds more than %1 bytes; a system dump is at most that")
+                            .arg(SyxFile::kMaxSize));
+        const SyxFile::Loaded loaded = SyxFile::read(bytes, model, header, base);
+        if (!loaded.error.isEmpty()) return fail(QStringLiteral("is not usable: ") + loaded.error);
+        out.image = loaded.image;
+        out.syx = true;
+        return out;
+    }
+    if (bytes.size() != kImageSize)
+        return fail(
+            QStringLiteral("holds %1 bytes; system data must be exactly 43252 bytes or a .syx "
+                           "file")
+                .arg(bytes.size() > limit ? QStringLiteral("more than %1").arg(limit)
+                                          : QString::number(bytes.size())));
+    out.image = bytes;
+    return out;
+}
+
+} // namespace ferrule::SystemDataFile
