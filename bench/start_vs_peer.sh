@@ -4,12 +4,8 @@
 # `--describe`), rendered the same way. Runs alternate; medians of wall time and peak RSS, and
 # their ratios. Needs python3 to count the widgets. Usage: bench/start_vs_peer.sh [build] [runs]
 set -euo pipefail
-build=${1:-build}
-runs=${2:-15}
-root=$(mktemp -d)
-trap 'rm -rf "$root"' EXIT
-export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root"
-host="$build/bin/ferrule-host"
+# shellcheck source=process_common.sh
+source "$(dirname "$0")/process_common.sh"
 peer="$build/bin/ferrule_stock_peer"
 # Wall time (microseconds) and peak RSS (kilobytes) of one run.
 measure() {
@@ -20,7 +16,6 @@ measure() {
     e=$(date +%s%N)
     echo "$(( (e - s) / 1000 )) $rss"
 }
-median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
 for model in 3 5 6 8 10; do
     counts=$("$host" --edit --model "$model" --page 1 --describe 2>/dev/null | python3 -c '
 import json, sys, collections

@@ -17,6 +17,19 @@ bool wantsHeadless(int argc, char** argv) {
     return false;
 }
 
+bool wantsWidgets(int argc, char** argv) {
+    bool windowless = false;
+    for (int i = 1; i < argc; ++i) {
+        const char* a = argv[i];
+        for (const char* option :
+             {"--screenshot", "--describe", "--transmit", "--main-screenshot", "--edit"})
+            if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
+        for (const char* option : {"--export", "--receive", "--request", "--list-midi-ports"})
+            if (std::strncmp(a, option, std::strlen(option)) == 0) windowless = true;
+    }
+    return !windowless;
+}
+
 QByteArray HostOptions::dataSetHeader(int forModel) const {
     return ferrule::Sysex::headerOr(sysexHeader, forModel != 0 ? forModel : model);
 }

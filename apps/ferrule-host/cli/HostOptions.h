@@ -56,3 +56,6 @@ ParsedOptions parseHostOptions(const QStringList& arguments);
 
 // True when the arguments ask for a run without a display.
 bool wantsHeadless(int argc, char** argv);
+// False when the arguments ask only for runs that open no window at all (export, receive,
+// request, the port list): those need no GUI application.
+bool wantsWidgets(int argc, char** argv);
