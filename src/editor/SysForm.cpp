@@ -1,14 +1,15 @@
 #include "SysForm.h"
 
+#include "ButtonPress.h"
 #include "ImageButton.h"
 #include "OptionHover.h"
 #include "PageArea.h"
 #include "ValueBinding.h"
 #include "controls/Twips.h"
 #include "controls/cCheckRadio.h"
-#include "host/SettingsStore.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
+#include "settings/SettingsStore.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 #include "sysdata/ParameterEncoding.h"
@@ -124,10 +125,6 @@ void SysForm::buildChrome() {
         b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
         b->setVisible(kTabDesign[std::size_t(i)].visible);
         b->setToolTip(ButtonArt::tabCaption(i));
-        connect(b, &ImageButton::mouseDown, this, &SysForm::tabDown);
-        connect(b, &ImageButton::mouseMove, this,
-                [this](int idx, Qt::MouseButtons, int x, int y) { tabMove(idx, x, y); });
-        connect(b, &ImageButton::mouseUp, this, [this](int idx) { tabUp(idx); });
         tabButtons_[std::size_t(i)] = b;
     }
     for (int i = 0; i < 5; ++i) {
@@ -135,10 +132,6 @@ void SysForm::buildChrome() {
         b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
         b->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
         b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
-        connect(b, &ImageButton::mouseDown, this, &SysForm::modeDown);
-        connect(b, &ImageButton::mouseMove, this,
-                [this](int idx, Qt::MouseButtons, int x, int y) { modeMove(idx, x, y); });
-        connect(b, &ImageButton::mouseUp, this, [this](int idx) { modeUp(idx); });
         modeButtons_[std::size_t(i)] = b;
     }
     for (int i = 0; i < 4; ++i) {
@@ -147,12 +140,9 @@ void SysForm::buildChrome() {
         b->setProperty("ferruleCommandButton", true);
         b->setPicture(art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
         b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
-        connect(b, &ImageButton::mouseDown, this, &SysForm::commandDown);
-        connect(b, &ImageButton::mouseMove, this,
-                [this](int idx, Qt::MouseButtons, int x, int y) { commandMove(idx, x, y); });
-        connect(b, &ImageButton::mouseUp, this, [this](int idx) { commandUp(idx); });
         commandButtons_[std::size_t(i)] = b;
     }
+    buildButtonRows();
     txWarning_ = new QLabel(QStringLiteral("Sending system data to the device…"), this);
     txWarning_->setObjectName(QStringLiteral("TxWarning"));
     txWarning_->setGeometry(twipsRect(kCommandLeft, 1095, 3300, 270));
@@ -245,13 +235,12 @@ void SysForm::Setup() {
 
 void SysForm::SetFormat(int model) {
     for (int i = 0; i < 5; ++i)
-        modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+        showModePicture(i, i);
     int button = 4;
     for (int i = 0; i < 4; ++i)
         if (kModels[i] == model) button = i;
     state_.model = button == 4 ? 10 : model;
-    modeButtons_[std::size_t(button)]->setPicture(art_.mImg(20 + button),
-                                                  QStringLiteral("mImg(%1)").arg(20 + button));
+    showModePicture(button, 20 + button);
 
     const auto placements = tabPlacementsFor(state_.model);
     for (int i = 0; i < 13; ++i) {
@@ -281,21 +270,16 @@ void SysForm::ShowTab(int page) {
     if (tab >= 0) currentTab_ = tab;
     builder_->build(page, views_, dataBase_);
     pageArea_->update();
-    if (oldTab >= 0)
-        tabButtons_[std::size_t(oldTab)]->setPicture(art_.Img(oldTab),
-                                                     QStringLiteral("Img(%1)").arg(oldTab));
-    if (currentTab_ >= 0)
-        tabButtons_[std::size_t(currentTab_)]->setPicture(
-            art_.Img(currentTab_ + 40), QStringLiteral("Img(%1)").arg(currentTab_ + 40));
+    if (oldTab >= 0) showTabPicture(oldTab, oldTab);
+    if (currentTab_ >= 0) showTabPicture(currentTab_, currentTab_ + 40);
 }
 
 void SysForm::Form_Load() {
     ApplyHostFont(this, state_.font);
     for (int i = 0; i < 4; ++i)
-        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 4),
-                                                    QStringLiteral("CButton(%1)").arg(i + 4));
+        showCommandPicture(i, i + 4);
     for (int i = 0; i < 13; ++i)
-        tabButtons_[std::size_t(i)]->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+        showTabPicture(i, i);
     if (!loaded_) {
         // A window loaded anew has an empty page area: the next ShowTab builds.
         currentPage_ = -1;
@@ -332,22 +316,22 @@ void SysForm::UpdateDeviceID() {
 
 // ---- commands -----------------------------------------------------------------------------------
 
-void SysForm::setTransmissionStarter(std::function<bool()> starter) {
-    starter_ = std::move(starter);
+void SysForm::setTransmissionControl(TransmissionControl control) {
+    transmission_ = std::move(control);
 }
 
 int SysForm::transmissionStep() const {
     return state_.transmissionStep;
 }
 
-void SysForm::showTransmitIdle() {
-    commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
+void SysForm::showTransmissionProgress(const QString& text) {
+    txProgress_->setText(text);
 }
 
 void SysForm::transmissionEnded() {
     txWarning_->hide();
     txProgress_->hide();
-    commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
+    showCommandPicture(0, 4);
     emit transmissionStopped();
 }
 
@@ -355,13 +339,13 @@ void SysForm::ToggleTransmission() {
     if (state_.transmissionStep != 0) {
         // Stop at once; the progress goes at the next QueueEmpty.
         txWarning_->hide();
-        state_.transmissionStep = 0;
-        commandButtons_[0]->setPicture(art_.CButton(4), QStringLiteral("CButton(4)"));
+        if (transmission_.stop) transmission_.stop();
+        showCommandPicture(0, 4);
         emit transmissionStopped();
         return;
     }
-    if (!starter_ || !starter_()) return;
-    commandButtons_[0]->setPicture(art_.CButton(13), QStringLiteral("CButton(13)"));
+    if (!transmission_.start || !transmission_.start()) return;
+    showCommandPicture(0, 13);
     txWarning_->show();
     txProgress_->show();
     transmitted_ = true;
@@ -432,26 +416,29 @@ int SysForm::modelForModeButton(int index) {
     return kModels[index];
 }
 
-bool SysForm::outside(const ImageButton* b, int x, int y) {
-    return x < 0 || y < 0 || x > b->widthTwips() || y > b->heightTwips();
+void SysForm::showTabPicture(int tab, int picture) {
+    tabButtons_[std::size_t(tab)]->setPicture(art_.Img(picture),
+                                              QStringLiteral("Img(%1)").arg(picture));
 }
 
-void SysForm::modeDown(int i, Qt::MouseButton, int, int) {
-    if (modelForModeButton(i) == state_.model) return;
-    modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i + 10),
-                                             QStringLiteral("mImg(%1)").arg(i + 10));
-    modePressed_ = true;
+void SysForm::showModePicture(int button, int picture) {
+    modeButtons_[std::size_t(button)]->setPicture(art_.mImg(picture),
+                                                  QStringLiteral("mImg(%1)").arg(picture));
 }
 
-void SysForm::modeMove(int i, int x, int y) {
-    if (!modePressed_ || !outside(modeButtons_[std::size_t(i)], x, y)) return;
-    modeButtons_[std::size_t(i)]->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
-    modePressed_ = false;
+void SysForm::showCommandPicture(int button, int picture) {
+    commandButtons_[std::size_t(button)]->setPicture(art_.CButton(picture),
+                                                     QStringLiteral("CButton(%1)").arg(picture));
 }
 
-void SysForm::modeUp(int i) {
-    if (!modePressed_) return;
-    modePressed_ = false;
+void SysForm::showCommandNormal(int i) {
+    if (i == 0 && state_.transmissionStep != 0)
+        showCommandPicture(0, 12);
+    else
+        showCommandPicture(i, i + 4);
+}
+
+void SysForm::showModeChosen(int i) {
     runGuarded([this, i] {
         SetFormat(modelForModeButton(i));
         if (TabAvailable(currentTab_, state_.model)) {
@@ -464,54 +451,7 @@ void SysForm::modeUp(int i) {
     });
 }
 
-void SysForm::tabDown(int i, Qt::MouseButton, int, int) {
-    if (i == currentTab_ || !TabAvailable(i, state_.model)) return;
-    tabButtons_[std::size_t(i)]->setPicture(art_.Img(i + 20),
-                                            QStringLiteral("Img(%1)").arg(i + 20));
-    tabPressed_ = true;
-}
-
-void SysForm::tabMove(int i, int x, int y) {
-    if (!tabPressed_ || !outside(tabButtons_[std::size_t(i)], x, y)) return;
-    tabButtons_[std::size_t(i)]->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
-    tabPressed_ = false;
-}
-
-void SysForm::tabUp(int i) {
-    if (!tabPressed_) return;
-    tabPressed_ = false;
-    const int page = pageForTab(i);
-    if (page != currentPage_) runGuarded([this, page] { ShowTab(page); });
-}
-
-void SysForm::showCommandNormal(int i) {
-    if (i == 0 && state_.transmissionStep != 0)
-        commandButtons_[0]->setPicture(art_.CButton(12), QStringLiteral("CButton(12)"));
-    else
-        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 4),
-                                                    QStringLiteral("CButton(%1)").arg(i + 4));
-}
-
-void SysForm::commandDown(int i, Qt::MouseButton, int, int) {
-    const bool running = state_.transmissionStep != 0;
-    if (running && i == 0)
-        commandButtons_[0]->setPicture(art_.CButton(13), QStringLiteral("CButton(13)"));
-    else if (!running)
-        commandButtons_[std::size_t(i)]->setPicture(art_.CButton(i + 8),
-                                                    QStringLiteral("CButton(%1)").arg(i + 8));
-    commandPressed_ = true;
-}
-
-void SysForm::commandMove(int i, int x, int y) {
-    if (!commandPressed_ || !outside(commandButtons_[std::size_t(i)], x, y)) return;
-    showCommandNormal(i);
-    commandPressed_ = false;
-}
-
-void SysForm::commandUp(int i) {
-    if (!commandPressed_) return;
-    showCommandNormal(i);
-    commandPressed_ = false;
+void SysForm::runCommand(int i) {
     runGuarded([this, i] {
         switch (i) {
         case 0:
@@ -530,6 +470,39 @@ void SysForm::commandUp(int i) {
             break;
         }
     });
+}
+
+void SysForm::buildButtonRows() {
+    // The mode buttons press unless they show the current model; the tab buttons unless theirs is
+    // the current tab or the model lacks it; the command buttons always, the transmit button
+    // showing its stop picture while a transmission runs.
+    modePress_ = std::make_unique<ButtonPress>(ButtonPress::Row{
+        [this](int i) { return modelForModeButton(i) != state_.model; },
+        [this](int i) { showModePicture(i, i + 10); }, [this](int i) { showModePicture(i, i); },
+        [this](int i) { showModeChosen(i); }});
+    tabPress_ = std::make_unique<ButtonPress>(ButtonPress::Row{
+        [this](int i) { return i != currentTab_ && TabAvailable(i, state_.model); },
+        [this](int i) { showTabPicture(i, i + 20); }, [this](int i) { showTabPicture(i, i); },
+        [this](int i) {
+            const int page = pageForTab(i);
+            if (page != currentPage_) runGuarded([this, page] { ShowTab(page); });
+        }});
+    commandPress_ = std::make_unique<ButtonPress>(ButtonPress::Row{
+        [](int) { return true; },
+        [this](int i) {
+            const bool running = state_.transmissionStep != 0;
+            if (running && i == 0)
+                showCommandPicture(0, 13);
+            else if (!running)
+                showCommandPicture(i, i + 8);
+        },
+        [this](int i) { showCommandNormal(i); }, [this](int i) { runCommand(i); }});
+    for (ImageButton* b : modeButtons_)
+        modePress_->attach(b);
+    for (ImageButton* b : tabButtons_)
+        tabPress_->attach(b);
+    for (ImageButton* b : commandButtons_)
+        commandPress_->attach(b);
 }
 
 } // namespace ferrule

@@ -15,6 +15,7 @@ class QLabel;
 namespace ferrule {
 
 struct ModuleState;
+class ButtonPress;
 class ControlPools;
 class GridEditor;
 class ImageButton;
@@ -84,12 +85,17 @@ public:
     // box. Tests replace it.
     void setErrorReporter(std::function<void(const QString&)> reporter);
 
-    // What the transmit command starts: the plug-in's transmission (true when it started).
-    void setTransmissionStarter(std::function<bool()> starter);
-    // The end of a transmission: the labels go and the transmit button shows its idle picture.
+    // What the transmit command starts and stops: the plug-in's transmission. `start` is true
+    // when a transmission started.
+    struct TransmissionControl {
+        std::function<bool()> start;
+        std::function<void()> stop;
+    };
+    void setTransmissionControl(TransmissionControl control);
+    // The transmission's reports: its progress text, and its end (the labels go and the
+    // transmit button shows its idle picture).
+    void showTransmissionProgress(const QString& text);
     void transmissionEnded();
-    // The transmit button's idle picture.
-    void showTransmitIdle();
     int transmissionStep() const;
 
 signals:
@@ -106,22 +112,21 @@ private:
     void runGuarded(const std::function<void()>& action);
     void showCommandNormal(int i);
 
-    void modeDown(int i, Qt::MouseButton button, int x, int y);
-    void modeMove(int i, int x, int y);
-    void modeUp(int i);
-    void tabDown(int i, Qt::MouseButton button, int x, int y);
-    void tabMove(int i, int x, int y);
-    void tabUp(int i);
-    void commandDown(int i, Qt::MouseButton button, int x, int y);
-    void commandMove(int i, int x, int y);
-    void commandUp(int i);
-    static bool outside(const ImageButton* b, int x, int y);
+    void buildButtonRows();
+    void showTabPicture(int tab, int picture);
+    void showModePicture(int button, int picture);
+    void showCommandPicture(int button, int picture);
+    void showModeChosen(int button);
+    void runCommand(int button);
 
     ModuleState& state_;
     ButtonArt art_;
     std::array<ImageButton*, 5> modeButtons_{};
     std::array<ImageButton*, 13> tabButtons_{};
     std::array<ImageButton*, 4> commandButtons_{};
+    std::unique_ptr<ButtonPress> modePress_;
+    std::unique_ptr<ButtonPress> tabPress_;
+    std::unique_ptr<ButtonPress> commandPress_;
     QLabel* txWarning_ = nullptr;
     QLabel* txProgress_ = nullptr;
     PageArea* pageArea_ = nullptr;
@@ -136,13 +141,10 @@ private:
     PageViews views_;
     int dataBase_ = 0;
     bool transmitted_ = false;
-    bool modePressed_ = false;
-    bool tabPressed_ = false;
-    bool commandPressed_ = false;
     bool loaded_ = false;
     QString lastError_;
     std::function<void(const QString&)> errorReporter_;
-    std::function<bool()> starter_;
+    TransmissionControl transmission_;
 };
 
 } // namespace ferrule

@@ -1,8 +1,8 @@
 #include "PlugIn.h"
 
-#include "SettingsStore.h"
 #include "Transmission.h"
 #include "editor/SysForm.h"
+#include "settings/SettingsStore.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 
@@ -72,8 +72,14 @@ SysForm& PlugIn::ensureEditor() {
         auto form = std::make_unique<SysForm>(*state_);
         form->Setup();
         form->Form_Load();
-        auto transmission = std::make_unique<Transmission>(*state_, *form);
-        form->setTransmissionStarter([t = transmission.get()] { return t->StartTransmission(); });
+        auto transmission = std::make_unique<Transmission>(*state_);
+        SysForm* window = form.get();
+        form->setTransmissionControl({[t = transmission.get()] { return t->StartTransmission(); },
+                                      [t = transmission.get()] { t->stop(); }});
+        QObject::connect(transmission.get(), &Transmission::progressed, window,
+                         &SysForm::showTransmissionProgress);
+        QObject::connect(transmission.get(), &Transmission::ended, window,
+                         &SysForm::transmissionEnded);
         editor_ = std::move(form);
         transmission_ = std::move(transmission);
     }
@@ -137,7 +143,6 @@ void PlugIn::Quit() {
 void PlugIn::QueueEmpty() {
     if (!editor_) return;
     transmission_->SendNextBlock();
-    if (state_->transmissionStep == 0) editor_->showTransmitIdle();
 }
 
 } // namespace ferrule

@@ -1,18 +1,23 @@
 #include "Transmission.h"
 
 #include "device/TransmissionSchedule.h"
-#include "editor/SysForm.h"
 #include "sysdata/ModuleState.h"
-
-#include <QLabel>
 
 #include <cmath>
 
 namespace ferrule {
 
-Transmission::Transmission(ModuleState& state, SysForm& form)
-    : state_(state)
-    , form_(form) {}
+Transmission::Transmission(ModuleState& state, QObject* parent)
+    : QObject(parent)
+    , state_(state) {}
+
+void Transmission::stop() {
+    state_.transmissionStep = 0;
+}
+
+bool Transmission::running() const {
+    return state_.transmissionStep != 0;
+}
 
 QString Transmission::progressText(int step, int total) {
     const int p = step * 100;
@@ -41,7 +46,7 @@ bool Transmission::StartTransmission() {
     sendStep(0);
     state_.transmissionTotal = total;
     state_.transmissionStep = 1;
-    form_.txProgress()->setText(progressText(1, total));
+    emit progressed(progressText(1, total));
     return true;
 }
 
@@ -55,10 +60,9 @@ void Transmission::SendNextBlock() {
         state_.transmissionStep = 0;
     }
     if (state_.transmissionStep == 0)
-        form_.transmissionEnded();
+        emit ended();
     else
-        form_.txProgress()->setText(
-            progressText(state_.transmissionStep, state_.transmissionTotal));
+        emit progressed(progressText(state_.transmissionStep, state_.transmissionTotal));
 }
 
 } // namespace ferrule

@@ -1,7 +1,7 @@
 #include "EditorSession.h"
 #include "TestHost.h"
 #include "editor/ImageButton.h"
-#include "host/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 

@@ -4,7 +4,7 @@
 #include "TestHost.h"
 #include "device/TransmissionSchedule.h"
 #include "editor/ImageButton.h"
-#include "host/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "sysdata/ModuleState.h"
 
 #include <QAbstractButton>

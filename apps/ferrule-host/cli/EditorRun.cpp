@@ -6,7 +6,7 @@
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "host/PlugInInterface.h"
-#include "host/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "io/AtomicFile.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/PlugInEditor.h"

@@ -5,7 +5,7 @@
 #include "cli/DeviceRuns.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
-#include "host/SettingsStore.h"
+#include "settings/SettingsStore.h"
 #include "plugin/EditorWindow.h"
 #include "transport/BlockPipeline.h"
 

@@ -1,8 +1,8 @@
 // Settings files as people write them: one value changes, every other byte stays.
 
-#include "host/IniFile.h"
+#include "settings/IniFile.h"
 #include "QtPrinters.h"
-#include "host/SettingsStore.h"
+#include "settings/SettingsStore.h"
 
 #include <QFile>
 #include <QFileInfo>
