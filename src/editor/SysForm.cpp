@@ -7,6 +7,7 @@
 #include "ValueBinding.h"
 #include "controls/Twips.h"
 #include "controls/cCheckRadio.h"
+#include "device/ModelMap.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
 #include "settings/SettingsStore.h"
@@ -169,9 +170,9 @@ void SysForm::buildChrome() {
         const int colour = state_.host.property("ShadingColourPanelEnd").toInt(&ok);
         return ok ? std::optional<int>(colour) : std::nullopt;
     });
-    builder_ = std::make_unique<PageBuilder>(*pools_, state_.image, state_.model);
+    builder_ = std::make_unique<PageBuilder>(*pools_, state_.image);
     binding_ = new ValueBinding(
-        state_, *pools_, *builder_, views_, currentPage_,
+        state_, *pools_, *builder_, views_, [this] { return currentPage_; },
         [this](const QString& m) {
             lastError_ = m;
             if (errorReporter_) errorReporter_(m);
@@ -214,7 +215,7 @@ void SysForm::Setup() {
     if (!pools_->groups[0]) {
         pools_->createOptionGroups(this);
         binding_->connectGroups();
-        grid_ = new GridEditor(pageArea_, state_.image, dataBase_,
+        grid_ = new GridEditor(pageArea_, state_.image,
                                *pools_->groups[ControlPools::kSelectorList], this);
         grid_->setErrorReporter([this](const QString& m) {
             lastError_ = m;
@@ -240,6 +241,7 @@ void SysForm::SetFormat(int model) {
     for (int i = 0; i < 4; ++i)
         if (kModels[i] == model) button = i;
     state_.model = button == 4 ? 10 : model;
+    builder_->setModel(state_.model);
     showModePicture(button, 20 + button);
 
     const auto placements = tabPlacementsFor(state_.model);
@@ -268,7 +270,12 @@ void SysForm::ShowTab(int page) {
     }
     const int tab = PageBuilder::tabForPage(page, state_.model);
     if (tab >= 0) currentTab_ = tab;
-    builder_->build(page, views_, dataBase_);
+    // The grid pages show the model's scales or phrases; a model without them keeps the last.
+    const int gridData = page == 5   ? harmonistScaleBase(state_.model)
+                         : page == 6 ? autoRiffPhraseBase(state_.model)
+                                     : -1;
+    if (gridData >= 0 && grid_) grid_->setDataAddress(gridData);
+    builder_->build(page, views_);
     pageArea_->update();
     if (oldTab >= 0) showTabPicture(oldTab, oldTab);
     if (currentTab_ >= 0) showTabPicture(currentTab_, currentTab_ + 40);

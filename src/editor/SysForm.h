@@ -139,7 +139,6 @@ private:
     int currentPage_ = -1;
     int currentTab_ = -1;
     PageViews views_;
-    int dataBase_ = 0;
     bool transmitted_ = false;
     bool loaded_ = false;
     QString lastError_;

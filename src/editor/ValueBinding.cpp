@@ -15,14 +15,14 @@
 namespace ferrule {
 
 ValueBinding::ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder,
-                           PageViews& views, const int& currentPage,
+                           PageViews& views, std::function<int()> currentPage,
                            std::function<void(const QString&)> reportError, QObject* parent)
     : QObject(parent)
     , state_(state)
     , pools_(pools)
     , builder_(builder)
     , views_(views)
-    , currentPage_(currentPage)
+    , currentPage_(std::move(currentPage))
     , reportError_(std::move(reportError)) {}
 
 void ValueBinding::guarded(const std::function<void()>& action) {
@@ -64,7 +64,7 @@ void ValueBinding::knobChanged(int index, int value) {
 void ValueBinding::sliderChanged(int index, int value) {
     const int address = pools_.sliders.at(std::size_t(index))->MemLoc();
     state_.image.writeParameter(address, state_.model, value);
-    builder_.UpdateDependentRanges(index, currentPage_);
+    builder_.UpdateDependentRanges(index, currentPage_());
 }
 
 void ValueBinding::optionGroupClicked(int group, int value) {
@@ -74,12 +74,12 @@ void ValueBinding::optionGroupClicked(int group, int value) {
     }
     state_.image.set(pools_.groups.at(std::size_t(group))->TFormat(), value);
     // The channel option of the system preamp page switches the channel rows.
-    if (group == 1 && currentPage_ == 11) builder_.PlaceSystemPreampRows();
+    if (group == 1 && currentPage_() == 11) builder_.PlaceSystemPreampRows();
 }
 
 void ValueBinding::selectorClicked(int value) {
     const GridHooks& grids = builder_.gridHooks();
-    switch (currentPage_) {
+    switch (currentPage_()) {
     case 5:
         views_.scaleView = value;
         if (grids.showHarmonistGrid) grids.showHarmonistGrid(true); // relabels the scale columns
@@ -113,7 +113,7 @@ void ValueBinding::switchClicked(int index) {
 }
 
 void ValueBinding::UpdateDeviceID() {
-    if (currentPage_ != 4) return;
+    if (currentPage_() != 4) return;
     if (state_.model == 8)
         pools_.knobs[7]->setValue(state_.image.at(10431));
     else if (state_.model == 10)

@@ -19,7 +19,7 @@ class ValueBinding : public QObject {
     Q_OBJECT
 public:
     ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder, PageViews& views,
-                 const int& currentPage, std::function<void(const QString&)> reportError,
+                 std::function<int()> currentPage, std::function<void(const QString&)> reportError,
                  QObject* parent);
 
     // Connects the knobs, sliders and switches; the option groups once set-up made them.
@@ -43,7 +43,7 @@ private:
     ControlPools& pools_;
     PageBuilder& builder_;
     PageViews& views_;
-    const int& currentPage_;
+    std::function<int()> currentPage_;
     std::function<void(const QString&)> reportError_;
 };
 

@@ -42,11 +42,10 @@ QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
 
 } // namespace
 
-GridEditor::GridEditor(QWidget* pageArea, SystemImage& image, const int& base,
-                       cCheckRadio& selector, QObject* parent)
+GridEditor::GridEditor(QWidget* pageArea, SystemImage& image, cCheckRadio& selector,
+                       QObject* parent)
     : QObject(parent)
     , image_(image)
-    , base_(base)
     , selector_(selector) {
     setObjectName(QStringLiteral("Grid"));
     setProperty("ferruleKind", QStringLiteral("grid"));
@@ -173,7 +172,8 @@ void GridEditor::RefreshHarmonistGrid() {
     const int view = selector_.Selected();
     for (int s = 0; s < 16; ++s)
         for (int r = 0; r < 12; ++r)
-            cells_->setText(r * 16 + s, StepText(image_.at(base_ + view * 156 + s * 12 + r), r));
+            cells_->setText(r * 16 + s,
+                            StepText(image_.at(dataAddress_ + view * 156 + s * 12 + r), r));
 }
 
 void GridEditor::RefreshPhraseGrid() {
@@ -181,12 +181,13 @@ void GridEditor::RefreshPhraseGrid() {
     const int phrase = selector_.Selected();
     for (int k = 0; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
-            cells_->setText(k * 16 + s, StepText(image_.at(base_ + phrase * 192 + k * 16 + s), k));
+            cells_->setText(k * 16 + s,
+                            StepText(image_.at(dataAddress_ + phrase * 192 + k * 16 + s), k));
 }
 
 int GridEditor::cellAddress(int b) const {
-    if (page_ == 5) return base_ + selector_.Selected() * 156 + (b % 16) * 12 + b / 16;
-    return base_ + selector_.Selected() * 192 + b;
+    if (page_ == 5) return dataAddress_ + selector_.Selected() * 156 + (b % 16) * 12 + b / 16;
+    return dataAddress_ + selector_.Selected() * 192 + b;
 }
 
 QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
@@ -222,7 +223,7 @@ void GridEditor::carryOut(int id) {
     if (clicked_ < 0) return;
     if (id == kFillIn) {
         // The scale becomes one fixed interval: every note takes the interval chosen for C.
-        const int start = base_ + selector_.Selected() * 156 + clicked_ * 12;
+        const int start = dataAddress_ + selector_.Selected() * 156 + clicked_ * 12;
         for (int i = 1; i <= 11; ++i)
             image_.set(start + i, image_.at(start));
         RefreshHarmonistGrid();
@@ -234,7 +235,7 @@ void GridEditor::carryOut(int id) {
 }
 
 void GridEditor::autoFill() {
-    const int start = base_ + selector_.Selected() * 192;
+    const int start = dataAddress_ + selector_.Selected() * 192;
     for (int s = 0; s < 16; ++s)
         for (int k = 1; k <= 11; ++k)
             image_.set(start + k * 16 + s, image_.at(start + s));

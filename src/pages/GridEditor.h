@@ -37,9 +37,11 @@ public:
     static constexpr int kEnd = 4146;
     static constexpr int kCodeBase = 4096;
 
-    // `base` is the page's scale or phrase data base; `selector` the view selector list.
-    GridEditor(QWidget* pageArea, SystemImage& image, const int& base, cCheckRadio& selector,
-               QObject* parent);
+    // `selector` is the view selector list.
+    GridEditor(QWidget* pageArea, SystemImage& image, cCheckRadio& selector, QObject* parent);
+
+    // Where the shown page's scales (page 5) or phrases (page 6) start in the image.
+    void setDataAddress(int address) { dataAddress_ = address; }
 
     void ShowHarmonistGrid(bool visible);
     void ShowPhraseGrid(bool visible);
@@ -86,7 +88,7 @@ private:
 
     QWidget* pageArea_ = nullptr;
     SystemImage& image_;
-    const int& base_;
+    int dataAddress_ = 0;
     cCheckRadio& selector_;
     int page_ = 0; // 5 or 6 while a grid is shown
     int clicked_ = -1;

@@ -11,35 +11,34 @@
 
 namespace ferrule {
 
-int PageBuilder::Bases::resolve(const Address& a) const {
+int PageBuilder::RowBases::resolve(const Address& a) const {
     switch (a.base) {
     case Base::None:
         return a.offset;
-    case Base::B:
-        return b + a.offset;
-    case Base::P:
-        return p + a.offset;
-    case Base::S:
-        return s + a.offset;
-    case Base::C:
-        return c + a.offset;
-    case Base::Switch:
-        return switchAt + a.offset;
-    case Base::X:
-        return x + a.offset;
-    case Base::Q:
-        return q + a.offset;
-    case Base::M3:
-        return m3 + a.offset;
+    case Base::ModelBlock:
+        return modelBlock + a.offset;
+    case Base::CustomPreamp:
+        return customPreamp + a.offset;
+    case Base::CustomSpeaker:
+        return customSpeaker + a.offset;
+    case Base::PreampBlock:
+        return preampBlock + a.offset;
+    case Base::PreampSwitch:
+        return preampSwitch + a.offset;
+    case Base::PreampChannel:
+        return preampChannel + a.offset;
+    case Base::PedalPair:
+        return pedalPair + a.offset;
+    case Base::PedalPairModes:
+        return pedalPairModes + a.offset;
     }
     return a.offset;
 }
 
-PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image, const int& model)
+PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
     , image_(image)
-    , model_(model)
-    , primitives_(pools, image, model) {}
+    , primitives_(pools, image) {}
 
 int PageBuilder::tabForPage(int page, int model) {
     switch (page) {
@@ -81,7 +80,7 @@ int PageBuilder::phraseBase(int model) {
     return autoRiffPhraseBase(model);
 }
 
-void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int currentPage) {
+void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, int currentPage) {
     for (const PageRow& r : rows) {
         if ((r.flags & Gt8Only) && model_ != 8) continue;
         if ((r.flags & Gt10Only) && model_ != 10) continue;
@@ -90,7 +89,8 @@ void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int c
         switch (r.control) {
         case Control::Heading:
             primitives_.PlaceHeading(r.index, r.x, r.y,
-                                     r.width == PageCatalogue::kModelWidth ? bases.w : r.width,
+                                     r.width == PageCatalogue::kModelWidth ? bases.headingWidth
+                                                                           : r.width,
                                      r.height, caption);
             break;
         case Control::Knob:
@@ -119,18 +119,17 @@ void PageBuilder::place(std::span<const PageRow> rows, const Bases& bases, int c
 }
 
 int PageBuilder::customPreampBase(int n) const {
+    using namespace PageCatalogue;
     switch (model_) {
     case 6:
-        return 10342 + 9 * (n - 1);
+        return kGt6CustomTones.preamp + kGt6CustomTones.preampStep * (n - 1);
     case 8:
-        return 13779 + 7 * (n - 1);
+        return kGt8CustomTones.preamp + kGt8CustomTones.preampStep * (n - 1);
     case 10: {
-        // P lies 17 bytes into the channel's 32-byte block of system preamp n.
-        static constexpr int channelByte[] = {19489, 19617, 19694};
-        static constexpr int channelA[] = {19520, 19648, 19725};
-        static constexpr int channelB[] = {19552, 19680, 19757};
-        const auto i = std::size_t(n - 1);
-        return image_.at(channelByte[i]) == 0 ? channelA[i] : channelB[i];
+        // The custom preamp lies in the block of system preamp n's current channel.
+        const SystemPreampLayout& preamp = kGt10SystemPreamps[std::size_t(n - 1)];
+        const int channel = image_.at(preamp.channelByte) == 0 ? 0 : 1;
+        return preamp.channel(channel) + kGt10CustomPreampInChannel;
     }
     default:
         return -1;
@@ -138,13 +137,14 @@ int PageBuilder::customPreampBase(int n) const {
 }
 
 int PageBuilder::customSpeakerBase(int n) const {
-    if (model_ == 8) return 13800 + 5 * (n - 1);
-    if (model_ == 10) return customPreampBase(n) + 7;
+    using namespace PageCatalogue;
+    if (model_ == 8) return kGt8CustomTones.speaker + kGt8CustomTones.speakerStep * (n - 1);
+    if (model_ == 10) return customPreampBase(n) + kGt10CustomSpeakerAfterPreamp;
     return -1;
 }
 
 int PageBuilder::systemPreampSelection() const {
-    switch (image_.at(19121)) {
+    switch (image_.at(PageCatalogue::kGt10PreampMode)) {
     case 2:
         return 1;
     case 3:
@@ -154,9 +154,9 @@ int PageBuilder::systemPreampSelection() const {
     }
 }
 
-void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
+void PageBuilder::build(int page, const PageViews& views) {
     const int model = model_;
-    Bases bases;
+    RowBases bases;
     cCheckRadio* list = pools_.groups[ControlPools::kSelectorList];
     switch (page) {
     case 1:
@@ -166,11 +166,10 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
         place(PageCatalogue::systemPage(model, page == 7), bases, page);
         break;
     case 4:
-        bases.b = model == 6 ? 7039 : 10428;
+        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::midiPage(model), bases, page);
         break;
     case 5:
-        if (scaleBase(model) >= 0) dataBase = scaleBase(model);
         primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Harmonist"));
         primitives_.PlaceCheckList(150, 5430, 2, QStringLiteral("Edit Scale!1-16!14-29"), true);
         list->setSelected(views.scaleView);
@@ -178,7 +177,6 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
         if (grids_.showHarmonistGrid) grids_.showHarmonistGrid(true);
         break;
     case 6:
-        if (phraseBase(model) >= 0) dataBase = phraseBase(model);
         primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Auto-Riff"));
         primitives_.PlaceCheckList(150, 5430, 10,
                                    QStringLiteral("Edit Phrase!1!2!3!4!5!6!7!8!9!10"), true);
@@ -187,14 +185,14 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
         if (grids_.showPhraseGrid) grids_.showPhraseGrid(true);
         break;
     case 8:
-        bases.b = model == 6 ? 10369 : 13810;
+        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::overdrivePage(model), bases, page);
         break;
     case 9: {
         const int n = views.preampView + 1;
-        bases.p = customPreampBase(n);
-        bases.s = customSpeakerBase(n);
-        bases.w = model == 10 ? 8895 : 7530;
+        bases.customPreamp = customPreampBase(n);
+        bases.customSpeaker = customSpeakerBase(n);
+        bases.headingWidth = PageCatalogue::preampHeadingWidth(model);
         const auto rows = PageCatalogue::preampPage(model);
         place(rows, bases, page);
         if (model == 6 || model == 8 || model == 10) {
@@ -207,7 +205,7 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
         break;
     }
     case 10:
-        bases.b = model == 6 ? 10379 : 13825;
+        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::wahPage(model), bases, page);
         break;
     case 11:
@@ -217,13 +215,12 @@ void PageBuilder::build(int page, const PageViews& views, int& dataBase) {
             primitives_.PlaceCheckList(6660, 4530, 3, QStringLiteral("Edit Preamp!1!2!3"), true);
             list->setSelected(systemPreampSelection());
         }
-        if (model == 8) {
-            bases.switchAt = 11465;
-            bases.c = 11467;
-        } else {
-            static constexpr int switches[] = {19487, 19615, 19692};
-            bases.switchAt = switches[systemPreampSelection()];
-            bases.c = bases.switchAt + 1;
+        {
+            const PageCatalogue::SystemPreampLayout& preamp =
+                model == 8 ? PageCatalogue::kGt8SystemPreamp
+                           : PageCatalogue::kGt10SystemPreamps[systemPreampSelection()];
+            bases.preampSwitch = preamp.onOff;
+            bases.preampBlock = preamp.shared;
         }
         place(PageCatalogue::systemPreampShared(), bases, page);
         PlaceSystemPreampRows();
@@ -302,15 +299,16 @@ void PageBuilder::RebindCustomTone(int n) {
 }
 
 void PageBuilder::PlaceSystemPreampRows() {
-    Bases bases;
+    RowBases bases;
+    using PageCatalogue::SystemPreampLayout;
     if (model_ == 8) {
-        bases.x = image_.at(11468) * 17 + 11471;
+        const SystemPreampLayout& preamp = PageCatalogue::kGt8SystemPreamp;
+        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
     } else {
         const int k = pools_.groups[ControlPools::kSelectorList]->Selected();
-        static constexpr int channelByte[] = {19489, 19617, 19694};
-        static constexpr int channelBase[] = {19503, 19631, 19708};
         const auto i = std::size_t(std::clamp(k, 0, 2));
-        bases.x = image_.at(channelByte[i]) * 32 + channelBase[i];
+        const SystemPreampLayout& preamp = PageCatalogue::kGt10SystemPreamps[i];
+        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
         pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(i + 1));
     }
     place(PageCatalogue::systemPreampChannel(), bases, 11);
@@ -322,9 +320,9 @@ void PageBuilder::PlaceCtlPedalRows() {
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
     primitives_.PlaceHeading(1, 150, 2145, 7980, 2010,
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
-    Bases bases;
-    bases.q = 48 * m;
-    bases.m3 = 3 * m;
+    RowBases bases;
+    bases.pedalPair = 48 * m;
+    bases.pedalPairModes = 3 * m;
     place(PageCatalogue::ctlPedalRows(), bases, 15);
 }
 

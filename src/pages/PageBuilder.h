@@ -31,21 +31,27 @@ struct GridHooks {
 // their selector list changes.
 class PageBuilder {
 public:
-    // The bases a page's rows are offset from.
-    struct Bases {
-        int b = 0, p = 0, s = 0, c = 0, switchAt = 0, x = 0, q = 0, m3 = 0, w = 0;
+    // The addresses a page's rows are offset from (see Base), and the width of a heading that
+    // takes it from the model.
+    struct RowBases {
+        int modelBlock = 0, customPreamp = 0, customSpeaker = 0, preampBlock = 0, preampSwitch = 0,
+            preampChannel = 0, pedalPair = 0, pedalPairModes = 0, headingWidth = 0;
         int resolve(const Address& a) const;
     };
 
-    PageBuilder(ControlPools& pools, const SystemImage& image, const int& model);
+    PageBuilder(ControlPools& pools, const SystemImage& image);
 
+    // The model whose pages are built (SetFormat sets it).
+    void setModel(int model) {
+        model_ = model;
+        primitives_.setModel(model);
+    }
     void setGridHooks(GridHooks hooks) { grids_ = std::move(hooks); }
     const GridHooks& gridHooks() const { return grids_; }
     PagePrimitives& primitives() { return primitives_; }
 
-    // Builds `page` on a cleared page area. `currentPage` is the page being built (the GT-10
-    // pedal page adapts its ranges during the build). Sets `dataBase` for pages 5 and 6.
-    void build(int page, const PageViews& views, int& dataBase);
+    // Builds `page` on a cleared page area.
+    void build(int page, const PageViews& views);
 
     // The tab button that belongs to a page on a model, or -1 for a page without one.
     static int tabForPage(int page, int model);
@@ -65,12 +71,12 @@ public:
     int systemPreampSelection() const;
 
 private:
-    void place(std::span<const PageRow> rows, const Bases& bases, int currentPage);
+    void place(std::span<const PageRow> rows, const RowBases& bases, int currentPage);
     void neutralSpeaker();
 
     ControlPools& pools_;
     const SystemImage& image_;
-    const int& model_;
+    int model_ = 0;
     PagePrimitives primitives_;
     GridHooks grids_;
 };

@@ -2,19 +2,19 @@
 
 // Every page of every model as rows of primitive calls, in call order. Positions are twips in
 // the page area; ranges start at 0; addresses are image indexes, or offsets from a base that
-// the builder computes (B, P, S, C, SwitchAt, X, Q, M3).
+// the builder computes (see Base).
 
 namespace ferrule {
 namespace {
 
-constexpr Address B{Base::B, 0};
-constexpr Address P{Base::P, 0};
-constexpr Address S{Base::S, 0};
-constexpr Address C{Base::C, 0};
-constexpr Address SwitchAt{Base::Switch, 0};
-constexpr Address X{Base::X, 0};
-constexpr Address Q{Base::Q, 0};
-constexpr Address M3{Base::M3, 0};
+constexpr Address ModelBlock{Base::ModelBlock, 0};
+constexpr Address CustomPreamp{Base::CustomPreamp, 0};
+constexpr Address CustomSpeaker{Base::CustomSpeaker, 0};
+constexpr Address PreampBlock{Base::PreampBlock, 0};
+constexpr Address PreampSwitch{Base::PreampSwitch, 0};
+constexpr Address PreampChannel{Base::PreampChannel, 0};
+constexpr Address PedalPair{Base::PedalPair, 0};
+constexpr Address PedalPairModes{Base::PedalPairModes, 0};
 // The first heading of page 9 takes its width from the model.
 constexpr int kWidthW = PageCatalogue::kModelWidth;
 
@@ -213,17 +213,17 @@ constexpr PageRow kPage4Gt5[] = {
 // Page 4, GT-6 and GT-8 (B per model).
 constexpr PageRow kPage4Gt6Gt8[] = {
     heading(0, "MIDI", 5670, 4380, 150, 105),
-    knob(0, "Rx channel", B, 15, 5, 0, 120, 600),
-    toggle(0, "Omni mode", B + 1, 375, 1995),
-    knob(1, "Tx channel", B + 2, 16, 153, 0, 1230, 600),
-    options(1, "Sync clock!Auto!Internal", B + 3, 2715, 1620),
-    toggle(1, "PC out", B + 4, 1485, 1995),
-    knob(2, "EXP out", B + 5, 94, 154, 1, 120, 2910),
-    knob(3, "EXP SW out", B + 6, 94, 154, 2, 1230, 2910),
-    knob(4, "CTL out", B + 7, 94, 154, 3, 2340, 2910),
-    knob(5, "Sub CTL 1", B + 8, 94, 154, 4, 3450, 2910),
-    knob(6, "Sub CTL 2", B + 9, 94, 154, 4, 4560, 2910),
-    options(0, "Map Select!Fixed!Progammable", B + 10, 2715, 600),
+    knob(0, "Rx channel", ModelBlock, 15, 5, 0, 120, 600),
+    toggle(0, "Omni mode", ModelBlock + 1, 375, 1995),
+    knob(1, "Tx channel", ModelBlock + 2, 16, 153, 0, 1230, 600),
+    options(1, "Sync clock!Auto!Internal", ModelBlock + 3, 2715, 1620),
+    toggle(1, "PC out", ModelBlock + 4, 1485, 1995),
+    knob(2, "EXP out", ModelBlock + 5, 94, 154, 1, 120, 2910),
+    knob(3, "EXP SW out", ModelBlock + 6, 94, 154, 2, 1230, 2910),
+    knob(4, "CTL out", ModelBlock + 7, 94, 154, 3, 2340, 2910),
+    knob(5, "Sub CTL 1", ModelBlock + 8, 94, 154, 4, 3450, 2910),
+    knob(6, "Sub CTL 2", ModelBlock + 9, 94, 154, 4, 4560, 2910),
+    options(0, "Map Select!Fixed!Progammable", ModelBlock + 10, 2715, 600),
 };
 
 // Page 4, GT-10. "Device ID" takes knob 9, which no other row of the page uses.
@@ -249,23 +249,23 @@ constexpr PageRow kPage4Gt10[] = {
 // group only on GT-8.
 constexpr PageRow kPage8Gt6Gt8[] = {
     heading(0, "Custom OD/DS 1", 5925, 2010, 150, 105),
-    slider(0, "Type", B, 7, 173, 3, 105, 420),
-    knob(0, "Bottom", B + 1, 10, 178, 0, 1500, 600),
-    knob(1, "Top", B + 2, 10, 178, 1, 2610, 600),
-    knob(2, "Low", B + 3, 10, 178, 2, 3720, 600),
-    knob(3, "High", B + 4, 10, 178, 3, 4830, 600),
+    slider(0, "Type", ModelBlock, 7, 173, 3, 105, 420),
+    knob(0, "Bottom", ModelBlock + 1, 10, 178, 0, 1500, 600),
+    knob(1, "Top", ModelBlock + 2, 10, 178, 1, 2610, 600),
+    knob(2, "Low", ModelBlock + 3, 10, 178, 2, 3720, 600),
+    knob(3, "High", ModelBlock + 4, 10, 178, 3, 4830, 600),
     heading(1, "Custom OD/DS 2", 5925, 2010, 150, 2145),
-    slider(1, "Type", B + 5, 7, 173, 3, 105, 2460),
-    knob(4, "Bottom", B + 6, 10, 178, 0, 1500, 2640),
-    knob(5, "Top", B + 7, 10, 178, 1, 2610, 2640),
-    knob(6, "Low", B + 8, 10, 178, 2, 3720, 2640),
-    knob(7, "High", B + 9, 10, 178, 3, 4830, 2640),
+    slider(1, "Type", ModelBlock + 5, 7, 173, 3, 105, 2460),
+    knob(4, "Bottom", ModelBlock + 6, 10, 178, 0, 1500, 2640),
+    knob(5, "Top", ModelBlock + 7, 10, 178, 1, 2610, 2640),
+    knob(6, "Low", ModelBlock + 8, 10, 178, 2, 3720, 2640),
+    knob(7, "High", ModelBlock + 9, 10, 178, 3, 4830, 2640),
     only(Gt8Only, heading(2, "Custom OD/DS 3", 5925, 2010, 150, 4185)),
-    only(Gt8Only, slider(2, "Type", B + 10, 7, 173, 3, 105, 4500)),
-    only(Gt8Only, knob(8, "Bottom", B + 11, 10, 178, 0, 1500, 4680)),
-    only(Gt8Only, knob(9, "Top", B + 12, 10, 178, 1, 2610, 4680)),
-    only(Gt8Only, knob(10, "Low", B + 13, 10, 178, 2, 3720, 4680)),
-    only(Gt8Only, knob(11, "High", B + 14, 10, 178, 3, 4830, 4680)),
+    only(Gt8Only, slider(2, "Type", ModelBlock + 10, 7, 173, 3, 105, 4500)),
+    only(Gt8Only, knob(8, "Bottom", ModelBlock + 11, 10, 178, 0, 1500, 4680)),
+    only(Gt8Only, knob(9, "Top", ModelBlock + 12, 10, 178, 1, 2610, 4680)),
+    only(Gt8Only, knob(10, "Low", ModelBlock + 13, 10, 178, 2, 3720, 4680)),
+    only(Gt8Only, knob(11, "High", ModelBlock + 14, 10, 178, 3, 4830, 4680)),
 };
 
 // Page 8, GT-5.
@@ -320,15 +320,15 @@ constexpr PageRow kPage9Gt6[] = {
     selector("Edit Preamp!1!2!3", 3, 150, 4410),
     selector("Edit Preamp!1!2!3", 3, 150, 4410),
     heading(0, "Custom Preamp ", 5925, 4110, 150, 105),
-    slider(0, "Type", P, 6, 172, 3, 105, 420),
-    knob(0, "Bottom", P + 1, 10, 178, 0, 1500, 600),
-    knob(1, "Edge", P + 2, 10, 178, 1, 2610, 600),
-    knob(2, "Bass", P + 3, 10, 178, 2, 3720, 600),
-    knob(3, "Treble", P + 4, 10, 178, 3, 4830, 600),
-    knob(4, "Preamp Low", P + 5, 10, 178, 2, 1500, 2640),
-    knob(5, "Preamp High", P + 6, 10, 178, 3, 2610, 2640),
-    knob(6, "Spkr Low", P + 7, 10, 178, 2, 3720, 2640),
-    knob(7, "Spkr High", P + 8, 10, 178, 3, 4830, 2640),
+    slider(0, "Type", CustomPreamp, 6, 172, 3, 105, 420),
+    knob(0, "Bottom", CustomPreamp + 1, 10, 178, 0, 1500, 600),
+    knob(1, "Edge", CustomPreamp + 2, 10, 178, 1, 2610, 600),
+    knob(2, "Bass", CustomPreamp + 3, 10, 178, 2, 3720, 600),
+    knob(3, "Treble", CustomPreamp + 4, 10, 178, 3, 4830, 600),
+    knob(4, "Preamp Low", CustomPreamp + 5, 10, 178, 2, 1500, 2640),
+    knob(5, "Preamp High", CustomPreamp + 6, 10, 178, 3, 2610, 2640),
+    knob(6, "Spkr Low", CustomPreamp + 7, 10, 178, 2, 3720, 2640),
+    knob(7, "Spkr High", CustomPreamp + 8, 10, 178, 3, 4830, 2640),
 };
 
 // Page 9, GT-8 and GT-10 (P and S per model and custom tone; W per model); "Preamp Mode"
@@ -337,41 +337,41 @@ constexpr PageRow kPage9Gt8Gt10[] = {
     selector("Edit Preamp/Speaker!1!2!3", 3, 150, 4410),
     heading(0, "Custom Preamp ", kWidthW, 2010, 150, 105),
     only(Gt10Only, options(8, "Preamp Mode!Patch!System 1!System 2!System 3", 19121, 7800, 600)),
-    slider(0, "Type", P, 6, 172, 4, 210, 420),
-    knob(0, "Bottom", P + 1, 10, 178, 0, 1590, 600),
-    knob(1, "Edge", P + 2, 10, 178, 1, 2550, 600),
-    knob(2, "Bass", P + 3, 10, 178, 2, 3510, 600),
-    knob(3, "Treble", P + 4, 10, 178, 3, 4470, 600),
-    knob(4, "Low", P + 5, 10, 178, 2, 5430, 600),
-    knob(5, "High", P + 6, 10, 178, 3, 6390, 600),
+    slider(0, "Type", CustomPreamp, 6, 172, 4, 210, 420),
+    knob(0, "Bottom", CustomPreamp + 1, 10, 178, 0, 1590, 600),
+    knob(1, "Edge", CustomPreamp + 2, 10, 178, 1, 2550, 600),
+    knob(2, "Bass", CustomPreamp + 3, 10, 178, 2, 3510, 600),
+    knob(3, "Treble", CustomPreamp + 4, 10, 178, 3, 4470, 600),
+    knob(4, "Low", CustomPreamp + 5, 10, 178, 2, 5430, 600),
+    knob(5, "High", CustomPreamp + 6, 10, 178, 3, 6390, 600),
     heading(1, "Custom Speaker ", 6060, 2010, 150, 2145),
-    slider(1, "Type", S, 10, 16, 0, 210, 2460),
-    knob(6, "Low", S + 1, 20, 15, 2, 1590, 2640),
-    knob(7, "High", S + 2, 20, 15, 3, 2550, 2640),
-    options(6, "Number!x1!x2!x4!x8", S + 3, 3870, 2640),
-    options(0, "Cabinet type!Open!Closed", S + 4, 4830, 2640),
+    slider(1, "Type", CustomSpeaker, 10, 16, 0, 210, 2460),
+    knob(6, "Low", CustomSpeaker + 1, 20, 15, 2, 1590, 2640),
+    knob(7, "High", CustomSpeaker + 2, 20, 15, 3, 2550, 2640),
+    options(6, "Number!x1!x2!x4!x8", CustomSpeaker + 3, 3870, 2640),
+    options(0, "Cabinet type!Open!Closed", CustomSpeaker + 4, 4830, 2640),
 };
 
 // Page 10 (custom wah), GT-6 and GT-8 (B per model).
 constexpr PageRow kPage10[] = {
     heading(0, "Custom WAH 1", 5925, 2010, 150, 105),
-    slider(0, "Type", B, 4, 174, 4, 105, 420),
-    knob(0, "Q", B + 1, 10, 178, 0, 1500, 600),
-    knob(1, "Range Low", B + 2, 10, 178, 1, 2610, 600),
-    knob(2, "Range High", B + 3, 10, 178, 2, 3720, 600),
-    knob(3, "Presence", B + 4, 10, 178, 3, 4830, 600),
+    slider(0, "Type", ModelBlock, 4, 174, 4, 105, 420),
+    knob(0, "Q", ModelBlock + 1, 10, 178, 0, 1500, 600),
+    knob(1, "Range Low", ModelBlock + 2, 10, 178, 1, 2610, 600),
+    knob(2, "Range High", ModelBlock + 3, 10, 178, 2, 3720, 600),
+    knob(3, "Presence", ModelBlock + 4, 10, 178, 3, 4830, 600),
     heading(1, "Custom WAH 2", 5925, 2010, 150, 2130),
-    slider(1, "Type", B + 5, 4, 174, 4, 105, 2460),
-    knob(4, "Q", B + 6, 10, 178, 0, 1500, 2640),
-    knob(5, "Range Low", B + 7, 10, 178, 1, 2610, 2640),
-    knob(6, "Range High", B + 8, 10, 178, 2, 3720, 2640),
-    knob(7, "Presence", B + 9, 10, 178, 3, 4830, 2640),
+    slider(1, "Type", ModelBlock + 5, 4, 174, 4, 105, 2460),
+    knob(4, "Q", ModelBlock + 6, 10, 178, 0, 1500, 2640),
+    knob(5, "Range Low", ModelBlock + 7, 10, 178, 1, 2610, 2640),
+    knob(6, "Range High", ModelBlock + 8, 10, 178, 2, 3720, 2640),
+    knob(7, "Presence", ModelBlock + 9, 10, 178, 3, 4830, 2640),
     heading(2, "Custom WAH 3", 5925, 2010, 150, 4185),
-    slider(2, "Type", B + 10, 4, 174, 4, 105, 4500),
-    knob(8, "Q", B + 11, 10, 178, 0, 1500, 4680),
-    knob(9, "Range Low", B + 12, 10, 178, 1, 2610, 4680),
-    knob(10, "Range High", B + 13, 10, 178, 2, 3720, 4680),
-    knob(11, "Presence", B + 14, 10, 178, 3, 4830, 4680),
+    slider(2, "Type", ModelBlock + 10, 4, 174, 4, 105, 4500),
+    knob(8, "Q", ModelBlock + 11, 10, 178, 0, 1500, 4680),
+    knob(9, "Range Low", ModelBlock + 12, 10, 178, 1, 2610, 4680),
+    knob(10, "Range High", ModelBlock + 13, 10, 178, 2, 3720, 4680),
+    knob(11, "Presence", ModelBlock + 14, 10, 178, 3, 4830, 4680),
 };
 
 // Page 11 (system preamp), GT-8 and GT-10: headings.
@@ -384,11 +384,11 @@ constexpr PageRow kPage11Headings[] = {
 
 // Page 11: the rows of the system preamp block C and its on/off switch.
 constexpr PageRow kPage11Shared[] = {
-    toggle(2, "On/Off", SwitchAt, 240, 5280),
-    options(6, "Mode!Single!Dual Mono!Dual L/R!Dynamic", C, 240, 2460),
-    options(1, " !Channel A!Channel B", C + 1, 240, 4290),
-    knob(0, "Dynamic Sens", C + 2, 100, 0, 2, 1605, 2640),
-    knob(1, "Delay", C + 3, 50, 10, 4, 2655, 2640),
+    toggle(2, "On/Off", PreampSwitch, 240, 5280),
+    options(6, "Mode!Single!Dual Mono!Dual L/R!Dynamic", PreampBlock, 240, 2460),
+    options(1, " !Channel A!Channel B", PreampBlock + 1, 240, 4290),
+    knob(0, "Dynamic Sens", PreampBlock + 2, 100, 0, 2, 1605, 2640),
+    knob(1, "Delay", PreampBlock + 3, 50, 10, 4, 2655, 2640),
 };
 
 // Page 12 (input levels and global EQ), GT-10.
@@ -466,43 +466,43 @@ constexpr PageRow kPage14[] = {
 
 // The channel rows of page 11, from the channel base X.
 constexpr PageRow kSystemPreampRows[] = {
-    slider(0, "Preamp Type", X, 48, 134, 4, 240, 435),
-    knob(2, "Gain", X + 1, 120, 0, 3, 1620, 600),
-    knob(3, "Bass", X + 2, 100, 0, 0, 2640, 600),
-    knob(4, "Middle", X + 3, 100, 0, 2, 3660, 600),
-    knob(5, "Treble", X + 4, 100, 0, 3, 4680, 600),
-    knob(6, "Presence", X + 5, 100, 0, 4, 5700, 600),
-    knob(7, "Level", X + 6, 100, 0, 1, 6720, 600),
-    toggle(0, "Bright", X + 7, 7965, 360),
-    options(7, "Gain!Low!Middle!High", X + 8, 7965, 990),
-    slider(1, "Spkr Type", X + 11, 4, 135, 3, 3810, 2460),
-    slider(2, "Mic Type", X + 12, 4, 136, 3, 5265, 2460),
-    options(0, "Mic Dis!Off Mic!On Mic", X + 13, 7965, 2640),
-    knob(9, "Mic Pos", X + 14, 10, 25, 2, 6720, 2640),
-    toggle(1, "Solo", X + 9, 2125, 4680),
-    knob(8, "Solo Level", X + 10, 100, 0, 1, 2930, 4680),
-    knob(10, "Mic Level", X + 15, 100, 0, 1, 3950, 4680),
-    knob(11, "Direct Level", X + 16, 100, 0, 1, 4970, 4680),
+    slider(0, "Preamp Type", PreampChannel, 48, 134, 4, 240, 435),
+    knob(2, "Gain", PreampChannel + 1, 120, 0, 3, 1620, 600),
+    knob(3, "Bass", PreampChannel + 2, 100, 0, 0, 2640, 600),
+    knob(4, "Middle", PreampChannel + 3, 100, 0, 2, 3660, 600),
+    knob(5, "Treble", PreampChannel + 4, 100, 0, 3, 4680, 600),
+    knob(6, "Presence", PreampChannel + 5, 100, 0, 4, 5700, 600),
+    knob(7, "Level", PreampChannel + 6, 100, 0, 1, 6720, 600),
+    toggle(0, "Bright", PreampChannel + 7, 7965, 360),
+    options(7, "Gain!Low!Middle!High", PreampChannel + 8, 7965, 990),
+    slider(1, "Spkr Type", PreampChannel + 11, 4, 135, 3, 3810, 2460),
+    slider(2, "Mic Type", PreampChannel + 12, 4, 136, 3, 5265, 2460),
+    options(0, "Mic Dis!Off Mic!On Mic", PreampChannel + 13, 7965, 2640),
+    knob(9, "Mic Pos", PreampChannel + 14, 10, 25, 2, 6720, 2640),
+    toggle(1, "Solo", PreampChannel + 9, 2125, 4680),
+    knob(8, "Solo Level", PreampChannel + 10, 100, 0, 1, 2930, 4680),
+    knob(10, "Mic Level", PreampChannel + 15, 100, 0, 1, 3950, 4680),
+    knob(11, "Direct Level", PreampChannel + 16, 100, 0, 1, 4970, 4680),
 };
 
 // The control pedal rows of page 15, for the pair m (Q = 48 × m, M3 = 3 × m).
 constexpr PageRow kCtlPedalRows[] = {
-    slider(0, "Function", Q + 19282, 6, 209, 4, 210, 420),
-    knob(0, "Min", Q + 19284, 1, 30, 1, 1590, 600),
-    knob(1, "Max", Q + 19286, 1, 30, 1, 2490, 600),
-    knob(2, "PDL Low", Q + 19289, 127, 0, 2, 3690, 600),
-    knob(3, "PDL High", Q + 19290, 127, 0, 2, 4590, 600),
-    options(0, "Mode!Momentary!Toggle", Q + 19288, 5940, 600),
-    options(1, " !Patch!System", M3 + 19229, 5940, 1245),
-    toggle(0, "On/Off", Q + 19281, 7240, 600),
-    slider(1, "Function", Q + 19298, 6, 209, 4, 210, 2460),
-    knob(4, "Min", Q + 19300, 1, 30, 1, 1590, 2640),
-    knob(5, "Max", Q + 19302, 1, 30, 1, 2490, 2640),
-    knob(6, "PDL Low", Q + 19305, 127, 0, 2, 3690, 2640),
-    knob(7, "PDL High", Q + 19306, 127, 0, 2, 4590, 2640),
-    options(2, "Mode!Momentary!Toggle", Q + 19304, 5940, 2640),
-    options(3, " !Patch!System", M3 + 19230, 5940, 3285),
-    toggle(1, "On/Off", Q + 19297, 7240, 2640),
+    slider(0, "Function", PedalPair + 19282, 6, 209, 4, 210, 420),
+    knob(0, "Min", PedalPair + 19284, 1, 30, 1, 1590, 600),
+    knob(1, "Max", PedalPair + 19286, 1, 30, 1, 2490, 600),
+    knob(2, "PDL Low", PedalPair + 19289, 127, 0, 2, 3690, 600),
+    knob(3, "PDL High", PedalPair + 19290, 127, 0, 2, 4590, 600),
+    options(0, "Mode!Momentary!Toggle", PedalPair + 19288, 5940, 600),
+    options(1, " !Patch!System", PedalPairModes + 19229, 5940, 1245),
+    toggle(0, "On/Off", PedalPair + 19281, 7240, 600),
+    slider(1, "Function", PedalPair + 19298, 6, 209, 4, 210, 2460),
+    knob(4, "Min", PedalPair + 19300, 1, 30, 1, 1590, 2640),
+    knob(5, "Max", PedalPair + 19302, 1, 30, 1, 2490, 2640),
+    knob(6, "PDL Low", PedalPair + 19305, 127, 0, 2, 3690, 2640),
+    knob(7, "PDL High", PedalPair + 19306, 127, 0, 2, 4590, 2640),
+    options(2, "Mode!Momentary!Toggle", PedalPair + 19304, 5940, 2640),
+    options(3, " !Patch!System", PedalPairModes + 19230, 5940, 3285),
+    toggle(1, "On/Off", PedalPair + 19297, 7240, 2640),
 };
 
 } // namespace
@@ -596,4 +596,18 @@ std::span<const PageRow> ctlPedalRows() {
 }
 
 } // namespace PageCatalogue
+int PageCatalogue::modelBlock(int page, int model) {
+    const bool gt6 = model == 6;
+    switch (page) {
+    case 4:
+        return gt6 ? 7039 : 10428;
+    case 8:
+        return gt6 ? 10369 : 13810;
+    case 10:
+        return gt6 ? 10379 : 13825;
+    default:
+        return 0;
+    }
+}
+
 } // namespace ferrule

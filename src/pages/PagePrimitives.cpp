@@ -14,10 +14,9 @@
 
 namespace ferrule {
 
-PagePrimitives::PagePrimitives(ControlPools& pools, const SystemImage& image, const int& model)
+PagePrimitives::PagePrimitives(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
-    , image_(image)
-    , model_(model) {}
+    , image_(image) {}
 
 int PagePrimitives::optionCount(int group) {
     if (group == 6 || group == 8) return 4;

@@ -13,7 +13,8 @@ class SystemImage;
 // page area.
 class PagePrimitives {
 public:
-    PagePrimitives(ControlPools& pools, const SystemImage& image, const int& model);
+    PagePrimitives(ControlPools& pools, const SystemImage& image);
+    void setModel(int model) { model_ = model; }
 
     void PlaceHeading(int index, int x, int y, int width, int height, const QString& caption);
     void PlaceKnob(int index, int x, int y, int color, int format, int max, int memLoc,
@@ -41,7 +42,7 @@ public:
 private:
     ControlPools& pools_;
     const SystemImage& image_;
-    const int& model_;
+    int model_ = 0;
 };
 
 } // namespace ferrule

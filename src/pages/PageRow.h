@@ -7,15 +7,15 @@ namespace ferrule {
 // Where a row's image address starts: an absolute index, or an offset from a base that the
 // page computes when it is built (per model, per custom tone, per channel, per pedal pair).
 enum class Base : std::uint8_t {
-    None,   // absolute index
-    B,      // the model's block of a shared layout (pages 4, 8, 10)
-    P,      // custom preamp n (page 9)
-    S,      // custom speaker n (page 9)
-    C,      // system preamp block (page 11)
-    Switch, // system preamp on/off (page 11)
-    X,      // system preamp channel (page 11)
-    Q,      // control pedal pair: 48 × m (page 15)
-    M3,     // control pedal pair's Patch/System bytes: 3 × m (page 15)
+    None,           // absolute index
+    ModelBlock,     // the model's block of a shared layout (pages 4, 8, 10)
+    CustomPreamp,   // custom preamp n (page 9)
+    CustomSpeaker,  // custom speaker n (page 9)
+    PreampBlock,    // system preamp settings shared by its channels (page 11)
+    PreampSwitch,   // system preamp on/off (page 11)
+    PreampChannel,  // system preamp channel (page 11)
+    PedalPair,      // control pedal pair: 48 × m (page 15)
+    PedalPairModes, // control pedal pair's Patch/System bytes: 3 × m (page 15)
 };
 
 struct Address {
