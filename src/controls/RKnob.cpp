@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace ferrule {
@@ -19,7 +20,6 @@ RKnob::RKnob(int poolIndex, QWidget* parent)
     setObjectName(QStringLiteral("RKnob1_%1").arg(poolIndex));
     setProperty("ferruleKind", QStringLiteral("knob"));
     setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
-    setFocusPolicy(Qt::ClickFocus);
     setCursor(Qt::PointingHandCursor);
     setColor(0);
     setLabelWidth(0);
@@ -148,6 +148,7 @@ void RKnob::mousePressEvent(QMouseEvent* e) {
     if (e->button() != Qt::LeftButton || Off()) return;
     lastX_ = -1;
     lastY_ = -1;
+    fineValue_ = -1;
     dragging_ = true;
     const double x = pxToTwips(e->position().x());
     const double y = pxToTwips(e->position().y());
@@ -159,9 +160,32 @@ void RKnob::mouseMoveEvent(QMouseEvent* e) {
     const double x = pxToTwips(e->position().x());
     const double y = pxToTwips(e->position().y());
     if (x == lastX_ && y == lastY_) return;
+    const bool fine = e->modifiers() & Qt::ShiftModifier;
+    if (fine && lastX_ >= 0)
+        guarded([this, x, y] { TrackFine(lastX_, lastY_, x, y); });
+    else
+        fineValue_ = -1;
     lastX_ = x;
     lastY_ = y;
-    guarded([this, x, y] { TrackPointer(x, y); });
+    if (!fine) guarded([this, x, y] { TrackPointer(x, y); });
+}
+
+double RKnob::fineTurn(double fromX, double fromY, double toX, double toY) {
+    // The angle the mouse turned around the centre, clockwise positive, a quarter of it.
+    const double from = std::atan2(fromY - 375.0, fromX - 375.0);
+    const double to = std::atan2(toY - 375.0, toX - 375.0);
+    double turn = (to - from) * kDeg / kPi;
+    if (turn > kDeg) turn -= 2 * kDeg;
+    if (turn < -kDeg) turn += 2 * kDeg;
+    return turn / 4.0;
+}
+
+void RKnob::TrackFine(double fromX, double fromY, double toX, double toY) {
+    if (fineValue_ < 0) fineValue_ = value_;
+    // 300° span the range; with Shift the value moves a quarter as far as the mouse turns.
+    fineValue_ += fineTurn(fromX, fromY, toX, toY) * (max_ + 1) / 300.0;
+    fineValue_ = std::clamp(fineValue_, 0.0, double(max_));
+    CommitValue(int(std::lround(fineValue_)));
 }
 
 } // namespace ferrule

@@ -29,6 +29,11 @@ public:
     // The mouse at (x, y) twips while dragging: moves the pointer and, when the value changes,
     // stores it and raises Change.
     void TrackPointer(double x, double y);
+    // A drag with Shift from (fromX, fromY) to (toX, toY) twips: the value moves by a quarter of
+    // the angle the mouse turned around the centre, from where it was.
+    void TrackFine(double fromX, double fromY, double toX, double toY);
+    // A quarter of the angle, in degrees clockwise, that a move turns around the centre.
+    static double fineTurn(double fromX, double fromY, double toX, double toY);
     // The pointer's top-left corner for a value, in twips.
     static QPoint pointerPosition(int value, int max);
 
@@ -49,6 +54,7 @@ private:
     int pointerTop_ = 0;
     double lastX_ = -1;
     double lastY_ = -1;
+    double fineValue_ = -1;
 };
 
 } // namespace ferrule

@@ -16,7 +16,6 @@ VSlider::VSlider(int poolIndex, QWidget* parent)
     setObjectName(QStringLiteral("VSlider1_%1").arg(poolIndex));
     setProperty("ferruleKind", QStringLiteral("slider"));
     setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
-    setFocusPolicy(Qt::ClickFocus);
     setLabelWidth(0);
     placeThumb();
 }

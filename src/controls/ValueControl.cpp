@@ -3,10 +3,13 @@
 #include "HostFont.h"
 #include "Twips.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWhatsThis>
+#include <QWheelEvent>
 
+#include <algorithm>
 #include <exception>
 
 namespace ferrule {
@@ -18,6 +21,7 @@ ValueControl::ValueControl(int poolIndex, QWidget* parent)
     QFont f = font();
     f.setPixelSize(11);
     setFont(f);
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 void ValueControl::applyHostFont(const HostFontSettings& font) {
@@ -94,6 +98,8 @@ void ValueControl::paintValueLabel(QPainter& p) const {
 }
 
 bool ValueControl::pressOnLabel(const QMouseEvent* e) {
+    // Every press starts a gesture; its release finishes it.
+    startGesture();
     if (!labelRect_.contains(e->position().toPoint())) return false;
     const Qt::MouseButton button = e->button();
     guarded([this, button] { labelPressed(button); });
@@ -113,11 +119,114 @@ void ValueControl::mouseReleaseEvent(QMouseEvent* e) {
         dragging_ = false;
     else
         showHelp(e->globalPosition().toPoint());
+    finishGesture();
 }
 
 void ValueControl::focusOutEvent(QFocusEvent* e) {
     dragging_ = false;
+    finishGesture();
     QWidget::focusOutEvent(e);
+}
+
+void ValueControl::hideEvent(QHideEvent* e) {
+    dragging_ = false;
+    finishGesture();
+    QWidget::hideEvent(e);
+}
+
+void ValueControl::startGesture() {
+    if (gestureOpen_) return;
+    gestureOpen_ = true;
+    emit gestureStarted();
+}
+
+void ValueControl::finishGesture() {
+    wheelBurst_.stop();
+    wheelRemainder_ = 0;
+    if (!gestureOpen_) return;
+    gestureOpen_ = false;
+    emit gestureFinished();
+}
+
+int ValueControl::pageStep() const {
+    return std::max(1, (max_ - minimum()) / 10);
+}
+
+std::optional<int> ValueControl::valueForKey(int key) const {
+    int v = value_;
+    switch (key) {
+    case Qt::Key_Up:
+    case Qt::Key_Right:
+        v += 1;
+        break;
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+        v -= 1;
+        break;
+    case Qt::Key_PageUp:
+        v += pageStep();
+        break;
+    case Qt::Key_PageDown:
+        v -= pageStep();
+        break;
+    case Qt::Key_Home:
+        v = minimum();
+        break;
+    case Qt::Key_End:
+        v = max_;
+        break;
+    default:
+        return std::nullopt;
+    }
+    return std::clamp(v, minimum(), std::max(minimum(), max_));
+}
+
+void ValueControl::keyPressEvent(QKeyEvent* e) {
+    const std::optional<int> v = valueForKey(e->key());
+    if (!v || e->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
+        QWidget::keyPressEvent(e);
+        return;
+    }
+    e->accept();
+    if (!acceptsInput() || dragging_) return;
+    startGesture();
+    guarded([this, v] { CommitValue(*v); });
+    // A key held down repeats within one gesture; its release finishes it.
+}
+
+void ValueControl::keyReleaseEvent(QKeyEvent* e) {
+    if (!e->isAutoRepeat() && valueForKey(e->key())) finishGesture();
+    QWidget::keyReleaseEvent(e);
+}
+
+void ValueControl::wheelEvent(QWheelEvent* e) {
+    e->accept();
+    if (!acceptsInput() || dragging_) return;
+    const QPoint angle = e->angleDelta();
+    // Some platforms turn a vertical wheel with Shift into a horizontal one.
+    const int delta = angle.y() != 0 ? angle.y() : angle.x();
+    if (e->inverted())
+        wheelRemainder_ -= delta;
+    else
+        wheelRemainder_ += delta;
+    // 120 units are one notch; finer wheels and touchpads send parts of one and add up.
+    const int notches = wheelRemainder_ / 120;
+    wheelRemainder_ -= notches * 120;
+    startGesture();
+    wheelBurst_.start(400, this);
+    if (notches == 0) return;
+    const int step = (e->modifiers() & Qt::ShiftModifier) ? pageStep() : 1;
+    const int target = std::clamp(value_ + notches * step, minimum(), std::max(minimum(), max_));
+    guarded([this, target] { CommitValue(target); });
+}
+
+void ValueControl::timerEvent(QTimerEvent* e) {
+    if (e->timerId() == wheelBurst_.timerId()) {
+        // The wheel rested: the burst of notches is one edit.
+        finishGesture();
+        return;
+    }
+    QWidget::timerEvent(e);
 }
 
 } // namespace ferrule

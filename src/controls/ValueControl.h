@@ -1,9 +1,11 @@
 #pragma once
 
+#include <QBasicTimer>
 #include <QRect>
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 namespace ferrule {
 
@@ -16,7 +18,9 @@ using ValueTextSource = std::function<QString(int value, int format, int type)>;
 // What the knob and the slider share: a value with an upper bound, the value label whose text
 // comes from the value-text source, the "off" state, committing a user change (which raises
 // Change), stepping by a click on the label, and the context help on a right-button release.
-// Positions are twips from the control's top-left corner.
+// Positions are twips from the control's top-left corner. The keyboard and the wheel step the
+// value through the same commit as the mouse; each user gesture (a press to its release, a
+// key press, a burst of wheel notches) is reported by its start and its finish.
 class ValueControl : public QWidget {
     Q_OBJECT
     Q_PROPERTY(int Max READ Max WRITE setMax)
@@ -67,9 +71,18 @@ public:
     QString helpText() const;
     // The value label's rectangle, in pixels of the control.
     QRect valueLabelRect() const { return labelRect_; }
+    // What a key does to the value: arrows step by 1, Page Up/Down by a tenth of the range (at
+    // least 1), Home/End go to the ends. Returns the new value, or nothing for another key.
+    std::optional<int> valueForKey(int key) const;
+    // The step of one wheel notch: 1, or with Shift a tenth of the range (at least 1).
+    int pageStep() const;
+    bool gestureOpen() const { return gestureOpen_; }
 
 signals:
     void Change(int value);
+    // A user gesture starts and finishes: everything between is one edit.
+    void gestureStarted();
+    void gestureFinished();
     // An error while handling the mouse (the value text could not be had).
     void failed(const QString& message);
 
@@ -93,6 +106,13 @@ protected:
     // any other button shows the context help.
     void mouseReleaseEvent(QMouseEvent* e) override;
     void focusOutEvent(QFocusEvent* e) override;
+    void hideEvent(QHideEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
+    void keyReleaseEvent(QKeyEvent* e) override;
+    void wheelEvent(QWheelEvent* e) override;
+    void timerEvent(QTimerEvent* e) override;
+    void startGesture();
+    void finishGesture();
 
     int max_ = 100;
     int value_ = 0;
@@ -109,6 +129,9 @@ private:
     QString text_;
     QRect labelRect_;
     ValueTextSource source_;
+    bool gestureOpen_ = false;
+    int wheelRemainder_ = 0;
+    QBasicTimer wheelBurst_;
 };
 
 } // namespace ferrule

@@ -1,6 +1,7 @@
 #include "SysForm.h"
 
 #include "ButtonPress.h"
+#include "EditHistory.h"
 #include "ImageButton.h"
 #include "OptionHover.h"
 #include "PageArea.h"
@@ -20,6 +21,8 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
+#include <QShortcut>
 
 namespace ferrule {
 namespace {
@@ -171,8 +174,17 @@ void SysForm::buildChrome() {
         return ok ? std::optional<int>(colour) : std::nullopt;
     });
     builder_ = std::make_unique<PageBuilder>(*pools_, state_.image);
+    history_ = new EditHistory(state_.image, this);
+    state_.image.setChangeListener([this](int, int) { imageChanged(); });
+    for (const QKeySequence& keys : QKeySequence::keyBindings(QKeySequence::Undo))
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &SysForm::undo);
+    QList<QKeySequence> redoKeys = QKeySequence::keyBindings(QKeySequence::Redo);
+    if (!redoKeys.contains(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)))
+        redoKeys << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    for (const QKeySequence& keys : redoKeys)
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, &SysForm::redo);
     binding_ = new ValueBinding(
-        state_, *pools_, *builder_, views_, [this] { return currentPage_; },
+        state_, *pools_, *builder_, views_, *history_, [this] { return currentPage_; },
         [this](const QString& m) {
             lastError_ = m;
             if (errorReporter_) errorReporter_(m);
@@ -207,9 +219,8 @@ void SysForm::Setup() {
     // The host's system data, byte by byte; a value that is not a byte stops the set-up.
     const QObject* host = state_.host.host();
     if (!host) throw FerruleError(QStringLiteral("SysData: no host object has been set"));
-    SystemImage& image = state_.image;
-    for (int i = 0; i < SystemImage::kSize; ++i)
-        image.set(i, state_.host.sysData(i));
+    state_.image.assign(readHostImage());
+    history_->clear();
     transmitted_ = false;
 
     if (!pools_->groups[0]) {
@@ -217,6 +228,8 @@ void SysForm::Setup() {
         binding_->connectGroups();
         grid_ = new GridEditor(pageArea_, state_.image,
                                *pools_->groups[ControlPools::kSelectorList], this);
+        connect(grid_, &GridEditor::editStarting, history_, &EditHistory::begin);
+        connect(grid_, &GridEditor::editFinished, history_, &EditHistory::end);
         grid_->setErrorReporter([this](const QString& m) {
             lastError_ = m;
             if (errorReporter_) errorReporter_(m);
@@ -288,6 +301,7 @@ void SysForm::Form_Load() {
     for (int i = 0; i < 13; ++i)
         showTabPicture(i, i);
     if (!loaded_) {
+        history_->clear();
         // A window loaded anew has an empty page area: the next ShowTab builds.
         currentPage_ = -1;
         currentTab_ = -1;
@@ -358,14 +372,45 @@ void SysForm::ToggleTransmission() {
     transmitted_ = true;
 }
 
-void SysForm::ReloadFromHost() {
-    SystemImage reloaded;
+SystemImage SysForm::readHostImage() const {
+    SystemImage image;
     for (int i = 0; i < SystemImage::kSize; ++i)
-        reloaded.set(i, state_.host.sysData(i));
-    state_.image = reloaded;
+        image.set(i, state_.host.sysData(i));
+    return image;
+}
+
+void SysForm::ReloadFromHost() {
+    const SystemImage reloaded = readHostImage();
+    history_->clear();
+    {
+        // One rebuild below, whatever changed.
+        const QScopedValueRollback quiet(refreshing_, true);
+        state_.image.assign(reloaded);
+    }
+    refreshPage();
+}
+
+void SysForm::refreshPage() {
     const int page = currentPage_;
+    if (page < 0) return;
+    const QScopedValueRollback busy(refreshing_, true);
     currentPage_ = -1;
     ShowTab(page);
+}
+
+void SysForm::imageChanged() {
+    // The controls show their own edits; anything else (undo, redo, reload) rebuilds the page
+    // from the image, which also refits dependent ranges and the grid.
+    if (history_->inGesture() || refreshing_) return;
+    runGuarded([this] { refreshPage(); });
+}
+
+void SysForm::undo() {
+    runGuarded([this] { history_->undo(); });
+}
+
+void SysForm::redo() {
+    runGuarded([this] { history_->redo(); });
 }
 
 void SysForm::CancelEdit() {

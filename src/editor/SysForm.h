@@ -2,6 +2,7 @@
 
 #include "controls/ButtonArt.h"
 #include "pages/PageBuilder.h"
+#include "sysdata/SystemImage.h"
 
 #include <QDialog>
 #include <QString>
@@ -17,6 +18,7 @@ namespace ferrule {
 struct ModuleState;
 class ButtonPress;
 class ControlPools;
+class EditHistory;
 class GridEditor;
 class ImageButton;
 class OptionHover;
@@ -53,6 +55,9 @@ public:
     // The four commands of the command buttons.
     Q_INVOKABLE void ToggleTransmission();
     void ReloadFromHost();
+    // Undo and redo of the last edit (Ctrl+Z, Ctrl+Shift+Z and the platform's keys).
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
     void CancelEdit();
     void CommitAndClose();
 
@@ -77,6 +82,7 @@ public:
     PageBuilder& builder() { return *builder_; }
     ValueBinding& binding() { return *binding_; }
     OptionHover& hover() { return *hover_; }
+    EditHistory& history() { return *history_; }
     GridEditor* grid() const { return grid_; }
     const ModuleState& state() const { return state_; }
     PageViews& views() { return views_; }
@@ -113,6 +119,9 @@ private:
     void showCommandNormal(int i);
 
     void buildButtonRows();
+    SystemImage readHostImage() const;
+    void imageChanged();
+    void refreshPage();
     void showTabPicture(int tab, int picture);
     void showModePicture(int button, int picture);
     void showCommandPicture(int button, int picture);
@@ -133,6 +142,8 @@ private:
     std::unique_ptr<ControlPools> pools_;
     std::unique_ptr<PageBuilder> builder_;
     ValueBinding* binding_ = nullptr;
+    EditHistory* history_ = nullptr;
+    bool refreshing_ = false;
     OptionHover* hover_ = nullptr;
     GridEditor* grid_ = nullptr;
 

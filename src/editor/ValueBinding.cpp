@@ -1,5 +1,7 @@
 #include "ValueBinding.h"
 
+#include "EditHistory.h"
+
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
@@ -15,13 +17,14 @@
 namespace ferrule {
 
 ValueBinding::ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder,
-                           PageViews& views, std::function<int()> currentPage,
+                           PageViews& views, EditHistory& history, std::function<int()> currentPage,
                            std::function<void(const QString&)> reportError, QObject* parent)
     : QObject(parent)
     , state_(state)
     , pools_(pools)
     , builder_(builder)
     , views_(views)
+    , history_(history)
     , currentPage_(std::move(currentPage))
     , reportError_(std::move(reportError)) {}
 
@@ -39,12 +42,16 @@ void ValueBinding::connectControls() {
         connect(k, &RKnob::Change, this,
                 [this, i](int v) { guarded([=, this] { knobChanged(i, v); }); });
         connect(k, &RKnob::failed, this, [this](const QString& m) { reportError_(m); });
+        connect(k, &ValueControl::gestureStarted, &history_, &EditHistory::begin);
+        connect(k, &ValueControl::gestureFinished, &history_, &EditHistory::end);
     }
     for (int i = 0; i < ControlPools::kSliders; ++i) {
         VSlider* s = pools_.sliders[std::size_t(i)];
         connect(s, &VSlider::Change, this,
                 [this, i](int v) { guarded([=, this] { sliderChanged(i, v); }); });
         connect(s, &VSlider::failed, this, [this](const QString& m) { reportError_(m); });
+        connect(s, &ValueControl::gestureStarted, &history_, &EditHistory::begin);
+        connect(s, &ValueControl::gestureFinished, &history_, &EditHistory::end);
     }
     for (int i = 0; i < ControlPools::kSwitches; ++i)
         pools_.onOff[std::size_t(i)]->installEventFilter(this);
@@ -57,17 +64,20 @@ void ValueBinding::connectGroups() {
 }
 
 void ValueBinding::knobChanged(int index, int value) {
+    const EditHistory::Scope edit(history_);
     const int address = pools_.knobs.at(std::size_t(index))->MemLoc();
     state_.image.writeParameter(address, state_.model, value);
 }
 
 void ValueBinding::sliderChanged(int index, int value) {
+    const EditHistory::Scope edit(history_);
     const int address = pools_.sliders.at(std::size_t(index))->MemLoc();
     state_.image.writeParameter(address, state_.model, value);
     builder_.UpdateDependentRanges(index, currentPage_());
 }
 
 void ValueBinding::optionGroupClicked(int group, int value) {
+    const EditHistory::Scope edit(history_);
     if (group == ControlPools::kSelectorList) {
         selectorClicked(value);
         return;
@@ -105,6 +115,7 @@ void ValueBinding::selectorClicked(int value) {
 }
 
 void ValueBinding::switchClicked(int index) {
+    const EditHistory::Scope edit(history_);
     const int address = pools_.onOff.at(std::size_t(index))->property("Tag").toString().toInt();
     // Toggles bit 0: a byte other than 0 or 1 stores 1 when its bit 0 is clear, else 0.
     const int stored = (state_.image.at(address) & 1) ? 0 : 1;

@@ -10,17 +10,18 @@ struct ModuleState;
 struct PageViews;
 class ControlPools;
 class PageBuilder;
+class EditHistory;
 
 // Writes every user change of a bound control into the system data image the moment it is
 // made: knobs and sliders (one byte, or two 7-bit bytes at the GT-10's double-byte addresses),
 // option groups, switches; applies the few dependent updates; and carries out the selector
-// list's actions.
+// list's actions. Each change is one edit of the history, or part of the control's gesture.
 class ValueBinding : public QObject {
     Q_OBJECT
 public:
     ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder& builder, PageViews& views,
-                 std::function<int()> currentPage, std::function<void(const QString&)> reportError,
-                 QObject* parent);
+                 EditHistory& history, std::function<int()> currentPage,
+                 std::function<void(const QString&)> reportError, QObject* parent);
 
     // Connects the knobs, sliders and switches; the option groups once set-up made them.
     void connectControls();
@@ -43,6 +44,7 @@ private:
     ControlPools& pools_;
     PageBuilder& builder_;
     PageViews& views_;
+    EditHistory& history_;
     std::function<int()> currentPage_;
     std::function<void(const QString&)> reportError_;
 };

@@ -100,7 +100,7 @@ void GridEditor::build(QWidget* pageArea) {
     autoFill_->setGeometry(width - 118, kTop + 12 * kRow + 2, 124, 20);
     autoFill_->setToolTip(QStringLiteral("Copy the phrase of key C to the other eleven keys"));
     autoFill_->hide();
-    connect(autoFill_, &QPushButton::clicked, this, [this] { guarded([this] { autoFill(); }); });
+    connect(autoFill_, &QPushButton::clicked, this, [this] { edit([this] { autoFill(); }); });
 }
 
 void GridEditor::guarded(const std::function<void()>& action) {
@@ -109,6 +109,12 @@ void GridEditor::guarded(const std::function<void()>& action) {
     } catch (const std::exception& e) {
         if (report_) report_(QString::fromStdString(e.what()));
     }
+}
+
+void GridEditor::edit(const std::function<void()>& action) {
+    emit editStarting();
+    guarded(action);
+    emit editFinished();
 }
 
 void GridEditor::showCommon(bool visible) {
@@ -213,7 +219,7 @@ QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
         menu->addAction(QStringLiteral("end"))->setData(kEnd);
     }
     connect(menu, &QMenu::triggered, this,
-            [this](QAction* a) { guarded([this, a] { carryOut(a->data().toInt()); }); });
+            [this](QAction* a) { edit([this, a] { carryOut(a->data().toInt()); }); });
     menu_ = menu;
     if (!globalPos.isNull()) menu->popup(globalPos);
     return menu;

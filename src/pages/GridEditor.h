@@ -74,6 +74,12 @@ public:
     }
     QMenu* menu() const { return menu_; }
 
+signals:
+    // A choice or an auto-fill starts and finishes writing the image: one edit.
+    void editStarting();
+    void editFinished();
+
+public:
     // Errors while carrying out a choice are handed here (the window shows them).
     void setErrorReporter(std::function<void(const QString&)> reporter) {
         report_ = std::move(reporter);
@@ -85,6 +91,8 @@ private:
     void ensureBuilt() const;
     void showCommon(bool visible);
     void guarded(const std::function<void()>& action);
+    // Carries out a user's change of the image as one edit.
+    void edit(const std::function<void()>& action);
 
     QWidget* pageArea_ = nullptr;
     SystemImage& image_;

@@ -18,13 +18,24 @@ int SystemImage::at(int index) const {
     return bytes_[std::size_t(index)];
 }
 
-void SystemImage::set(int index, int value) {
+void SystemImage::changed(int first, int last) const {
+    if (listener_ && first <= last) listener_(first, last - first + 1);
+}
+
+void SystemImage::checkByte(int index, int value) {
     check(index);
     if (value < 0 || value > 255)
         throw FerruleError(QStringLiteral("value %1 for system data index %2 is not a byte")
                                .arg(value)
                                .arg(index));
-    bytes_[std::size_t(index)] = std::uint8_t(value);
+}
+
+void SystemImage::set(int index, int value) {
+    checkByte(index, value);
+    std::uint8_t& byte = bytes_[std::size_t(index)];
+    if (byte == value) return;
+    byte = std::uint8_t(value);
+    changed(index, index);
 }
 
 int SystemImage::readParameter(int memLoc, int model) const {
@@ -36,8 +47,10 @@ void SystemImage::writeParameter(int memLoc, int model, int value) {
     if (IsDoubleByte(memLoc, model)) {
         check(memLoc + 1);
         const auto [high, low] = splitDoubleByte(value);
-        set(memLoc, high);
-        set(memLoc + 1, low);
+        checkByte(memLoc, high);
+        checkByte(memLoc + 1, low);
+        const ByteWrite writes[] = {{memLoc, std::uint8_t(high)}, {memLoc + 1, std::uint8_t(low)}};
+        apply(writes);
     } else {
         set(memLoc, value);
     }
@@ -51,7 +64,35 @@ void SystemImage::assign(const QByteArray& data) {
     if (data.size() != kSize)
         throw FerruleError(
             QStringLiteral("system data must be %1 bytes, not %2").arg(kSize).arg(data.size()));
-    std::copy(data.begin(), data.end(), reinterpret_cast<char*>(bytes_.data()));
+    const auto* in = reinterpret_cast<const std::uint8_t*>(data.constData());
+    int first = kSize;
+    int last = -1;
+    for (int i = 0; i < kSize; ++i)
+        if (bytes_[std::size_t(i)] != in[i]) {
+            first = std::min(first, i);
+            last = i;
+        }
+    std::copy(in, in + kSize, bytes_.begin());
+    changed(first, last);
+}
+
+void SystemImage::assign(const SystemImage& other) {
+    assign(other.toByteArray());
+}
+
+void SystemImage::apply(std::span<const ByteWrite> writes) {
+    for (const ByteWrite& w : writes)
+        check(w.index);
+    int first = kSize;
+    int last = -1;
+    for (const ByteWrite& w : writes) {
+        std::uint8_t& byte = bytes_[std::size_t(w.index)];
+        if (byte == w.value) continue;
+        byte = w.value;
+        first = std::min(first, w.index);
+        last = std::max(last, w.index);
+    }
+    changed(first, last);
 }
 
 } // namespace ferrule

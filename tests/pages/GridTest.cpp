@@ -184,7 +184,7 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(4);
     const int phrase = 8422 + 4 * 192;
     image.set(phrase, 24);
-    expected = image;
+    expected.assign(image);
     for (int k = 1; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
             expected.set(phrase + k * 16 + s, image.at(phrase + s));

@@ -237,7 +237,6 @@ TEST(PageBuilder, ExpressionPedalRangesFollowTheFunction) {
     EditorFixture f;
     ControlPools& p = f.form->pools();
     auto setFunction = [&](int slider, int value) {
-        f.state.image.writeParameter(p.sliders[std::size_t(slider)]->MemLoc(), 10, value);
         f.form->binding().sliderChanged(slider, value);
     };
     f.state.image.writeParameter(19250, 10, 2);
