@@ -152,33 +152,33 @@ int ValueControl::pageStep() const {
     return std::max(1, (max_ - minimum()) / 10);
 }
 
+int ValueControl::stepped(int delta) const {
+    // As the value label's clicks do: up only from below Max, down only from above the minimum,
+    // and never past either; a value outside the range moves from where it is.
+    if (delta > 0) return value_ < max_ ? std::min(value_ + delta, max_) : value_;
+    if (delta < 0) return value_ > minimum() ? std::max(value_ + delta, minimum()) : value_;
+    return value_;
+}
+
 std::optional<int> ValueControl::valueForKey(int key) const {
-    int v = value_;
     switch (key) {
     case Qt::Key_Up:
     case Qt::Key_Right:
-        v += 1;
-        break;
+        return stepped(1);
     case Qt::Key_Down:
     case Qt::Key_Left:
-        v -= 1;
-        break;
+        return stepped(-1);
     case Qt::Key_PageUp:
-        v += pageStep();
-        break;
+        return stepped(pageStep());
     case Qt::Key_PageDown:
-        v -= pageStep();
-        break;
+        return stepped(-pageStep());
     case Qt::Key_Home:
-        v = minimum();
-        break;
+        return minimum();
     case Qt::Key_End:
-        v = max_;
-        break;
+        return std::max(minimum(), max_);
     default:
         return std::nullopt;
     }
-    return std::clamp(v, minimum(), std::max(minimum(), max_));
 }
 
 void ValueControl::keyPressEvent(QKeyEvent* e) {
@@ -216,7 +216,7 @@ void ValueControl::wheelEvent(QWheelEvent* e) {
     wheelBurst_.start(400, this);
     if (notches == 0) return;
     const int step = (e->modifiers() & Qt::ShiftModifier) ? pageStep() : 1;
-    const int target = std::clamp(value_ + notches * step, minimum(), std::max(minimum(), max_));
+    const int target = stepped(notches * step);
     guarded([this, target] { CommitValue(target); });
 }
 

@@ -76,6 +76,8 @@ public:
     std::optional<int> valueForKey(int key) const;
     // The step of one wheel notch: 1, or with Shift a tenth of the range (at least 1).
     int pageStep() const;
+    // The value `delta` steps away, as far as the range allows.
+    int stepped(int delta) const;
     bool gestureOpen() const { return gestureOpen_; }
 
 signals:

@@ -11,6 +11,10 @@ void ButtonPress::attach(ImageButton* button) {
                      [this, button](int, Qt::MouseButtons, int x, int y) { move(button, x, y); });
     QObject::connect(button, &ImageButton::mouseUp, button,
                      [this](int index, Qt::MouseButton, int, int) { up(index); });
+    QObject::connect(button, &ImageButton::keyActivated, button, [this](int index) {
+        down(index);
+        up(index);
+    });
 }
 
 void ButtonPress::down(int index) {

@@ -2,6 +2,7 @@
 
 #include "controls/Twips.h"
 
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -12,6 +13,17 @@ ImageButton::ImageButton(int index, QWidget* parent)
     , index_(index) {
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);
+}
+
+void ImageButton::keyPressEvent(QKeyEvent* e) {
+    const int key = e->key();
+    if (e->modifiers() == Qt::NoModifier &&
+        (key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter)) {
+        emit keyActivated(index_);
+        return;
+    }
+    QWidget::keyPressEvent(e);
 }
 
 void ImageButton::setPicture(const QPixmap& pixmap, const QString& name) {

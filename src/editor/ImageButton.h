@@ -6,8 +6,9 @@
 namespace ferrule {
 
 // A plain picture that reports mouse presses, moves and releases with the pointer position in
-// twips, in its own coordinates. The window swaps its picture; `picture` names the source
-// element it shows (for example "Img(40)"), so that a tool can read which picture is up.
+// twips, in its own coordinates; it takes the focus from the Tab key, and Space or Enter press it.
+// The window swaps its picture; `picture` names the source element it shows (for example
+// "Img(40)"), so that a tool can read which picture is up.
 class ImageButton : public QWidget {
     Q_OBJECT
     Q_PROPERTY(int index READ index CONSTANT)
@@ -25,12 +26,15 @@ signals:
     void mouseDown(int index, Qt::MouseButton button, int x, int y);
     void mouseMove(int index, Qt::MouseButtons buttons, int x, int y);
     void mouseUp(int index, Qt::MouseButton button, int x, int y);
+    // Space or Enter while the button has the keyboard focus.
+    void keyActivated(int index);
 
 protected:
     void paintEvent(QPaintEvent*) override;
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
     void mouseReleaseEvent(QMouseEvent* e) override;
+    void keyPressEvent(QKeyEvent* e) override;
 
 private:
     int index_;

@@ -2,11 +2,15 @@
 
 #include "ButtonPress.h"
 #include "EditHistory.h"
+#include "FocusRing.h"
 #include "ImageButton.h"
+#include "KeyboardNavigation.h"
 #include "OptionHover.h"
 #include "PageArea.h"
 #include "ValueBinding.h"
+#include "controls/RKnob.h"
 #include "controls/Twips.h"
+#include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
 #include "device/ModelMap.h"
 #include "pages/ControlPools.h"
@@ -193,6 +197,22 @@ void SysForm::buildChrome() {
     binding_->connectControls();
     hover_ = new OptionHover(pageArea_, *pools_, this);
     hover_->install();
+    keys_ = new KeyboardNavigation(
+        *pools_, [this](int i) { runGuarded([this, i] { binding_->switchClicked(i); }); }, this);
+    keys_->install();
+    focusRing_ = new FocusRing(this);
+    for (QWidget* w : chromeFocusOrder())
+        focusRing_->watch(w);
+    for (QWidget* w : pools_->knobs)
+        focusRing_->watch(w);
+    for (QWidget* w : pools_->sliders)
+        focusRing_->watch(w);
+    for (QWidget* w : pools_->check2)
+        focusRing_->watch(w);
+    for (QWidget* w : pools_->check10)
+        focusRing_->watch(w);
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        focusRing_->watch(pools_->onOff[std::size_t(i)]);
 }
 
 void SysForm::setErrorReporter(std::function<void(const QString&)> reporter) {
@@ -292,6 +312,19 @@ void SysForm::ShowTab(int page) {
     pageArea_->update();
     if (oldTab >= 0) showTabPicture(oldTab, oldTab);
     if (currentTab_ >= 0) showTabPicture(currentTab_, currentTab_ + 40);
+    std::vector<QWidget*> trailing;
+    if (grid_ && grid_->isVisible()) {
+        focusRing_->watch(grid_->cellsWidget());
+        trailing = {grid_->cellsWidget(), grid_->autoFillButton()};
+    }
+    keys_->orderFocus(chromeFocusOrder(), trailing);
+}
+
+std::vector<QWidget*> SysForm::chromeFocusOrder() const {
+    std::vector<QWidget*> order(tabButtons_.begin(), tabButtons_.end());
+    order.insert(order.end(), modeButtons_.begin(), modeButtons_.end());
+    order.insert(order.end(), commandButtons_.begin(), commandButtons_.end());
+    return order;
 }
 
 void SysForm::Form_Load() {

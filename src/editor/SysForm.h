@@ -10,6 +10,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QLabel;
 
@@ -19,6 +20,8 @@ struct ModuleState;
 class ButtonPress;
 class ControlPools;
 class EditHistory;
+class FocusRing;
+class KeyboardNavigation;
 class GridEditor;
 class ImageButton;
 class OptionHover;
@@ -119,6 +122,7 @@ private:
     void showCommandNormal(int i);
 
     void buildButtonRows();
+    std::vector<QWidget*> chromeFocusOrder() const;
     SystemImage readHostImage() const;
     void imageChanged();
     void refreshPage();
@@ -143,6 +147,8 @@ private:
     std::unique_ptr<PageBuilder> builder_;
     ValueBinding* binding_ = nullptr;
     EditHistory* history_ = nullptr;
+    KeyboardNavigation* keys_ = nullptr;
+    FocusRing* focusRing_ = nullptr;
     bool refreshing_ = false;
     OptionHover* hover_ = nullptr;
     GridEditor* grid_ = nullptr;

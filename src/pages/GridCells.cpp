@@ -1,5 +1,8 @@
 #include "GridCells.h"
 
+#include <algorithm>
+
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -23,6 +26,7 @@ GridCells::GridCells(QWidget* parent, QSize cellSize, int column, int row)
     setFont(f);
     setMouseTracking(true);
     setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::StrongFocus);
     resize((kColumns - 1) * column_ + cellSize_.width(), (kRows - 1) * row_ + cellSize_.height());
 }
 
@@ -34,6 +38,44 @@ int GridCells::cellAt(QPoint p) const {
     if (p.x() < 0 || p.y() < 0) return -1;
     const int b = (p.y() / row_) * kColumns + p.x() / column_;
     return b < kCells && cellRect(b).contains(p) ? b : -1;
+}
+
+void GridCells::setCurrent(int b) {
+    current_ = std::clamp(b, 0, kCells - 1);
+}
+
+void GridCells::keyPressEvent(QKeyEvent* event) {
+    const int column = current_ % kColumns;
+    const int row = current_ / kColumns;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        if (column > 0) setCurrent(current_ - 1);
+        break;
+    case Qt::Key_Right:
+        if (column < kColumns - 1) setCurrent(current_ + 1);
+        break;
+    case Qt::Key_Up:
+        if (row > 0) setCurrent(current_ - kColumns);
+        break;
+    case Qt::Key_Down:
+        if (row < kRows - 1) setCurrent(current_ + kColumns);
+        break;
+    case Qt::Key_Home:
+        setCurrent(row * kColumns);
+        break;
+    case Qt::Key_End:
+        setCurrent(row * kColumns + kColumns - 1);
+        break;
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        emit clicked(current_, mapToGlobal(cellRect(current_).bottomLeft()));
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    event->accept();
 }
 
 void GridCells::setText(int b, const QString& text) {
@@ -90,8 +132,9 @@ void GridCells::leaveEvent(QEvent*) {
 
 void GridCells::mousePressEvent(QMouseEvent* event) {
     const int b = cellAt(event->position().toPoint());
-    if (b >= 0 && event->button() == Qt::LeftButton)
-        emit clicked(b, event->globalPosition().toPoint());
+    if (b < 0 || event->button() != Qt::LeftButton) return;
+    current_ = b;
+    emit clicked(b, event->globalPosition().toPoint());
 }
 
 } // namespace ferrule

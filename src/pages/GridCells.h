@@ -10,9 +10,12 @@ namespace ferrule {
 
 // The 192 cells of the scale and phrase grid as one widget that paints them all: each a white
 // box with a thin border and its note text, the one under the mouse with a blue border. A left
-// click reports the cell. One widget, so that showing a grid page is one paint, not 192.
+// click reports the cell, and so do Space and Enter on the current cell. One widget, so that
+// showing a grid page is one paint, not 192.
 class GridCells : public QWidget {
     Q_OBJECT
+    Q_PROPERTY(int current READ current WRITE setCurrent)
+    Q_PROPERTY(QRect focusRect READ focusRect)
 public:
     static constexpr int kColumns = 16;
     static constexpr int kRows = 12;
@@ -26,6 +29,10 @@ public:
     // A cell's box in this widget, and the cell at a point (-1 between or outside the cells).
     QRect cellRect(int b) const;
     int cellAt(QPoint p) const;
+    // The cell the keyboard is on: arrows move it, Space or Enter open its menu.
+    int current() const { return current_; }
+    void setCurrent(int b);
+    QRect focusRect() const { return cellRect(current_); }
 
 signals:
     void clicked(int b, const QPoint& globalPos);
@@ -35,6 +42,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void setHover(int b);
@@ -44,6 +52,7 @@ private:
     int column_;
     int row_;
     int hover_ = -1;
+    int current_ = 0;
     std::array<QString, kCells> texts_;
     mutable QPixmap box_, hoverBox_;
 };

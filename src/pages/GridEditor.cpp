@@ -204,19 +204,39 @@ QMenu* GridEditor::cellClicked(int b, const QPoint& globalPos) {
     auto* menu = new QMenu(cells_);
     menu->setObjectName(QStringLiteral("Popup"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
+    // The cell's value is checked, and the keyboard starts on it.
+    const int current = kCodeBase + image_.at(cellAddress(b));
+    auto mark = [menu, current](QMenu* in, QAction* a) {
+        if (a->data().toInt() != current) return;
+        a->setCheckable(true);
+        a->setChecked(true);
+        if (in != menu) {
+            in->menuAction()->setCheckable(true);
+            in->menuAction()->setChecked(true);
+            in->setActiveAction(a);
+        }
+        menu->setActiveAction(in == menu ? a : in->menuAction());
+    };
     // One sub-menu per note that a code sounds, highest note first.
     for (int i = 11; i >= 0; --i) {
         QMenu* sub = menu->addMenu(StepText(24, r + i));
         QList<int> codes;
         if (i == 0) codes << 48;
         codes << 36 + i << 24 + i << 12 + i << i;
-        for (int code : codes)
-            sub->addAction(StepText(code, r))->setData(kCodeBase + code);
+        for (int code : codes) {
+            QAction* a = sub->addAction(StepText(code, r));
+            a->setData(kCodeBase + code);
+            mark(sub, a);
+        }
     }
     if (page_ == 5 && b < 16) menu->addAction(QStringLiteral("fill-in  ->>"))->setData(kFillIn);
     if (page_ == 6) {
-        menu->addAction(QStringLiteral("repeat"))->setData(kRepeat);
-        menu->addAction(QStringLiteral("end"))->setData(kEnd);
+        for (const auto& [text, id] : {std::pair{QStringLiteral("repeat"), kRepeat},
+                                       std::pair{QStringLiteral("end"), kEnd}}) {
+            QAction* a = menu->addAction(text);
+            a->setData(id);
+            mark(menu, a);
+        }
     }
     connect(menu, &QMenu::triggered, this,
             [this](QAction* a) { edit([this, a] { carryOut(a->data().toInt()); }); });

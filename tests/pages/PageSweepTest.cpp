@@ -7,9 +7,13 @@
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
+#include "editor/EditHistory.h"
 #include "editor/OptionHover.h"
 #include "pages/ControlPools.h"
 #include "sysdata/SystemImage.h"
+
+#include <QWhatsThis>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -133,5 +137,157 @@ TEST(PageSweep, CustomToneAndPedalSelectionsAreSweptToo) {
         pools.groups[ControlPools::kSelectorList]->ClickOn(k);
         sweepPage(f, 10, 11);
     }
+    EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+namespace {
+
+void sendWheel(QWidget* w, int delta, Qt::KeyboardModifiers modifiers = {}) {
+    const QPointF at = w->rect().center();
+    QWheelEvent e(at, w->mapToGlobal(at), {}, {0, delta}, Qt::NoButton, modifiers,
+                  Qt::NoScrollPhase, false);
+    QApplication::sendEvent(w, &e);
+}
+
+// The image after `change`, then put back by one undo: the caller compares the first with what
+// the keyboard and the wheel do.
+template <class Change> QByteArray changedThenUndone(EditorFixture& f, Change change) {
+    const QByteArray before = f.state.image.toByteArray();
+    change();
+    const QByteArray after = f.state.image.toByteArray();
+    f.form->undo();
+    EXPECT_EQ(f.state.image.toByteArray(), before) << "one undo takes the change back";
+    return after;
+}
+
+// Every visible control of a page is changed by the mouse, undone, then changed by its keys:
+// both must leave the same image. The wheel then moves every knob and slider at once in
+// quarter notches; one undo takes the whole burst back.
+void sweepKeys(EditorFixture& f, int model, int page) {
+    ControlPools& pools = f.form->pools();
+    SystemImage& image = f.state.image;
+    const std::string where = "GT-" + std::to_string(model) + " page " + std::to_string(page);
+    const QByteArray original = image.toByteArray();
+
+    std::vector<ValueControl*> values;
+    for (RKnob* k : pools.knobs)
+        if (!k->isHidden()) values.push_back(k);
+    for (VSlider* s : pools.sliders)
+        if (!s->isHidden()) values.push_back(s);
+    SystemImage wheeled(image);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        ValueControl* c = values[i];
+        const int before = c->Value();
+        const QString text = c->valueText();
+        int step = 0;
+        const QByteArray byMouse = changedThenUndone(f, [&] {
+            step = stepThroughLabel(c, c->property("minimum").toInt());
+            QWhatsThis::hideText(); // the right button's help, a popup that would take the wheel
+        });
+        c = values[i];
+        EXPECT_EQ(c->Value(), before) << where << " " << c->objectName().toStdString();
+        EXPECT_EQ(c->valueText(), text) << where << " undo shows the value again";
+        QTest::keyClick(c, step < 0 ? Qt::Key_Down : Qt::Key_Up);
+        EXPECT_EQ(image.toByteArray(), byMouse) << where << " " << c->objectName().toStdString();
+        f.form->undo();
+        if (byMouse != original) {
+            SystemImage one(image);
+            one.assign(byMouse);
+            wheeled.writeParameter(c->MemLoc(), model, one.readParameter(c->MemLoc(), model));
+        }
+    }
+    for (ValueControl* c : values) {
+        const int step = c->Value() > c->property("minimum").toInt() ? -1 : 1;
+        for (int part = 0; part < 4; ++part)
+            sendWheel(c, 30 * step);
+    }
+    EXPECT_TRUE(image == wheeled) << where << " four quarter notches make one step";
+    QTest::qWait(450);
+    f.form->undo();
+    EXPECT_EQ(image.toByteArray(), original) << where << " the wheel burst is one undo step";
+
+    for (int g = 0; g <= 8; ++g) {
+        cCheckRadio* group = pools.groups[std::size_t(g)];
+        if (!group->isVisible() || !group->Enabled()) continue;
+        const int target = (group->selectedIndex() + 1) % group->itemCount();
+        const QByteArray byMouse = changedThenUndone(f, [&] { clickItem(*f.form, group, target); });
+        QTest::keyClick(group->glyph(target), Qt::Key_Space);
+        EXPECT_EQ(image.toByteArray(), byMouse) << where << " group " << g;
+        f.form->undo();
+        if (target == group->selectedIndex() + 1) {
+            // The arrow from the selected item selects the next, as the click did.
+            QTest::keyClick(group->glyph(group->selectedIndex()), Qt::Key_Down);
+            EXPECT_EQ(image.toByteArray(), byMouse) << where << " group " << g << " arrow";
+            f.form->undo();
+        }
+    }
+    for (int i = 0; i < ControlPools::kSwitches; ++i) {
+        QLabel* sw = pools.onOff[std::size_t(i)];
+        if (sw->isHidden()) continue;
+        const QByteArray byMouse =
+            changedThenUndone(f, [&] { QTest::mouseClick(sw, Qt::LeftButton); });
+        QTest::keyClick(sw, Qt::Key_Space);
+        EXPECT_EQ(image.toByteArray(), byMouse) << where << " switch " << i;
+        f.form->undo();
+    }
+    EXPECT_EQ(image.toByteArray(), original) << where;
+}
+
+} // namespace
+
+TEST(PageSweep, KeysAndTheWheelWriteWhatTheMouseWritesAndUndoTakesItBack) {
+    EditorFixture f;
+    const std::map<int, std::vector<int>> pages = {
+        {3, {1, 4}}, {5, {1, 9}}, {6, {1, 8}}, {8, {1, 11}}, {10, {1, 11, 14}}};
+    for (const auto& [model, list] : pages)
+        for (int page : list) {
+            f.open(model, page);
+            sweepKeys(f, model, page);
+        }
+    EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST(PageSweep, ADragOrATrackClickIsOneUndoStepThatRestoresImageAndDisplay) {
+    EditorFixture f;
+    f.open(10, 1);
+    ControlPools& pools = f.form->pools();
+    SystemImage& image = f.state.image;
+    RKnob* knob = nullptr;
+    for (RKnob* k : pools.knobs)
+        if (!k->isHidden() && !k->Off() && k->Max() >= 20) {
+            knob = k;
+            break;
+        }
+    ASSERT_NE(knob, nullptr);
+    const QByteArray original = image.toByteArray();
+    const int steps = f.form->history().steps();
+    const QString text = knob->valueText();
+    // Round the arc from the low end to the top, through several values.
+    pressAt(knob, 150, 600);
+    for (int x = 150; x <= 375; x += 25)
+        moveTo(knob, x, 600 - (x - 150) * 2);
+    releaseAt(knob, 375, 150);
+    ASSERT_NE(image.toByteArray(), original);
+    EXPECT_EQ(f.form->history().steps(), steps + 1) << "a whole drag is one step";
+    f.form->undo();
+    EXPECT_EQ(image.toByteArray(), original);
+    EXPECT_EQ(knob->valueText(), text);
+    EXPECT_EQ(knob->property("pointerLeft").toInt(),
+              RKnob::pointerPosition(knob->Value(), knob->Max()).x());
+
+    f.open(3, 1);
+    VSlider* slider = pools.sliders[3];
+    ASSERT_TRUE(slider->isVisible() && slider->Enabled());
+    const QByteArray beforeClick = image.toByteArray();
+    const int value = slider->Value();
+    // Above the thumb steps up, unless at the top already; below steps down.
+    const bool up = value < slider->Max();
+    clickAt(slider, VSlider::kThumbLeft + 60, up ? slider->thumbTop() - 60 : 890);
+    ASSERT_EQ(slider->Value(), up ? value + 1 : value - 1);
+    f.form->undo();
+    EXPECT_EQ(image.toByteArray(), beforeClick);
+    EXPECT_EQ(slider->Value(), value);
+    EXPECT_EQ(slider->thumbTop(),
+              VSlider::thumbPosition(value, slider->Min(), slider->Max(), slider->travel()));
     EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
 }

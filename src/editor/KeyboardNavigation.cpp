@@ -1,0 +1,143 @@
+#include "KeyboardNavigation.h"
+
+#include "controls/RKnob.h"
+#include "controls/VSlider.h"
+#include "controls/cCheckRadio.h"
+#include "pages/ControlPools.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+
+#include <algorithm>
+#include <tuple>
+
+namespace ferrule {
+namespace {
+
+bool isActivation(int key) {
+    return key == Qt::Key_Space || key == Qt::Key_Return || key == Qt::Key_Enter ||
+           key == Qt::Key_Select;
+}
+
+} // namespace
+
+KeyboardNavigation::KeyboardNavigation(ControlPools& pools, std::function<void(int)> toggleSwitch,
+                                       QObject* parent)
+    : QObject(parent)
+    , pools_(pools)
+    , toggleSwitch_(std::move(toggleSwitch)) {}
+
+void KeyboardNavigation::install() {
+    auto take = [this](QWidget* w) {
+        w->setFocusPolicy(Qt::StrongFocus);
+        w->installEventFilter(this);
+    };
+    for (QLabel* g : pools_.check2)
+        take(g);
+    for (QLabel* g : pools_.check10)
+        take(g);
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        take(pools_.onOff[std::size_t(i)]);
+}
+
+bool KeyboardNavigation::optionKey(cCheckRadio* group, int item, int key) {
+    if (isActivation(key)) {
+        group->ClickOn(item);
+        return true;
+    }
+    int next = item;
+    if (key == Qt::Key_Up || key == Qt::Key_Left)
+        next = item - 1;
+    else if (key == Qt::Key_Down || key == Qt::Key_Right)
+        next = item + 1;
+    else
+        return false;
+    // A check box has no neighbours; a radio group's arrows stop at its ends.
+    if (group->itemCount() < 2 || next < 0 || next >= group->itemCount()) return true;
+    if (QLabel* g = group->glyph(next)) g->setFocus(Qt::OtherFocusReason);
+    group->ClickOn(next);
+    return true;
+}
+
+bool KeyboardNavigation::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QObject::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        if (watched == pools_.onOff[std::size_t(i)]) {
+            if (!isActivation(key->key())) return false;
+            toggleSwitch_(i);
+            return true;
+        }
+    for (int i = 0; i < ControlPools::kCheck2; ++i)
+        if (watched == pools_.check2[std::size_t(i)]) {
+            const auto [group, item] = ControlPools::groupOfCheck2(i);
+            return group >= 0 && optionKey(pools_.groups[std::size_t(group)], item, key->key());
+        }
+    for (int i = 0; i < ControlPools::kCheck10; ++i)
+        if (watched == pools_.check10[std::size_t(i)])
+            return optionKey(pools_.groups[ControlPools::kSelectorList], i, key->key());
+    return false;
+}
+
+std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
+    // A unit is a control, or an option group whose items stay together.
+    struct Unit {
+        QPoint at; // centre of the control or of the group's first item, page pixels
+        std::vector<QWidget*> widgets;
+    };
+    std::vector<Unit> units;
+    auto centre = [](const QWidget* w) { return w->geometry().center(); };
+    auto add = [&](QWidget* w) {
+        if (w && w->isVisibleTo(w->parentWidget())) units.push_back({centre(w), {w}});
+    };
+    for (RKnob* k : pools_.knobs)
+        add(k);
+    for (VSlider* s : pools_.sliders)
+        add(s);
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        add(pools_.onOff[std::size_t(i)]);
+    for (cCheckRadio* group : pools_.groups) {
+        if (!group || !group->isVisible() || group->itemCount() == 0) continue;
+        Unit u{centre(group->glyph(0)), {}};
+        for (int i = 0; i < group->itemCount(); ++i)
+            if (QLabel* g = group->glyph(i)) u.widgets.push_back(g);
+        units.push_back(std::move(u));
+    }
+    // Panels in reading order; a unit belongs to the first panel that holds its centre.
+    std::vector<QRect> panels;
+    for (QWidget* box : pools_.tabBoxes)
+        if (box && box->isVisibleTo(box->parentWidget())) panels.push_back(box->geometry());
+    std::sort(panels.begin(), panels.end(), [](const QRect& a, const QRect& b) {
+        return std::pair(a.top(), a.left()) < std::pair(b.top(), b.left());
+    });
+    auto key = [&](const Unit& u) {
+        int panel = int(panels.size());
+        for (std::size_t i = 0; i < panels.size(); ++i)
+            if (panels[i].contains(u.at)) {
+                panel = int(i);
+                break;
+            }
+        // Rows 40 pixels high: a knob and the option group beside it read as one row.
+        return std::make_tuple(panel, u.at.y() / 40, u.at.x());
+    };
+    std::stable_sort(units.begin(), units.end(),
+                     [&](const Unit& a, const Unit& b) { return key(a) < key(b); });
+    std::vector<QWidget*> out;
+    for (const Unit& u : units)
+        out.insert(out.end(), u.widgets.begin(), u.widgets.end());
+    return out;
+}
+
+void KeyboardNavigation::orderFocus(const std::vector<QWidget*>& leading,
+                                    const std::vector<QWidget*>& trailing) {
+    std::vector<QWidget*> chain = leading;
+    const std::vector<QWidget*> page = pageOrder();
+    chain.insert(chain.end(), page.begin(), page.end());
+    for (QWidget* w : trailing)
+        if (w && w->isVisibleTo(w->parentWidget())) chain.push_back(w);
+    for (std::size_t i = 1; i < chain.size(); ++i)
+        QWidget::setTabOrder(chain[i - 1], chain[i]);
+}
+
+} // namespace ferrule
