@@ -144,6 +144,10 @@ QString ButtonArt::tabCaption(int tab) {
     return kTabCaptions.at(std::size_t(tab));
 }
 
+QString ButtonArt::commandCaption(int index) {
+    return kCommandCaptions.at(std::size_t(index));
+}
+
 QString ButtonArt::modeCaption(int index) {
     static const int models[] = {3, 5, 6, 8, 10};
     return QStringLiteral("GT-%1").arg(models[index]);

@@ -29,6 +29,7 @@ public:
 
     static QString tabCaption(int tab);
     static QString modeCaption(int index);
+    static QString commandCaption(int index);
 
 private:
     template <class Draw> static const QPixmap& cached(QPixmap& slot, bool& drawn, Draw draw) {

@@ -66,6 +66,15 @@ void ValueControl::CommitValue(int v) {
     emit Change(value_);
 }
 
+void ValueControl::setValueFromUser(int v) {
+    if (!acceptsInput() || dragging_) return;
+    const int target = std::clamp(v, minimum(), std::max(minimum(), max_));
+    const bool open = gestureOpen_;
+    startGesture();
+    guarded([this, target] { CommitValue(target); });
+    if (!open) finishGesture();
+}
+
 void ValueControl::labelPressed(Qt::MouseButton button) {
     if (!acceptsInput()) return;
     if (button == Qt::LeftButton) {

@@ -65,6 +65,9 @@ public:
 
     // A user's change: sets the value and raises Change, unless it is the current value.
     void CommitValue(int v);
+    // A change asked for by an assistive tool: one whole gesture, within the range, only where
+    // the mouse could change the value.
+    void setValueFromUser(int v);
     // A press on the value label: the left button steps down, any other up.
     void labelPressed(Qt::MouseButton button);
     // The text the context help shows: the caption and the current value text.

@@ -14,8 +14,12 @@ cCheckRadio::cCheckRadio(QObject* parent)
 
 void cCheckRadio::SetMyImages(const QVector<QLabel*>& glyphs) {
     glyphs_.clear();
-    for (QLabel* g : glyphs)
+    for (QLabel* g : glyphs) {
+        // A glyph knows its group and item, for the keyboard and for screen readers.
+        g->setProperty("optionGroup", QVariant::fromValue(static_cast<QObject*>(this)));
+        g->setProperty("optionItem", int(glyphs_.size()));
         glyphs_.push_back(g);
+    }
 }
 
 void cCheckRadio::SetMyTexts(const QVector<QLabel*>& labels) {

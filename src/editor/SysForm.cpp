@@ -1,5 +1,6 @@
 #include "SysForm.h"
 
+#include "Accessibility.h"
 #include "ButtonPress.h"
 #include "EditHistory.h"
 #include "FocusRing.h"
@@ -103,6 +104,7 @@ SysForm::SysForm(ModuleState& state)
     , state_(state) {
     setObjectName(QStringLiteral("SysForm"));
     setModal(true);
+    installEditorAccessibility();
     buildChrome();
     errorReporter_ = [this](const QString& message) {
         auto* box = new QMessageBox(QMessageBox::Warning, QStringLiteral("Marwick"), message,
@@ -133,11 +135,13 @@ void SysForm::buildChrome() {
         b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
         b->setVisible(kTabDesign[std::size_t(i)].visible);
         b->setToolTip(ButtonArt::tabCaption(i));
+        b->setAccessibleName(ButtonArt::tabCaption(i));
         tabButtons_[std::size_t(i)] = b;
     }
     for (int i = 0; i < 5; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
+        b->setAccessibleName(ButtonArt::modeCaption(i));
         b->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
         b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
         modeButtons_[std::size_t(i)] = b;
@@ -145,6 +149,7 @@ void SysForm::buildChrome() {
     for (int i = 0; i < 4; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("CButton%1").arg(i));
+        b->setAccessibleName(ButtonArt::commandCaption(i));
         b->setProperty("ferruleCommandButton", true);
         b->setPicture(art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
         b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));

@@ -2,6 +2,7 @@
 
 #include <QPixmap>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <array>
@@ -29,6 +30,13 @@ public:
     // A cell's box in this widget, and the cell at a point (-1 between or outside the cells).
     QRect cellRect(int b) const;
     int cellAt(QPoint p) const;
+    // The row and column headings the grid shows, for screen readers.
+    void setHeadings(const QStringList& rows, const QStringList& columns) {
+        rowHeadings_ = rows;
+        columnHeadings_ = columns;
+    }
+    QString rowHeading(int row) const { return rowHeadings_.value(row); }
+    QString columnHeading(int column) const { return columnHeadings_.value(column); }
     // The cell the keyboard is on: arrows move it, Space or Enter open its menu.
     int current() const { return current_; }
     void setCurrent(int b);
@@ -53,6 +61,7 @@ private:
     int row_;
     int hover_ = -1;
     int current_ = 0;
+    QStringList rowHeadings_, columnHeadings_;
     std::array<QString, kCells> texts_;
     mutable QPixmap box_, hoverBox_;
 };

@@ -147,6 +147,7 @@ void GridEditor::ShowHarmonistGrid(bool visible) {
         lines_[std::size_t(i)]->hide();
     autoFill_->hide();
     page_ = visible ? 5 : (page_ == 5 ? 0 : page_);
+    if (visible) giveHeadings();
 }
 
 void GridEditor::ShowPhraseGrid(bool visible) {
@@ -171,6 +172,17 @@ void GridEditor::ShowPhraseGrid(bool visible) {
         l->setVisible(visible);
     autoFill_->setVisible(visible);
     page_ = visible ? 6 : (page_ == 6 ? 0 : page_);
+    if (visible) giveHeadings();
+}
+
+void GridEditor::giveHeadings() {
+    QStringList rows;
+    for (int i = 0; i < 12; ++i)
+        rows << keyLabels_[std::size_t(i)]->text().trimmed();
+    QStringList columns;
+    for (const QLabel* l : stepLabels_)
+        columns << l->text().trimmed();
+    cells_->setHeadings(rows, columns);
 }
 
 void GridEditor::RefreshHarmonistGrid() {

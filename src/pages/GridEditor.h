@@ -90,6 +90,7 @@ private:
     bool built() const { return cells_ != nullptr; }
     void ensureBuilt() const;
     void showCommon(bool visible);
+    void giveHeadings();
     void guarded(const std::function<void()>& action);
     // Carries out a user's change of the image as one edit.
     void edit(const std::function<void()>& action);

@@ -1,0 +1,145 @@
+// What a screen reader finds in the real editor window: for one page of every model, every
+// visible control is named with the caption the user sees and reads the value text shown; the
+// keyboard's focus chain runs through the page in the order a reader reads it.
+
+#include "EditorFixture.h"
+#include "controls/RKnob.h"
+#include "controls/VSlider.h"
+#include "controls/cCheckRadio.h"
+#include "editor/ImageButton.h"
+#include "editor/KeyboardNavigation.h"
+#include "pages/ControlPools.h"
+#include "pages/GridEditor.h"
+
+#include <QAccessible>
+#include <QAccessibleValueInterface>
+#include <QLabel>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+QAccessibleInterface* reader(QObject* o) {
+    return QAccessible::queryAccessibleInterface(o);
+}
+
+std::string str(const QString& s) {
+    return s.toStdString();
+}
+
+} // namespace
+
+TEST(Accessibility, EveryControlOfAPageReadsAsTheUserSeesIt) {
+    EditorFixture f;
+    ControlPools& pools = f.form->pools();
+    const std::map<int, int> pageOf = {{3, 1}, {5, 9}, {6, 8}, {8, 11}, {10, 14}};
+    for (const auto& [model, page] : pageOf) {
+        f.open(model, page);
+        const std::string where = "GT-" + std::to_string(model);
+        int seen = 0;
+        for (int i = 0; i < ControlPools::kKnobs + ControlPools::kSliders; ++i) {
+            const bool isKnob = i < ControlPools::kKnobs;
+            const std::size_t at = std::size_t(isKnob ? i : i - ControlPools::kKnobs);
+            ValueControl* c = isKnob ? static_cast<ValueControl*>(pools.knobs[at])
+                                     : static_cast<ValueControl*>(pools.sliders[at]);
+            const QLabel* caption = isKnob ? pools.knobLabels[at] : pools.sliderLabels[at];
+            if (c->isHidden()) continue;
+            ++seen;
+            QAccessibleInterface* a = reader(c);
+            ASSERT_NE(a, nullptr);
+            EXPECT_EQ(a->role(), isKnob ? QAccessible::Dial : QAccessible::Slider);
+            EXPECT_EQ(str(a->text(QAccessible::Name)), str(caption->text())) << where;
+            EXPECT_EQ(str(a->text(QAccessible::Value)), str(c->valueText())) << where;
+            QAccessibleValueInterface* v = a->valueInterface();
+            ASSERT_NE(v, nullptr);
+            EXPECT_EQ(v->currentValue().toInt(), c->Value());
+            EXPECT_EQ(v->maximumValue().toInt(), c->Max());
+            EXPECT_EQ(a->state().disabled, !c->property("inputEnabled").toBool());
+        }
+        for (cCheckRadio* group : pools.groups) {
+            if (!group->isVisible()) continue;
+            for (int item = 0; item < group->itemCount(); ++item) {
+                ++seen;
+                QAccessibleInterface* a = reader(group->glyph(item));
+                ASSERT_NE(a, nullptr);
+                EXPECT_EQ(a->role(), group->itemCount() > 1 ? QAccessible::RadioButton
+                                                            : QAccessible::CheckBox);
+                EXPECT_EQ(str(a->text(QAccessible::Name)), str(group->label(item)->text()));
+                EXPECT_EQ(str(a->text(QAccessible::Description)), str(group->title()));
+                EXPECT_EQ(a->state().checked, group->selectedIndex() == item) << where;
+            }
+        }
+        for (int i = 0; i < ControlPools::kSwitches; ++i) {
+            QLabel* sw = pools.onOff[std::size_t(i)];
+            if (sw->isHidden()) continue;
+            ++seen;
+            QAccessibleInterface* a = reader(sw);
+            ASSERT_NE(a, nullptr);
+            EXPECT_EQ(a->role(), QAccessible::CheckBox);
+            EXPECT_EQ(str(a->text(QAccessible::Name)),
+                      str(pools.onOffLabels[std::size_t(i)]->text()));
+            EXPECT_EQ(a->state().checked, sw->property("picture").toInt() == 11);
+        }
+        EXPECT_GT(seen, 5) << where;
+        QAccessibleInterface* tab = reader(f.form->tabButton(f.form->currentTab()));
+        EXPECT_EQ(tab->role(), QAccessible::PageTab);
+        EXPECT_FALSE(tab->text(QAccessible::Name).isEmpty());
+
+        // The focus chain: from the last command button through the page, in reading order.
+        std::vector<QWidget*> chain;
+        QWidget* w = f.form->commandButton(3);
+        for (int n = 0; n < 200; ++n) {
+            w = w->nextInFocusChain();
+            if (w == f.form->tabButton(0) || w == f.form.get()) break;
+            if (w->isVisible() && w->focusPolicy() & Qt::TabFocus) chain.push_back(w);
+        }
+        KeyboardNavigation* keys = f.form->findChild<KeyboardNavigation*>();
+        ASSERT_NE(keys, nullptr);
+        EXPECT_EQ(chain, keys->pageOrder()) << where;
+        EXPECT_EQ(int(chain.size()), seen)
+            << where << ": every control the reader sees takes focus";
+    }
+}
+
+TEST(Accessibility, ActionsGoThroughTheUsersPathAndTheGridIsATable) {
+    EditorFixture f;
+    ControlPools& pools = f.form->pools();
+    f.open(8, 1);
+    RKnob* knob = pools.knobs[1];
+    ASSERT_TRUE(knob->isVisible());
+    const int address = knob->MemLoc();
+    const int target = knob->Value() > 0 ? 0 : 1;
+    reader(knob)->valueInterface()->setCurrentValue(target);
+    EXPECT_EQ(f.state.image.at(address), target);
+    f.form->undo();
+    EXPECT_NE(f.state.image.at(address), target) << "a reader's change is one undo step";
+
+    cCheckRadio* group = nullptr;
+    for (cCheckRadio* g : pools.groups)
+        if (g->isVisible() && g->Enabled() && g->itemCount() > 1 && g != pools.groups[9]) group = g;
+    ASSERT_NE(group, nullptr);
+    const int item = (group->selectedIndex() + 1) % group->itemCount();
+    QAccessibleInterface* option = reader(group->glyph(item));
+    option->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(f.state.image.at(group->TFormat()), item);
+    EXPECT_TRUE(option->state().checked);
+
+    f.open(8, 5);
+    QAccessibleInterface* table = reader(f.form->grid()->cellsWidget());
+    ASSERT_NE(table, nullptr);
+    QAccessibleTableInterface* t = table->tableInterface();
+    ASSERT_NE(t, nullptr);
+    EXPECT_EQ(t->rowCount(), 12);
+    EXPECT_EQ(t->columnCount(), 16);
+    QAccessibleInterface* cell = t->cellAt(2, 3);
+    ASSERT_NE(cell, nullptr);
+    const QStringList rows = f.form->grid()->rowHeadings();
+    const QStringList columns = f.form->grid()->columnHeadings();
+    EXPECT_EQ(str(cell->text(QAccessible::Name)),
+              str(rows[2].trimmed() + QStringLiteral(", ") + columns[3].trimmed() +
+                  QStringLiteral(": ") + f.form->grid()->cellText(2 * 16 + 3).trimmed()));
+    EXPECT_EQ(cell->tableCellInterface()->rowIndex(), 2);
+    EXPECT_EQ(table->indexOfChild(cell), 2 * 16 + 3);
+    EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+}
