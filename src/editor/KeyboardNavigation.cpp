@@ -129,15 +129,17 @@ std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
     return out;
 }
 
-void KeyboardNavigation::orderFocus(const std::vector<QWidget*>& leading,
-                                    const std::vector<QWidget*>& trailing) {
-    std::vector<QWidget*> chain = leading;
+std::vector<QWidget*> KeyboardNavigation::focusChain(const std::vector<QWidget*>& leading,
+                                                     const std::vector<QWidget*>& trailing) const {
+    auto shown = [](const QWidget* w) { return w && w->isVisibleTo(w->parentWidget()); };
+    std::vector<QWidget*> chain;
+    for (QWidget* w : leading)
+        if (shown(w)) chain.push_back(w);
     const std::vector<QWidget*> page = pageOrder();
     chain.insert(chain.end(), page.begin(), page.end());
     for (QWidget* w : trailing)
-        if (w && w->isVisibleTo(w->parentWidget())) chain.push_back(w);
-    for (std::size_t i = 1; i < chain.size(); ++i)
-        QWidget::setTabOrder(chain[i - 1], chain[i]);
+        if (shown(w)) chain.push_back(w);
+    return chain;
 }
 
 } // namespace ferrule

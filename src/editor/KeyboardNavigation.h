@@ -23,11 +23,12 @@ public:
 
     // Gives the option glyphs and the switches the focus and watches their keys.
     void install();
-    // Chains the focus: `leading` first (the window's buttons), then the page's visible
-    // controls, then `trailing` where visible (the grid's cells and its button).
-    void orderFocus(const std::vector<QWidget*>& leading, const std::vector<QWidget*>& trailing);
+    // The focus chain: `leading` first (the window's buttons, where visible), then the page's
+    // visible controls, then `trailing` where visible (the grid's cells and its button).
+    std::vector<QWidget*> focusChain(const std::vector<QWidget*>& leading,
+                                     const std::vector<QWidget*>& trailing) const;
 
-    // The page's focusable controls in reading order, as orderFocus chains them.
+    // The page's focusable controls in reading order.
     std::vector<QWidget*> pageOrder() const;
 
 protected:

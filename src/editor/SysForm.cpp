@@ -317,12 +317,26 @@ void SysForm::ShowTab(int page) {
     pageArea_->update();
     if (oldTab >= 0) showTabPicture(oldTab, oldTab);
     if (currentTab_ >= 0) showTabPicture(currentTab_, currentTab_ + 40);
+    if (grid_ && grid_->isVisible()) focusRing_->watch(grid_->cellsWidget());
+}
+
+std::vector<QWidget*> SysForm::focusOrder() const {
     std::vector<QWidget*> trailing;
-    if (grid_ && grid_->isVisible()) {
-        focusRing_->watch(grid_->cellsWidget());
-        trailing = {grid_->cellsWidget(), grid_->autoFillButton()};
-    }
-    keys_->orderFocus(chromeFocusOrder(), trailing);
+    if (grid_ && grid_->isVisible()) trailing = {grid_->cellsWidget(), grid_->autoFillButton()};
+    return keys_->focusChain(chromeFocusOrder(), trailing);
+}
+
+bool SysForm::focusNextPrevChild(bool next) {
+    // Tab and Shift+Tab follow the window's reading order, worked out when they are pressed so
+    // that a page switch costs nothing for it.
+    const std::vector<QWidget*> chain = focusOrder();
+    const auto at = std::find(chain.begin(), chain.end(), focusWidget());
+    if (chain.empty() || at == chain.end()) return QDialog::focusNextPrevChild(next);
+    const auto n = std::ptrdiff_t(chain.size());
+    const std::ptrdiff_t from = at - chain.begin();
+    const std::ptrdiff_t to = (from + (next ? 1 : n - 1)) % n;
+    chain[std::size_t(to)]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+    return true;
 }
 
 std::vector<QWidget*> SysForm::chromeFocusOrder() const {

@@ -90,6 +90,9 @@ public:
     const ModuleState& state() const { return state_; }
     PageViews& views() { return views_; }
 
+    // The window's focusable controls in the order Tab visits them.
+    std::vector<QWidget*> focusOrder() const;
+
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
     void setErrorReporter(std::function<void(const QString&)> reporter);
@@ -113,6 +116,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* e) override;
+    bool focusNextPrevChild(bool next) override;
     void reject() override;
 
 private:
