@@ -81,12 +81,22 @@ QPixmap drawTab(const QString& caption, Look look) {
     p.translate(w / 2.0 + shift, h - 6 + shift);
     p.rotate(-90);
     p.setPen(text);
-    // The largest size at which the caption fits the strip's length.
+    // Every tab in one size; a caption of two words too long for the strip takes two lines.
     QFont font = captionFont(11, true);
-    while (font.pixelSize() > 8 && QFontMetrics(font).horizontalAdvance(caption) > h - 14)
+    const bool twoLines = QFontMetrics(font).horizontalAdvance(caption) > h - 14 &&
+                          caption.contains(QLatin1Char(' '));
+    while (!twoLines && font.pixelSize() > 8 &&
+           QFontMetrics(font).horizontalAdvance(caption) > h - 14)
         font.setPixelSize(font.pixelSize() - 1);
     p.setFont(font);
-    p.drawText(QRectF(0, -w / 2.0, h - 12, w), Qt::AlignCenter, caption);
+    if (twoLines) {
+        QString text = caption;
+        text.replace(text.indexOf(QLatin1Char(' ')), 1, QLatin1Char('\n'));
+        const int line = QFontMetrics(font).lineSpacing();
+        p.drawText(QRectF(0, -line, h - 12, 2 * line), Qt::AlignCenter, text);
+    } else {
+        p.drawText(QRectF(0, -w / 2.0, h - 12, w), Qt::AlignCenter, caption);
+    }
     p.restore();
     return pm;
 }
@@ -122,7 +132,13 @@ QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor&
     p.setBrush(lg);
     p.drawEllipse(lamp, 3.5, 3.5);
     p.setPen(look == Look::Current ? QColor(Qt::white) : QColor(0xdf, 0xe4, 0xea));
-    p.setFont(captionFont(11, true));
+    // The caption is centred right of the lamp; a long one is set closer to keep its margins.
+    QFont font = captionFont(11, true);
+    const qreal room = w - 20;
+    const int natural = QFontMetrics(font).horizontalAdvance(caption);
+    if (natural > room && caption.size() > 1)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, -(natural - room) / (caption.size() - 1));
+    p.setFont(font);
     p.drawText(QRectF(16 + shift, shift, w - 20, h), Qt::AlignVCenter | Qt::AlignHCenter, caption);
     return pm;
 }

@@ -16,9 +16,9 @@ class ButtonArt {
 public:
     static constexpr int kTabWidth = 32; // pixels; tabs stand 495 twips apart
     static constexpr int kTabHeight = 80;
-    static constexpr int kModeWidth = 58;
+    static constexpr int kModeWidth = 56;
     static constexpr int kModeHeight = 26;
-    static constexpr int kCommandWidth = 76;
+    static constexpr int kCommandWidth = 71;
     static constexpr int kCommandHeight = 28;
 
     ButtonArt();

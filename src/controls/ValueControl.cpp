@@ -99,11 +99,18 @@ void ValueControl::setLabelGeometry(int left, int width, int top) {
     update(labelRect_);
 }
 
+void ValueControl::setLabelInset(int pixels) {
+    if (pixels == labelInset_) return;
+    labelInset_ = pixels;
+    update(labelRect_);
+}
+
 void ValueControl::paintValueLabel(QPainter& p) const {
-    p.fillRect(labelRect_, Qt::white);
+    const QRect box = labelRect_.adjusted(labelInset_, 0, -labelInset_, 0);
+    p.fillRect(box, Qt::white);
     p.setPen(Qt::black);
     p.setFont(font());
-    p.drawText(labelRect_, Qt::AlignCenter, text_);
+    p.drawText(box, Qt::AlignCenter, text_);
 }
 
 bool ValueControl::pressOnLabel(const QMouseEvent* e) {
@@ -191,6 +198,13 @@ std::optional<int> ValueControl::valueForKey(int key) const {
 }
 
 void ValueControl::keyPressEvent(QKeyEvent* e) {
+    // Help without a click on the label (whose right button also steps the value).
+    if (e->key() == Qt::Key_Menu ||
+        (e->key() == Qt::Key_F1 && e->modifiers() == Qt::ShiftModifier)) {
+        showHelp(mapToGlobal(labelRect_.center()));
+        e->accept();
+        return;
+    }
     const std::optional<int> v = valueForKey(e->key());
     if (!v || e->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) {
         QWidget::keyPressEvent(e);

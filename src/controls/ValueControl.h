@@ -74,6 +74,9 @@ public:
     QString helpText() const;
     // The value label's rectangle, in pixels of the control.
     QRect valueLabelRect() const { return labelRect_; }
+    // Pixels the value box is drawn inside its rectangle on the left and right, so that the
+    // boxes of neighbours that meet stay apart.
+    void setLabelInset(int pixels);
     // What a key does to the value: arrows step by 1, Page Up/Down by a tenth of the range (at
     // least 1), Home/End go to the ends. Returns the new value, or nothing for another key.
     std::optional<int> valueForKey(int key) const;
@@ -133,6 +136,7 @@ private:
     QString caption_;
     QString text_;
     QRect labelRect_;
+    int labelInset_ = 0;
     ValueTextSource source_;
     bool gestureOpen_ = false;
     int wheelRemainder_ = 0;

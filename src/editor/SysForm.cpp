@@ -54,10 +54,10 @@ constexpr std::array<TabDesign, 13> kTabDesign = {{{60, true},
 constexpr int kTabTop = 120;
 constexpr int kModeTop = 120;
 constexpr int kModeLeft = 4620;
-constexpr int kModeStep = 937;
+constexpr int kModeStep = 900;
 constexpr int kCommandTop = 630;
 constexpr int kCommandLeft = 4620;
-constexpr int kCommandStep = 1200;
+constexpr int kCommandStep = 1125;
 
 // What SetFormat does to each tab for a model: keep it as it is, or show or hide it, with an
 // optional new left position.

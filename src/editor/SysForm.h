@@ -40,7 +40,7 @@ class SysForm : public QDialog {
     Q_PROPERTY(int transmissionStep READ transmissionStep)
 public:
     // Window geometry in twips.
-    static constexpr int kWidth = 9480;
+    static constexpr int kWidth = 9180;
     static constexpr int kPageTop = 1440;
     static constexpr int kPageHeight = 6360;
     static constexpr int kHeight = kPageTop + kPageHeight;

@@ -110,6 +110,14 @@ const QPixmap& GridCells::box(bool hovered) const {
     return pm;
 }
 
+const QFont& GridCells::tightFont() const {
+    if (tightFont_.pixelSize() != font().pixelSize() || tightFont_.family() != font().family()) {
+        tightFont_ = font();
+        tightFont_.setLetterSpacing(QFont::AbsoluteSpacing, -0.6);
+    }
+    return tightFont_;
+}
+
 void GridCells::paintEvent(QPaintEvent* event) {
     QPainter p(this);
     p.setFont(font());
@@ -118,7 +126,12 @@ void GridCells::paintEvent(QPaintEvent* event) {
         const QRect r = cellRect(b);
         if (!event->region().intersects(r)) continue;
         p.drawPixmap(r.topLeft(), box(b == hover_));
-        p.drawText(r, Qt::AlignCenter, texts_[std::size_t(b)]);
+        const QString& text = texts_[std::size_t(b)];
+        // The longest notes ("-Db vv") are set closer so that they stay inside their box.
+        const bool tight = p.fontMetrics().horizontalAdvance(text) > r.width() - 3;
+        if (tight) p.setFont(tightFont());
+        p.drawText(r, Qt::AlignCenter, text);
+        if (tight) p.setFont(font());
     }
 }
 

@@ -55,6 +55,7 @@ protected:
 private:
     void setHover(int b);
     const QPixmap& box(bool hovered) const;
+    const QFont& tightFont() const;
 
     QSize cellSize_;
     int column_;
@@ -64,6 +65,7 @@ private:
     QStringList rowHeadings_, columnHeadings_;
     std::array<QString, kCells> texts_;
     mutable QPixmap box_, hoverBox_;
+    mutable QFont tightFont_;
 };
 
 } // namespace ferrule

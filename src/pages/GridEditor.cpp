@@ -1,5 +1,7 @@
 #include "GridEditor.h"
 
+#include "controls/Twips.h"
+
 #include "GridCells.h"
 #include "StepText.h"
 #include "controls/CaptionLabel.h"
@@ -16,14 +18,15 @@
 namespace ferrule {
 namespace {
 
-// The grid's place in the page area, in pixels: a column of row headings, then 16 columns.
-constexpr int kLeft = 50;
-constexpr int kHeadTop = 28;
-constexpr int kTop = 46;
-constexpr int kColumn = 34;
-constexpr int kRow = 24;
-constexpr int kCellWidth = 33;
-constexpr int kCellHeight = 22;
+// The grid's place in the page area, in twips like every control: a column of row headings,
+// then 16 columns. The pixel values below are what the painting uses.
+const int kLeft = twipsToPx(750);
+const int kHeadTop = twipsToPx(420);
+const int kTop = twipsToPx(690);
+const int kColumn = twipsToPx(510);
+const int kRow = twipsToPx(360);
+const int kCellWidth = twipsToPx(495);
+const int kCellHeight = twipsToPx(330);
 
 const char* const kKeyNames[13] = {"C", "C#/Db", "D", "D#/Eb", "E", "F",     "F#/Gb",
                                    "G", "G#/Ab", "A", "A#/Bb", "B", "In >> "};

@@ -1,5 +1,6 @@
 #include "PageBuilder.h"
 
+#include "CaptionFit.h"
 #include "ControlPools.h"
 #include "PageCatalogue.h"
 #include "controls/RKnob.h"
@@ -241,6 +242,7 @@ void PageBuilder::build(int page, const PageViews& views) {
     default:
         break;
     }
+    fitCaptions(pools_);
 }
 
 void PageBuilder::neutralSpeaker() {
@@ -312,6 +314,7 @@ void PageBuilder::PlaceSystemPreampRows() {
         pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(i + 1));
     }
     place(PageCatalogue::systemPreampChannel(), bases, 11);
+    fitCaptions(pools_);
 }
 
 void PageBuilder::PlaceCtlPedalRows() {
@@ -324,6 +327,7 @@ void PageBuilder::PlaceCtlPedalRows() {
     bases.pedalPair = 48 * m;
     bases.pedalPairModes = 3 * m;
     place(PageCatalogue::ctlPedalRows(), bases, 15);
+    fitCaptions(pools_);
 }
 
 void PageBuilder::UpdateDependentRanges(int sliderIndex, int currentPage) {

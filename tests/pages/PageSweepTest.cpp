@@ -291,3 +291,50 @@ TEST(PageSweep, ADragOrATrackClickIsOneUndoStepThatRestoresImageAndDisplay) {
               VSlider::thumbPosition(value, slider->Min(), slider->Max(), slider->travel()));
     EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
 }
+
+TEST(PageSweep, NoCaptionRunsIntoAnotherOrOverItsFrameOnAnyPage) {
+    EditorFixture f;
+    ControlPools& pools = f.form->pools();
+    const std::map<int, std::vector<int>> pages = {{3, {1, 4, 5, 6}},
+                                                   {5, {1, 4, 5, 8, 9}},
+                                                   {6, {1, 4, 5, 6, 8, 9, 10}},
+                                                   {8, {1, 4, 5, 6, 7, 8, 9, 10, 11}},
+                                                   {10, {1, 4, 9, 11, 12, 13, 14, 15}}};
+    auto shown = [](const QWidget* w) { return w->isVisibleTo(w->parentWidget()); };
+    // The drawn extent of a caption's text in the page area.
+    auto ink = [](const QLabel* l) {
+        const int width = QFontMetrics(l->font()).horizontalAdvance(l->text());
+        const QRect r = l->geometry();
+        const int left =
+            (l->alignment() & Qt::AlignHCenter) ? r.center().x() - width / 2 : r.left();
+        return QRect(left, r.top() + 2, width, r.height() - 4);
+    };
+    for (const auto& [model, list] : pages)
+        for (int page : list) {
+            f.open(model, page);
+            const std::string where =
+                "GT-" + std::to_string(model) + " page " + std::to_string(page);
+            std::vector<const QLabel*> texts;
+            for (auto* group : {&pools.checkTitles, &pools.checkLabels10})
+                for (const QLabel* l : *group)
+                    if (shown(l) && !l->text().isEmpty()) texts.push_back(l);
+            for (const QLabel* l : pools.checkLabels)
+                if (shown(l) && !l->text().isEmpty()) texts.push_back(l);
+            for (const QLabel* l : pools.knobLabels)
+                if (shown(l) && !l->text().isEmpty()) texts.push_back(l);
+            for (const QLabel* l : pools.sliderLabels)
+                if (shown(l) && !l->text().isEmpty()) texts.push_back(l);
+            for (std::size_t a = 0; a < texts.size(); ++a) {
+                for (std::size_t b = a + 1; b < texts.size(); ++b)
+                    EXPECT_FALSE(ink(texts[a]).adjusted(-2, 0, 2, 0).intersects(ink(texts[b])))
+                        << where << ": \"" << texts[a]->text().toStdString() << "\" meets \""
+                        << texts[b]->text().toStdString() << "\"";
+                for (const QWidget* box : pools.tabBoxes) {
+                    if (!shown(box) || !box->geometry().contains(ink(texts[a]).topLeft())) continue;
+                    EXPECT_LT(ink(texts[a]).right(), box->geometry().right() - 1)
+                        << where << ": \"" << texts[a]->text().toStdString()
+                        << "\" crosses its frame";
+                }
+            }
+        }
+}
