@@ -1,5 +1,7 @@
 #include "ButtonArt.h"
 
+#include <cmath>
+
 #include <QFont>
 #include <QFontMetrics>
 #include <QLinearGradient>
@@ -16,8 +18,10 @@ enum class Look { Normal, Pressed, Current };
 const QColor kAmber(0xf2, 0xa3, 0x3a);
 const QColor kLedGreen(0x5c, 0xe0, 0x6a);
 
-QPixmap blank(int w, int h) {
-    QPixmap pm(w, h);
+// A transparent picture of w × h logical pixels at the screen's pixel ratio.
+QPixmap blank(int w, int h, qreal ratio) {
+    QPixmap pm(int(std::ceil(w * ratio)), int(std::ceil(h * ratio)));
+    pm.setDevicePixelRatio(ratio);
     pm.fill(Qt::transparent);
     return pm;
 }
@@ -30,10 +34,10 @@ QFont captionFont(int pixelSize, bool bold) {
 }
 
 // A tab: a rounded-top strip whose caption runs upwards, with an indicator bar at the foot.
-QPixmap drawTab(const QString& caption, Look look) {
+QPixmap drawTab(const QString& caption, Look look, qreal ratio) {
     const int w = ButtonArt::kTabWidth;
     const int h = ButtonArt::kTabHeight;
-    QPixmap pm = blank(w, h);
+    QPixmap pm = blank(w, h, ratio);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     QPainterPath path;
@@ -102,8 +106,8 @@ QPixmap drawTab(const QString& caption, Look look) {
 }
 
 QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor& led,
-                  const QColor& faceTop, const QColor& faceBottom) {
-    QPixmap pm = blank(w, h);
+                  const QColor& faceTop, const QColor& faceBottom, qreal ratio) {
+    QPixmap pm = blank(w, h, ratio);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF r(0.5, 0.5, w - 1.0, h - 1.0);
@@ -171,6 +175,15 @@ QString ButtonArt::modeCaption(int index) {
 
 ButtonArt::ButtonArt() = default;
 
+void ButtonArt::setRatio(qreal ratio) {
+    if (ratio == ratio_) return;
+    // Another screen: every picture is drawn anew at its ratio when next asked for.
+    ratio_ = ratio;
+    mImgDrawn_.fill(false);
+    ImgDrawn_.fill(false);
+    CButtonDrawn_.fill(false);
+}
+
 namespace {
 
 const QColor kSlateTop(0x4b, 0x53, 0x5e), kSlateBottom(0x2f, 0x35, 0x3d);
@@ -178,7 +191,7 @@ const QColor kSlateTop(0x4b, 0x53, 0x5e), kSlateBottom(0x2f, 0x35, 0x3d);
 // The pictures by their index: mode buttons 0-4 (normal), 10-14 (pressed), 20-24 (current);
 // tabs 0-12, 20-32, 40-52 likewise; command buttons 4-7 (normal), 8-11 (pressed), 12 and 13
 // (stop, and stop pressed). Other indexes hold no picture.
-QPixmap drawMode(int index) {
+QPixmap drawMode(int index, qreal ratio) {
     const int i = index % 10;
     if (index >= 25 || i >= 5) return {};
     const QString c = ButtonArt::modeCaption(i);
@@ -186,37 +199,37 @@ QPixmap drawMode(int index) {
     switch (index / 10) {
     case 0:
         return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Normal, dark,
-                         kSlateTop, kSlateBottom);
+                         kSlateTop, kSlateBottom, ratio);
     case 1:
         return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Pressed, dark,
-                         kSlateTop, kSlateBottom);
+                         kSlateTop, kSlateBottom, ratio);
     default:
         return drawPlate(ButtonArt::kModeWidth, ButtonArt::kModeHeight, c, Look::Current, kLedGreen,
-                         QColor(0x3d, 0x5a, 0x48), QColor(0x25, 0x3a, 0x2d));
+                         QColor(0x3d, 0x5a, 0x48), QColor(0x25, 0x3a, 0x2d), ratio);
     }
 }
 
-QPixmap drawTabPicture(int index) {
+QPixmap drawTabPicture(int index, qreal ratio) {
     const int i = index % 20;
     if (index >= 53 || i >= 13) return {};
     const Look look = index < 20 ? Look::Normal : index < 40 ? Look::Pressed : Look::Current;
-    return drawTab(kTabCaptions[std::size_t(i)], look);
+    return drawTab(kTabCaptions[std::size_t(i)], look, ratio);
 }
 
-QPixmap drawCommand(int index) {
+QPixmap drawCommand(int index, qreal ratio) {
     const QColor leds[4] = {QColor(0x3f, 0x9b, 0xe8), QColor(0xd9, 0xb2, 0x3c),
                             QColor(0xd8, 0x58, 0x4f), kLedGreen};
     if (index >= 4 && index < 12) {
         const int i = index % 4;
         return drawPlate(ButtonArt::kCommandWidth, ButtonArt::kCommandHeight,
                          kCommandCaptions[std::size_t(i)], index < 8 ? Look::Normal : Look::Pressed,
-                         leds[i], kSlateTop, kSlateBottom);
+                         leds[i], kSlateTop, kSlateBottom, ratio);
     }
     const QColor stopTop(0x8a, 0x2f, 0x2a), stopBottom(0x5c, 0x1c, 0x19), red(0xff, 0x4a, 0x3d);
     if (index == 12 || index == 13)
         return drawPlate(ButtonArt::kCommandWidth, ButtonArt::kCommandHeight,
                          QStringLiteral("Stop"), index == 12 ? Look::Current : Look::Pressed, red,
-                         stopTop, stopBottom);
+                         stopTop, stopBottom, ratio);
     return {};
 }
 
@@ -225,15 +238,15 @@ QPixmap drawCommand(int index) {
 // Each picture is drawn the first time it is asked for and kept: a window shows few of them.
 const QPixmap& ButtonArt::mImg(int index) const {
     return cached(mImg_[index], mImgDrawn_[std::size_t(index)],
-                  [index] { return drawMode(index); });
+                  [this, index] { return drawMode(index, ratio_); });
 }
 const QPixmap& ButtonArt::Img(int index) const {
     return cached(Img_[index], ImgDrawn_[std::size_t(index)],
-                  [index] { return drawTabPicture(index); });
+                  [this, index] { return drawTabPicture(index, ratio_); });
 }
 const QPixmap& ButtonArt::CButton(int index) const {
     return cached(CButton_[index], CButtonDrawn_[std::size_t(index)],
-                  [index] { return drawCommand(index); });
+                  [this, index] { return drawCommand(index, ratio_); });
 }
 
 } // namespace ferrule

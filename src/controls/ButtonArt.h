@@ -23,6 +23,9 @@ public:
 
     ButtonArt();
 
+    // The screen's device pixel ratio the pictures are drawn at (1 until set).
+    void setRatio(qreal ratio);
+
     const QPixmap& mImg(int index) const;
     const QPixmap& Img(int index) const;
     const QPixmap& CButton(int index) const;
@@ -40,6 +43,7 @@ private:
         return slot;
     }
 
+    qreal ratio_ = 1.0;
     mutable QPixmap mImg_[25];
     mutable QPixmap Img_[53];
     mutable QPixmap CButton_[14];

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <functional>
+#include <map>
 
 namespace ferrule::ControlArt {
 namespace {
@@ -19,6 +20,31 @@ constexpr double kCy = 25.0;
 constexpr double kSkirt = 21.5;
 constexpr double kCap = 17.5;
 
+// A picture of w × h logical pixels at the screen's pixel ratio: painting in logical
+// coordinates, so that the 1× picture is exactly what it always was and finer screens get finer
+// edges instead of scaled pixels.
+QImage canvas(int w, int h, qreal ratio, const QColor& fill) {
+    QImage img(int(std::ceil(w * ratio)), int(std::ceil(h * ratio)), QImage::Format_RGB32);
+    img.setDevicePixelRatio(ratio);
+    img.fill(fill);
+    return img;
+}
+QPixmap clearCanvas(int w, int h, qreal ratio) {
+    QPixmap pm(int(std::ceil(w * ratio)), int(std::ceil(h * ratio)));
+    pm.setDevicePixelRatio(ratio);
+    pm.fill(Qt::transparent);
+    return pm;
+}
+
+// One picture set per pixel ratio met so far.
+template <class Set, class Make> const Set& perRatio(qreal ratio, Make make) {
+    static std::map<int, Set> sets;
+    const int key = int(std::lround(ratio * 100));
+    auto it = sets.find(key);
+    if (it == sets.end()) it = sets.emplace(key, make(ratio)).first;
+    return it->second;
+}
+
 const std::array<QColor, kKnobColours> kKnobColourSet = {
     QColor(0x9a, 0x6f, 0xa8), // mauve
     QColor(0xc8, 0x4a, 0x5e), // rose-red
@@ -27,9 +53,8 @@ const std::array<QColor, kKnobColours> kKnobColourSet = {
     QColor(0x8d, 0x93, 0x9b), // grey
 };
 
-QImage drawKnob(const QColor& colour) {
-    QImage img(kKnobW, kKnobH, QImage::Format_RGB32);
-    img.fill(Qt::black);
+QImage drawKnob(const QColor& colour, qreal ratio) {
+    QImage img = canvas(kKnobW, kKnobH, ratio, Qt::black);
     QPainter p(&img);
     p.setRenderHint(QPainter::Antialiasing);
     // Skirt: a dark ring with scale ticks along the 300° travel.
@@ -60,9 +85,8 @@ QImage drawKnob(const QColor& colour) {
     return img;
 }
 
-QImage drawMask(int w, int h, const std::function<void(QPainter&)>& shape) {
-    QImage img(w, h, QImage::Format_RGB32);
-    img.fill(Qt::white);
+QImage drawMask(int w, int h, qreal ratio, const std::function<void(QPainter&)>& shape) {
+    QImage img = canvas(w, h, ratio, Qt::white);
     QPainter p(&img);
     p.setPen(Qt::NoPen);
     p.setBrush(Qt::black);
@@ -75,9 +99,8 @@ constexpr int kTrackW = 20;
 constexpr int kTrackH = 61;
 const QRectF kSlot(8, 3, 4, 55);
 
-QImage drawTrack() {
-    QImage img(kTrackW, kTrackH, QImage::Format_RGB32);
-    img.fill(Qt::black);
+QImage drawTrack(qreal ratio) {
+    QImage img = canvas(kTrackW, kTrackH, ratio, Qt::black);
     QPainter p(&img);
     p.setPen(QPen(QColor(0x6c, 0x74, 0x7e), 1));
     for (int i = 0; i <= 10; ++i) {
@@ -93,9 +116,8 @@ QImage drawTrack() {
     return img;
 }
 
-QPixmap drawThumb() {
-    QPixmap pm(16, 9);
-    pm.fill(Qt::transparent);
+QPixmap drawThumb(qreal ratio) {
+    QPixmap pm = clearCanvas(16, 9, ratio);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     QLinearGradient g(0, 0, 0, 9);
@@ -110,9 +132,8 @@ QPixmap drawThumb() {
     return pm;
 }
 
-QPixmap drawGlyph(const QColor& frame, const QColor& interior, const QColor& dot) {
-    QPixmap pm(13, 13);
-    pm.fill(Qt::transparent);
+QPixmap drawGlyph(qreal ratio, const QColor& frame, const QColor& interior, const QColor& dot) {
+    QPixmap pm = clearCanvas(13, 13, ratio);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     p.setPen(QPen(frame, 1.2));
@@ -129,9 +150,8 @@ QPixmap drawGlyph(const QColor& frame, const QColor& interior, const QColor& dot
     return pm;
 }
 
-QPixmap drawSwitch(bool on) {
-    QPixmap pm(34, 16);
-    pm.fill(Qt::transparent);
+QPixmap drawSwitch(bool on, qreal ratio) {
+    QPixmap pm = clearCanvas(34, 16, ratio);
     QPainter p(&pm);
     p.setRenderHint(QPainter::Antialiasing);
     const QRectF body(0.5, 0.5, 33, 15);
@@ -155,71 +175,97 @@ QPixmap drawSwitch(bool on) {
 
 } // namespace
 
-const QPixmap& knobImage(int colour) {
-    static const std::array<QPixmap, kKnobColours> images = [] {
-        std::array<QPixmap, kKnobColours> a;
+const QPixmap& knobImage(int colour, qreal ratio) {
+    using Set = std::array<QPixmap, kKnobColours>;
+    const Set& images = perRatio<Set>(ratio, [](qreal r) {
+        Set a;
         for (int i = 0; i < kKnobColours; ++i)
-            a[std::size_t(i)] = QPixmap::fromImage(drawKnob(kKnobColourSet[std::size_t(i)]));
+            a[std::size_t(i)] = QPixmap::fromImage(drawKnob(kKnobColourSet[std::size_t(i)], r));
         return a;
-    }();
+    });
     return images.at(std::size_t(colour >= 0 && colour < kKnobColours ? colour : 0));
 }
 
-const QPixmap& knobMask() {
-    static const QPixmap mask = QPixmap::fromImage(drawMask(kKnobW, kKnobH, [](QPainter& p) {
-        p.setRenderHint(QPainter::Antialiasing);
-        p.drawEllipse(QPointF(kCx, kCy), kSkirt, kSkirt);
-    }));
-    return mask;
+const QPixmap& knobMask(qreal ratio) {
+    struct Set {
+        QPixmap mask;
+    };
+    return perRatio<Set>(ratio,
+                         [](qreal r) {
+                             return Set{
+                                 QPixmap::fromImage(drawMask(kKnobW, kKnobH, r, [](QPainter& p) {
+                                     p.setRenderHint(QPainter::Antialiasing);
+                                     p.drawEllipse(QPointF(kCx, kCy), kSkirt, kSkirt);
+                                 }))};
+                         })
+        .mask;
 }
 
-const QPixmap& trackImage() {
-    static const QPixmap image = QPixmap::fromImage(drawTrack());
-    return image;
+const QPixmap& trackImage(qreal ratio) {
+    struct Set {
+        QPixmap image;
+    };
+    return perRatio<Set>(ratio, [](qreal r) { return Set{QPixmap::fromImage(drawTrack(r))}; })
+        .image;
 }
 
-const QPixmap& trackMask() {
-    static const QPixmap mask = QPixmap::fromImage(drawMask(kTrackW, kTrackH, [](QPainter& p) {
-        p.drawRect(kSlot);
-        for (int i = 0; i <= 10; ++i) {
-            const int y = 4 + i * 52 / 10;
-            const int len = (i % 5 == 0) ? 4 : 2;
-            p.drawRect(1, y, len + 1, 1);
-            p.drawRect(kTrackW - 2 - len, y, len + 1, 1);
-        }
-    }));
-    return mask;
+const QPixmap& trackMask(qreal ratio) {
+    struct Set {
+        QPixmap mask;
+    };
+    return perRatio<Set>(ratio,
+                         [](qreal r) {
+                             return Set{
+                                 QPixmap::fromImage(drawMask(kTrackW, kTrackH, r, [](QPainter& p) {
+                                     p.fillRect(kSlot, Qt::black);
+                                     // The ticks with the very strokes of the picture, so that they
+                                     // cover the same pixels at any ratio.
+                                     p.setPen(QPen(Qt::black, 1));
+                                     for (int i = 0; i <= 10; ++i) {
+                                         const int y = 4 + i * 52 / 10;
+                                         const int len = (i % 5 == 0) ? 4 : 2;
+                                         p.drawLine(1, y, 1 + len, y);
+                                         p.drawLine(kTrackW - 2 - len, y, kTrackW - 2, y);
+                                     }
+                                 }))};
+                         })
+        .mask;
 }
 
-const QPixmap& thumbImage() {
-    static const QPixmap thumb = drawThumb();
-    return thumb;
+const QPixmap& thumbImage(qreal ratio) {
+    struct Set {
+        QPixmap thumb;
+    };
+    return perRatio<Set>(ratio, [](qreal r) { return Set{drawThumb(r)}; }).thumb;
 }
 
-const QPixmap& checkImage(int index) {
-    static const std::array<QPixmap, 10> glyphs = [] {
+const QPixmap& checkImage(int index, qreal ratio) {
+    using Set = std::array<QPixmap, 10>;
+    const Set& glyphs = perRatio<Set>(ratio, [](qreal r) {
         const QColor grey(0x8a, 0x92, 0x9c), green(0x3c, 0xc4, 0x55), yellow(0xe8, 0xc3, 0x3a);
         const QColor blue(0x2f, 0x7b, 0xd8), light(0xe9, 0xf2, 0xfd);
-        std::array<QPixmap, 10> a;
-        a[0] = drawGlyph(QColor(0x6a, 0x71, 0x7a), QColor(0xf4, 0xf5, 0xf7), grey.lighter(120));
-        a[1] = drawGlyph(QColor(0x4a, 0x52, 0x5b), QColor(0xf4, 0xf5, 0xf7), green);
-        a[2] = drawGlyph(QColor(0x6a, 0x71, 0x7a), QColor(0xf4, 0xf5, 0xf7), yellow);
-        a[4] = drawGlyph(blue, light, QColor());
-        a[5] = drawGlyph(blue, light, green);
-        a[8] = drawGlyph(QColor(0x3a, 0x40, 0x47), Qt::white, grey.darker(140));
-        a[9] = drawGlyph(QColor(0x3a, 0x40, 0x47), Qt::white, green.darker(150));
-        QPixmap empty(13, 13);
-        empty.fill(Qt::transparent);
-        a[3] = a[6] = a[7] = empty;
+        Set a;
+        a[0] = drawGlyph(r, QColor(0x6a, 0x71, 0x7a), QColor(0xf4, 0xf5, 0xf7), grey.lighter(120));
+        a[1] = drawGlyph(r, QColor(0x4a, 0x52, 0x5b), QColor(0xf4, 0xf5, 0xf7), green);
+        a[2] = drawGlyph(r, QColor(0x6a, 0x71, 0x7a), QColor(0xf4, 0xf5, 0xf7), yellow);
+        a[4] = drawGlyph(r, blue, light, QColor());
+        a[5] = drawGlyph(r, blue, light, green);
+        a[8] = drawGlyph(r, QColor(0x3a, 0x40, 0x47), Qt::white, grey.darker(140));
+        a[9] = drawGlyph(r, QColor(0x3a, 0x40, 0x47), Qt::white, green.darker(150));
+        a[3] = a[6] = a[7] = clearCanvas(13, 13, r);
         return a;
-    }();
+    });
     return glyphs.at(std::size_t(index >= 0 && index < 10 ? index : 3));
 }
 
-const QPixmap& onOffImage(int index) {
-    static const QPixmap off = drawSwitch(false);
-    static const QPixmap on = drawSwitch(true);
-    return index == 11 ? on : off;
+const QPixmap& onOffImage(int index, qreal ratio) {
+    struct Set {
+        QPixmap off, on;
+    };
+    const Set& set = perRatio<Set>(ratio, [](qreal r) {
+        return Set{drawSwitch(false, r), drawSwitch(true, r)};
+    });
+    return index == 11 ? set.on : set.off;
 }
 
 } // namespace ferrule::ControlArt

@@ -128,9 +128,9 @@ void RKnob::paintEvent(QPaintEvent* e) {
     const QRect picture(0, 0, twipsToPx(kWidth), twipsToPx(kPictureHeight));
     // The mask clears the knob's area to black and keeps the background; OR lays the knob in.
     p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
-    p.drawPixmap(picture, ControlArt::knobMask());
+    p.drawPixmap(picture, ControlArt::knobMask(devicePixelRatioF()));
     p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
-    p.drawPixmap(picture, ControlArt::knobImage(color_));
+    p.drawPixmap(picture, ControlArt::knobImage(color_, devicePixelRatioF()));
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     // The pointer: a lit dot centred in its 165-twip square.
     p.setRenderHint(QPainter::Antialiasing);

@@ -101,14 +101,14 @@ void VSlider::paintEvent(QPaintEvent* e) {
     QPainter p(this);
     const QRect track(twipsToPx(495), 0, twipsToPx(300), twipsToPx(915));
     p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
-    p.drawPixmap(track, ControlArt::trackMask());
+    p.drawPixmap(track, ControlArt::trackMask(devicePixelRatioF()));
     p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
-    p.drawPixmap(track, ControlArt::trackImage());
+    p.drawPixmap(track, ControlArt::trackImage(devicePixelRatioF()));
     p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     // The thumb travels 52 pixels; its picture is 9 pixels high, drawn from its top. A value
     // outside the range keeps the thumb in sight at the end it passed.
     p.drawPixmap(QPoint(twipsToPx(kThumbLeft), twipsToPx(std::clamp(thumbTop_, 0, travel_))),
-                 ControlArt::thumbImage());
+                 ControlArt::thumbImage(devicePixelRatioF()));
     // The text is laid out only when its box is part of what is painted.
     if (e->region().intersects(valueLabelRect())) paintValueLabel(p);
 }

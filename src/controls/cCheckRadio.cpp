@@ -116,7 +116,7 @@ void cCheckRadio::setVisible(bool visible) {
 
 void cCheckRadio::showPicture(int item, int checkImage) {
     if (QLabel* g = glyph(item)) {
-        g->setPixmap(ControlArt::checkImage(checkImage));
+        g->setPixmap(ControlArt::checkImage(checkImage, g->devicePixelRatioF()));
         g->setProperty("checkImage", checkImage);
     }
 }

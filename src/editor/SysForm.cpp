@@ -121,6 +121,7 @@ int SysForm::model() const {
 }
 
 void SysForm::buildChrome() {
+    art_.setRatio(devicePixelRatioF());
     setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
     setAutoFillBackground(true);
     QPalette pal = palette();
@@ -521,16 +522,22 @@ int SysForm::modelForModeButton(int index) {
 }
 
 void SysForm::showTabPicture(int tab, int picture) {
+    art_.setRatio(devicePixelRatioF());
     tabButtons_[std::size_t(tab)]->setPicture(art_.Img(picture),
                                               QStringLiteral("Img(%1)").arg(picture));
 }
 
 void SysForm::showModePicture(int button, int picture) {
+    art_.setRatio(devicePixelRatioF());
     modeButtons_[std::size_t(button)]->setPicture(art_.mImg(picture),
                                                   QStringLiteral("mImg(%1)").arg(picture));
 }
 
 void SysForm::showCommandPicture(int button, int picture) {
+    art_.setRatio(devicePixelRatioF());
+    // While a transmission runs the transmit button reads "Stop".
+    commandButtons_[std::size_t(button)]->setAccessibleName(
+        picture >= 12 ? QStringLiteral("Stop") : ButtonArt::commandCaption(button));
     commandButtons_[std::size_t(button)]->setPicture(art_.CButton(picture),
                                                      QStringLiteral("CButton(%1)").arg(picture));
 }

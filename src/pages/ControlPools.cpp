@@ -31,7 +31,7 @@ QLabel* ControlPools::makeGlyph(QWidget* parent, const QString& name) {
     auto* g = new QLabel(parent);
     g->setObjectName(name);
     g->setFixedSize(13, 13);
-    g->setPixmap(ControlArt::checkImage(0));
+    g->setPixmap(ControlArt::checkImage(0, g->devicePixelRatioF()));
     g->setProperty("checkImage", 0);
     g->hide();
     return g;
@@ -74,7 +74,7 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     for (int i : {0, 1, 2, 3, 10, 11}) {
         auto* sw = new QLabel(pageArea);
         sw->setObjectName(QStringLiteral("OnOff%1").arg(i));
-        sw->setPixmap(ControlArt::onOffImage(i == 11 ? 11 : 10));
+        sw->setPixmap(ControlArt::onOffImage(i == 11 ? 11 : 10, sw->devicePixelRatioF()));
         sw->setProperty("picture", i == 11 ? 11 : 10);
         sw->setCursor(Qt::PointingHandCursor);
         if (i < kSwitches) {

@@ -1,4 +1,5 @@
 #include "MouseHelpers.h"
+#include "controls/ControlArt.h"
 #include "controls/RKnob.h"
 
 #include <QSignalSpy>
@@ -198,4 +199,40 @@ TEST_F(KnobTest, RightButtonReleaseShowsTheHelpWithCaptionAndValue) {
     EXPECT_TRUE(knob.helpText().contains(QStringLiteral("42|2|3")));
     EXPECT_EQ(knob.Value(), 42) << "the right button does not turn the knob";
     help->close();
+}
+
+// The masked pictures drawn for a finer screen: twice the pixels, painted rather than scaled
+// (some 2 × 2 blocks differ inside), and still a mask pair: wherever the mask keeps the
+// background, the picture adds nothing to it.
+TEST(ControlArtAtScreenRatio, PicturesAreDrawnFinerAndTheirMasksStillHold) {
+    struct Pair {
+        const QPixmap& image;
+        const QPixmap& mask;
+    };
+    for (qreal ratio : {1.5, 2.0}) {
+        for (const Pair& pair :
+             {Pair{ControlArt::knobImage(2, ratio), ControlArt::knobMask(ratio)},
+              Pair{ControlArt::trackImage(ratio), ControlArt::trackMask(ratio)}}) {
+            const QImage image = pair.image.toImage();
+            const QImage mask = pair.mask.toImage();
+            const QImage one = ControlArt::knobImage(2).toImage();
+            EXPECT_EQ(pair.image.devicePixelRatio(), ratio);
+            EXPECT_EQ(image.size(), mask.size());
+            EXPECT_EQ(pair.image.deviceIndependentSize().toSize(),
+                      image.width() > 60 ? one.size() : ControlArt::trackImage().size());
+            int kept = 0, uneven = 0;
+            for (int y = 0; y < image.height(); ++y)
+                for (int x = 0; x < image.width(); ++x)
+                    if (mask.pixel(x, y) == qRgb(255, 255, 255)) {
+                        ++kept;
+                        EXPECT_EQ(image.pixel(x, y), qRgb(0, 0, 0))
+                            << ratio << " at " << x << "," << y;
+                    }
+            for (int y = 0; y + 1 < image.height(); y += 2)
+                for (int x = 0; x + 1 < image.width(); x += 2)
+                    if (image.pixel(x, y) != image.pixel(x + 1, y + 1)) ++uneven;
+            EXPECT_GT(kept, 0);
+            EXPECT_GT(uneven, 20) << "drawn at " << ratio << ", not pixel-doubled";
+        }
+    }
 }
