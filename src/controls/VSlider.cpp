@@ -100,11 +100,15 @@ void VSlider::dragTo(double y) {
 void VSlider::paintEvent(QPaintEvent* e) {
     QPainter p(this);
     const QRect track(twipsToPx(495), 0, twipsToPx(300), twipsToPx(915));
-    p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
-    p.drawPixmap(track, ControlArt::trackMask(devicePixelRatioF()));
-    p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
-    p.drawPixmap(track, ControlArt::trackImage(devicePixelRatioF()));
-    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    // Only what the paint covers: a new value text alone does not lay the track again.
+    if (e->region().intersects(track)) {
+        const qreal ratio = devicePixelRatioF();
+        p.setCompositionMode(QPainter::RasterOp_SourceAndDestination);
+        p.drawPixmap(track, ControlArt::trackMask(ratio));
+        p.setCompositionMode(QPainter::RasterOp_SourceOrDestination);
+        p.drawPixmap(track, ControlArt::trackImage(ratio));
+        p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    }
     // The thumb travels 52 pixels; its picture is 9 pixels high, drawn from its top. A value
     // outside the range keeps the thumb in sight at the end it passed.
     p.drawPixmap(QPoint(twipsToPx(kThumbLeft), twipsToPx(std::clamp(thumbTop_, 0, travel_))),

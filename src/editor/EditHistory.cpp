@@ -41,11 +41,11 @@ EditHistory::EditHistory(SystemImage& image, QObject* parent)
 }
 
 void EditHistory::begin() {
-    if (depth_++ == 0) before_ = image_.bytes();
+    if (depth_++ == 0 && recording_) before_ = image_.bytes();
 }
 
 void EditHistory::end() {
-    if (depth_ == 0 || --depth_ > 0) return;
+    if (depth_ == 0 || --depth_ > 0 || !recording_) return;
     const auto& now = image_.bytes();
     std::vector<ByteWrite> before;
     std::vector<ByteWrite> after;

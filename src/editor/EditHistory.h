@@ -39,6 +39,9 @@ public:
         EditHistory& history_;
     };
     bool inGesture() const { return depth_ > 0; }
+    // Whether gestures are recorded as steps (on by default). Off, gestures are still tracked,
+    // so that the window tells a control's own edits from others, but nothing is kept.
+    void setRecording(bool on) { recording_ = on; }
 
     // Undo and redo do nothing while a gesture is open.
     void undo();
@@ -53,6 +56,7 @@ private:
     SystemImage& image_;
     QUndoStack* stack_;
     int depth_ = 0;
+    bool recording_ = true;
     std::array<std::uint8_t, SystemImage::kSize> before_{};
 };
 
