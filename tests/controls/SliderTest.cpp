@@ -138,3 +138,34 @@ TEST_F(SliderTest, MinAndMaxPullTheValueIn) {
     EXPECT_EQ(slider.Value(), 55);
     EXPECT_TRUE(spy.isEmpty());
 }
+
+// A value the range does not hold (a device's data may carry one) keeps the thumb in sight at
+// the end it passed, while the stored position stays what the value gives.
+TEST_F(SliderTest, AValueOutsideTheRangeKeepsTheThumbInSight) {
+    auto thumbRows = [this] {
+        // The thumb's amber line is the only amber in the control.
+        const QImage shot = slider.grab().toImage();
+        QList<int> rows;
+        for (int y = 0; y < shot.height(); ++y)
+            for (int x = 0; x < shot.width(); ++x) {
+                const QColor c = shot.pixelColor(x, y);
+                if (c.red() > 200 && c.green() > 130 && c.green() < 190 && c.blue() < 100) {
+                    rows << y;
+                    break;
+                }
+            }
+        return rows;
+    };
+    slider.setMax(10);
+    slider.setValue(10);
+    const QList<int> top = thumbRows();
+    ASSERT_FALSE(top.isEmpty());
+    slider.setValue(25);
+    EXPECT_LT(slider.thumbTop(), 0);
+    EXPECT_EQ(thumbRows(), top) << "above the range: at the top";
+    slider.setValue(0);
+    const QList<int> bottom = thumbRows();
+    slider.setMin(2);
+    slider.setValue(0);
+    EXPECT_EQ(thumbRows(), bottom) << "below the range: at the bottom";
+}
