@@ -19,6 +19,19 @@ bool isActivation(int key) {
            key == Qt::Key_Select;
 }
 
+// A group's items as they stand on the page, top to bottom, then left to right (a group lays
+// its items out from the bottom up).
+std::vector<int> visualOrder(const cCheckRadio* group) {
+    std::vector<int> items;
+    for (int i = 0; i < group->itemCount(); ++i)
+        if (group->glyph(i)) items.push_back(i);
+    std::sort(items.begin(), items.end(), [group](int a, int b) {
+        const QPoint pa = group->glyph(a)->pos(), pb = group->glyph(b)->pos();
+        return std::pair(pa.y(), pa.x()) < std::pair(pb.y(), pb.x());
+    });
+    return items;
+}
+
 } // namespace
 
 KeyboardNavigation::KeyboardNavigation(ControlPools& pools, std::function<void(int)> toggleSwitch,
@@ -45,15 +58,21 @@ bool KeyboardNavigation::optionKey(cCheckRadio* group, int item, int key) {
         group->ClickOn(item);
         return true;
     }
-    int next = item;
+    int step = 0;
     if (key == Qt::Key_Up || key == Qt::Key_Left)
-        next = item - 1;
+        step = -1;
     else if (key == Qt::Key_Down || key == Qt::Key_Right)
-        next = item + 1;
+        step = 1;
     else
         return false;
-    // A check box has no neighbours; a radio group's arrows stop at its ends.
-    if (group->itemCount() < 2 || next < 0 || next >= group->itemCount()) return true;
+    // Up and Left go to the item before on the page, Down and Right to the one after; a check
+    // box has no neighbours and a radio group's arrows stop at its ends.
+    const std::vector<int> order = visualOrder(group);
+    const auto at = std::find(order.begin(), order.end(), item);
+    if (group->itemCount() < 2 || at == order.end()) return true;
+    const std::ptrdiff_t to = (at - order.begin()) + step;
+    if (to < 0 || to >= std::ptrdiff_t(order.size())) return true;
+    const int next = order[std::size_t(to)];
     if (QLabel* g = group->glyph(next)) g->setFocus(Qt::OtherFocusReason);
     group->ClickOn(next);
     return true;
@@ -81,15 +100,15 @@ bool KeyboardNavigation::eventFilter(QObject* watched, QEvent* event) {
 }
 
 std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
-    // A unit is a control, or an option group whose items stay together.
+    // A unit is a control, or an option group whose items stay together; `at` is its top-left
+    // corner (the group's first item), page pixels.
     struct Unit {
-        QPoint at; // centre of the control or of the group's first item, page pixels
+        QPoint at;
         std::vector<QWidget*> widgets;
     };
     std::vector<Unit> units;
-    auto centre = [](const QWidget* w) { return w->geometry().center(); };
     auto add = [&](QWidget* w) {
-        if (w && w->isVisibleTo(w->parentWidget())) units.push_back({centre(w), {w}});
+        if (w && w->isVisibleTo(w->parentWidget())) units.push_back({w->pos(), {w}});
     };
     for (RKnob* k : pools_.knobs)
         add(k);
@@ -99,12 +118,14 @@ std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
         add(pools_.onOff[std::size_t(i)]);
     for (cCheckRadio* group : pools_.groups) {
         if (!group || !group->isVisible() || group->itemCount() == 0) continue;
-        Unit u{centre(group->glyph(0)), {}};
-        for (int i = 0; i < group->itemCount(); ++i)
-            if (QLabel* g = group->glyph(i)) u.widgets.push_back(g);
+        const std::vector<int> items = visualOrder(group);
+        if (items.empty()) continue;
+        Unit u{group->glyph(items.front())->pos(), {}};
+        for (int i : items)
+            u.widgets.push_back(group->glyph(i));
         units.push_back(std::move(u));
     }
-    // Panels in reading order; a unit belongs to the first panel that holds its centre.
+    // Panels in reading order; a unit belongs to the first panel that holds its corner.
     std::vector<QRect> panels;
     for (QWidget* box : pools_.tabBoxes)
         if (box && box->isVisibleTo(box->parentWidget())) panels.push_back(box->geometry());
@@ -118,8 +139,9 @@ std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
                 panel = int(i);
                 break;
             }
-        // Rows 40 pixels high: a knob and the option group beside it read as one row.
-        return std::make_tuple(panel, u.at.y() / 40, u.at.x());
+        // A panel is read column by column, as its controls stand in a row and its option
+        // groups stack above one another; each column from the top.
+        return std::make_tuple(panel, u.at.x() / 24, u.at.y());
     };
     std::stable_sort(units.begin(), units.end(),
                      [&](const Unit& a, const Unit& b) { return key(a) < key(b); });

@@ -13,7 +13,7 @@ class ControlPools;
 class cCheckRadio;
 
 // The keyboard's way through the editor window. The page's controls take the focus in reading
-// order (panel by panel, each panel row by row, an option group's items together) after the
+// order (panel by panel, each panel column by column, an option group's items together) after the
 // window's buttons. On an option item Space or Enter clicks it and the arrows move to the group's
 // next or previous item and select it, as radio buttons do; on a switch Space or Enter toggles.
 class KeyboardNavigation : public QObject {
