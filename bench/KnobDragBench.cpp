@@ -2,7 +2,8 @@
 // in one exposed window, every mouse move goes through the event loop, and the time includes
 // the repaint it causes (paint events are counted). Argument 1: like the editor's controls, which
 // show their value, the Qt side shows its value in a QLabel kept up to date from valueChanged;
-// argument 0: the bare Qt widget. Both sides alternate move by move in the
+// argument 0: the bare Qt widget. The sliders are dragged from the middle to where each reaches
+// its top value and back. Both sides alternate move by move in the
 // same run; the counters give each side's time per move, their ratio, and paints per move.
 
 #include "controls/RKnob.h"
@@ -52,6 +53,25 @@ std::vector<QPointF> line(double x, double top, double bottom) {
     const auto forward = points;
     points.insert(points.end(), forward.rbegin(), forward.rend());
     return points;
+}
+
+// The first y, pixel by pixel up from `from`, at which a drag of the control's thumb reaches its
+// top value; the control is left as it was.
+double topStop(QWidget* w, double x, double from) {
+    auto value = [w] {
+        return w->property(w->inherits("QAbstractSlider") ? "value" : "Value").toInt();
+    };
+    const int before = value();
+    mouse(w, QEvent::MouseButtonPress, {x, from}, Qt::LeftButton);
+    double y = from;
+    while (y > 0 && value() < 100) {
+        y -= 1.0;
+        mouse(w, QEvent::MouseMove, {x, y}, Qt::LeftButton);
+    }
+    mouse(w, QEvent::MouseMove, {x, from}, Qt::LeftButton);
+    mouse(w, QEvent::MouseButtonRelease, {x, from}, Qt::NoButton);
+    w->setProperty(w->inherits("QAbstractSlider") ? "value" : "Value", before);
+    return y;
 }
 
 // Drags `ours` and `theirs` move for move; each move is timed until its paint has happened.
@@ -146,9 +166,18 @@ static void BM_SliderVsQSlider(benchmark::State& st) {
     qslider.setRange(0, 100);
     qslider.setValue(50);
     qslider.setFixedSize(86, 80);
-    // Both thumbs are grabbed where they sit, in the middle, and dragged up to the top and back.
+    // Both thumbs are grabbed where they sit, in the middle, and dragged up to where each reaches
+    // its top value and back: the same gesture over the same values, with no moves past the
+    // end on either side.
+    qslider.ensurePolished();
     const double thumbY = std::floor((slider.thumbTop() + 60) / 15.0);
-    race(st, &slider, line(645 / 15.0, 2, thumbY), &qslider, line(43, 2, 40), st.range(0) != 0);
+    const double qThumbY = 40;
+    const double top = topStop(&slider, 645 / 15.0, thumbY);
+    const double qTop = topStop(&qslider, 43, qThumbY);
+    race(st, &slider, line(645 / 15.0, top, thumbY), &qslider, line(43, qTop, qThumbY),
+         st.range(0) != 0);
+    st.counters["ours_moves"] = thumbY - top;
+    st.counters["qt_moves"] = qThumbY - qTop;
 }
 BENCHMARK(BM_SliderVsQSlider)
     ->Arg(0)

@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStaticText>
 #include <QWhatsThis>
 #include <QWheelEvent>
 
@@ -110,7 +111,23 @@ void ValueControl::paintValueLabel(QPainter& p) const {
     p.fillRect(box, Qt::white);
     p.setPen(Qt::black);
     p.setFont(font());
-    p.drawText(box, Qt::AlignCenter, text_);
+    // The texts met so far are kept laid out: a drag goes back and forth over the same values.
+    if (staticFont_ != font()) {
+        staticTexts_.clear();
+        staticFont_ = font();
+    }
+    auto it = staticTexts_.constFind(text_);
+    if (it == staticTexts_.cend()) {
+        if (staticTexts_.size() >= 512) staticTexts_.clear();
+        QStaticText laidOut(text_);
+        laidOut.setTextFormat(Qt::PlainText);
+        laidOut.prepare(QTransform(), staticFont_);
+        it = staticTexts_.insert(text_, laidOut);
+    }
+    const QSizeF size = it->size();
+    p.drawStaticText(QPointF(box.x() + (box.width() - size.width()) / 2,
+                             box.y() + (box.height() - size.height()) / 2),
+                     *it);
 }
 
 bool ValueControl::pressOnLabel(const QMouseEvent* e) {

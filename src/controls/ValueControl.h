@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QBasicTimer>
+#include <QHash>
 #include <QRect>
+#include <QStaticText>
 #include <QWidget>
 
 #include <functional>
@@ -137,6 +139,8 @@ private:
     QString text_;
     QRect labelRect_;
     int labelInset_ = 0;
+    mutable QHash<QString, QStaticText> staticTexts_;
+    mutable QFont staticFont_;
     ValueTextSource source_;
     bool gestureOpen_ = false;
     int wheelRemainder_ = 0;
