@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -256,4 +257,53 @@ TEST(Grid, ShownOnItsPagesAndHiddenWhenLeavingForPageOne) {
     ASSERT_NE(grid->menu(), nullptr);
     EXPECT_TRUE(grid->menu()->isVisible());
     grid->menu()->close();
+}
+
+// The keyboard on the grid: arrows walk the cells and stop at the edges, Enter opens the menu of
+// the current cell with its value checked, and a choice writes what a click's choice writes.
+TEST(Grid, TheKeyboardWalksTheCellsAndChoosesAsTheMouseDoes) {
+    EditorFixture f;
+    GridEditor* grid = f.form->grid();
+    f.open(8, 6);
+    QWidget* cells = grid->cellsWidget();
+    cells->setProperty("current", 0);
+    for (Qt::Key k : {Qt::Key_Left, Qt::Key_Up, Qt::Key_Right, Qt::Key_Down, Qt::Key_Down})
+        QTest::keyClick(cells, k);
+    EXPECT_EQ(cells->property("current").toInt(), 2 * 16 + 1) << "left and up stop at the edge";
+    QTest::keyClick(cells, Qt::Key_End);
+    EXPECT_EQ(cells->property("current").toInt(), 2 * 16 + 15);
+    QTest::keyClick(cells, Qt::Key_Home);
+    QTest::keyClick(cells, Qt::Key_Right);
+    const int b = cells->property("current").toInt();
+    EXPECT_EQ(b, 2 * 16 + 1);
+    EXPECT_EQ(cells->property("focusRect").toRect(),
+              grid->cellGeometry(b).translated(-cells->pos()));
+
+    const int address = grid->cellAddress(b);
+    f.state.image.set(address, 31); // a note the menu offers
+    const int current = 31;
+    QTest::keyClick(cells, Qt::Key_Return);
+    ASSERT_NE(grid->menu(), nullptr);
+    EXPECT_EQ(grid->clickedCell(), b);
+    QAction* checked = nullptr;
+    QAction* other = nullptr;
+    for (QAction* a : grid->menu()->findChildren<QAction*>()) {
+        if (a->menu() || !a->data().isValid()) continue;
+        if (a->isChecked())
+            checked = a;
+        else if (!other && a->data().toInt() - GridEditor::kCodeBase != current)
+            other = a;
+    }
+    ASSERT_NE(checked, nullptr);
+    EXPECT_EQ(checked->data().toInt() - GridEditor::kCodeBase, current);
+    ASSERT_NE(other, nullptr);
+    const QByteArray before = f.state.image.toByteArray();
+    other->trigger();
+    const QByteArray byKeys = f.state.image.toByteArray();
+    f.form->undo();
+    EXPECT_EQ(f.state.image.toByteArray(), before);
+    grid->cellClicked(b, {});
+    grid->carryOut(other->data().toInt());
+    EXPECT_EQ(f.state.image.toByteArray(), byKeys);
+    EXPECT_EQ(f.state.image.at(address), other->data().toInt() - GridEditor::kCodeBase);
 }
