@@ -25,6 +25,7 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QShortcut>
@@ -341,7 +342,10 @@ bool SysForm::focusNextPrevChild(bool next) {
 }
 
 std::vector<QWidget*> SysForm::chromeFocusOrder() const {
+    // The tabs as they stand left to right (the GT-8 and GT-10 move some of them).
     std::vector<QWidget*> order(tabButtons_.begin(), tabButtons_.end());
+    std::stable_sort(order.begin(), order.end(),
+                     [](const QWidget* a, const QWidget* b) { return a->x() < b->x(); });
     order.insert(order.end(), modeButtons_.begin(), modeButtons_.end());
     order.insert(order.end(), commandButtons_.begin(), commandButtons_.end());
     return order;
@@ -447,8 +451,12 @@ void SysForm::refreshPage() {
     const int page = currentPage_;
     if (page < 0) return;
     const QScopedValueRollback busy(refreshing_, true);
+    // The page's controls are placed again; the one with the focus keeps it.
+    const QPointer<QWidget> focused = focusWidget();
     currentPage_ = -1;
     ShowTab(page);
+    if (focused && focused != focusWidget() && focused->isVisibleTo(this))
+        focused->setFocus(Qt::OtherFocusReason);
 }
 
 void SysForm::imageChanged() {

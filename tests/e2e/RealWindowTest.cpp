@@ -228,3 +228,54 @@ TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
     EXPECT_EQ(changed, 1);
     EXPECT_EQ(after[10429], char(1)) << "Omni mode on, saved with Ctrl+S";
 }
+
+// The editor worked from the keyboard alone: Tab to the MIDI tab and press it, Tab on to the
+// page's first control, step it up three times, undo one step, Shift+Tab back to OK and press it.
+TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
+    XDisplay x;
+    if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
+    ASSERT_TRUE(x.running()) << "Xvfb did not start";
+    QTemporaryDir dir;
+    const QString data = dir.filePath(QStringLiteral("keys.bin"));
+    {
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(QByteArray(43252, char(0)));
+    }
+    QProcess host;
+    x.startHost(host,
+                {QStringLiteral("--edit"), QStringLiteral("--model"), QStringLiteral("8"),
+                 QStringLiteral("--data"), data},
+                dir.path());
+    const QString editor = x.window(QStringLiteral("System: GT-8"));
+    ASSERT_FALSE(editor.isEmpty()) << "the editor window did not appear";
+    QThread::msleep(300);
+    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), editor});
+    auto keys = [&](const QString& key, int times) {
+        x.xdotool({QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40"),
+                   QStringLiteral("--repeat"), QString::number(times), key});
+        QThread::msleep(150);
+    };
+    // The System tab has the focus; on the GT-8 the MIDI tab is the fourth from the left.
+    keys(QStringLiteral("Tab"), 3);
+    keys(QStringLiteral("space"), 1);
+    // The rest of the tabs (5), the model buttons (5) and the commands (4), then the page.
+    keys(QStringLiteral("Tab"), 15);
+    keys(QStringLiteral("Up"), 3);
+    keys(QStringLiteral("ctrl+z"), 1);
+    keys(QStringLiteral("shift+Tab"), 1); // back to OK
+    keys(QStringLiteral("space"), 1);
+    EXPECT_TRUE(host.waitForFinished(10000));
+    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
+
+    QFile f(data);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    const QByteArray after = f.readAll();
+    ASSERT_EQ(after.size(), 43252);
+    QByteArray expected(43252, char(0));
+    expected[10428] = char(2); // Rx channel: three steps up, one undone
+    for (int i = 0; i < after.size(); ++i)
+        if (after[i] != expected[i])
+            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
+                          << int(expected[i]);
+}
