@@ -148,6 +148,7 @@ int main(int argc, char** argv) {
         else
             QCoreApplication::quit();
     });
+    std::signal(SIGPIPE, SIG_IGN); // a dropped connection is a failed write, not the end
     std::signal(SIGTERM, onSignal);
     std::signal(SIGINT, onSignal);
     std::signal(SIGUSR1, onSignal);

@@ -11,7 +11,9 @@
 
 #include <QApplication>
 #include <QFileInfo>
+#include <csignal>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 #include <vector>
@@ -38,6 +40,9 @@ std::optional<SystemDocument> openDocument(const HostOptions& options, QString* 
 } // namespace
 
 int main(int argc, char** argv) {
+    // A closed pipe or socket (a MIDI system that dropped us, a reader that went away) must
+    // come back as a failed write that is reported, not end the process unannounced.
+    std::signal(SIGPIPE, SIG_IGN);
     const bool headless = wantsHeadless(argc, argv);
     if (headless && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -86,7 +86,8 @@ TEST_P(DeviceRoundTrip, RequestGetsTheDevicesDataAndTransmitPutsTheHostsThere) {
                          QStringLiteral("--request"), QStringLiteral("--midi-in"), port,
                          QStringLiteral("--midi-out"), port, QStringLiteral("--export"), exported},
                         dir.path(), 120000, jack.env());
-    ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+    ASSERT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData()
+                             << "\njackd: " << qPrintable(jack.serverOutput());
     EXPECT_TRUE(r.out.startsWith("received GT-")) << r.out.constData();
     EXPECT_EQ(mappedDifferences(imageOf(exported, model), deviceImage, model), 0);
 
@@ -98,7 +99,8 @@ TEST_P(DeviceRoundTrip, RequestGetsTheDevicesDataAndTransmitPutsTheHostsThere) {
                  hostData, QStringLiteral("--transmit"), QStringLiteral("--gap"),
                  QStringLiteral("0"), QStringLiteral("--midi-out"), port},
                 dir.path(), 120000, jack.env());
-    ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+    ASSERT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData()
+                             << "\njackd: " << qPrintable(jack.serverOutput());
     EXPECT_EQ(device.stop(), 0) << device.output().constData();
     EXPECT_TRUE(device.output().contains("rejected 0")) << device.output().constData();
     EXPECT_EQ(mappedDifferences(readFile(deviceSaved), hostImage, model), 0);
@@ -135,7 +137,8 @@ TEST(DeviceRead, ADumpStartedOnTheDeviceIsReceivedInAnyChunkingAndFailuresWriteN
             gt6 + QStringList{QStringLiteral("--receive"), QStringLiteral("--midi-in"), port,
                               QStringLiteral("--data"), target},
             dir.path(), jack.env(), "waiting for", [&] { device.sendDump(); });
-        ASSERT_EQ(r.exitCode, 0) << r.err.constData();
+        ASSERT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData()
+                                 << "\njackd: " << qPrintable(jack.serverOutput());
         EXPECT_TRUE(SyxFile::looksLikeSyx(readFile(target))) << "kept in its own form";
         EXPECT_EQ(mappedDifferences(imageOf(target, 6), deviceImage, 6), 0);
     }

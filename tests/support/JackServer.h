@@ -43,6 +43,11 @@ public:
 
     bool running() const { return running_; }
     QString log() const { return log_; }
+    // Everything the server has said so far, for a failure's message.
+    QString serverOutput() {
+        log_ += QString::fromLocal8Bit(jackd_.readAll());
+        return log_;
+    }
     const QProcessEnvironment& env() const { return env_; }
 
 private:
