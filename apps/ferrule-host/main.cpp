@@ -11,7 +11,6 @@
 
 #include <QApplication>
 #include <QFileInfo>
-#include <csignal>
 
 #include <csignal>
 #include <cstdio>
