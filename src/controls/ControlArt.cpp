@@ -187,56 +187,37 @@ const QPixmap& knobImage(int colour, qreal ratio) {
 }
 
 const QPixmap& knobMask(qreal ratio) {
-    struct Set {
-        QPixmap mask;
-    };
-    return perRatio<Set>(ratio,
-                         [](qreal r) {
-                             return Set{
-                                 QPixmap::fromImage(drawMask(kKnobW, kKnobH, r, [](QPainter& p) {
-                                     p.setRenderHint(QPainter::Antialiasing);
-                                     p.drawEllipse(QPointF(kCx, kCy), kSkirt, kSkirt);
-                                 }))};
-                         })
-        .mask;
+    return perRatio<QPixmap>(ratio, [](qreal r) {
+        return QPixmap::fromImage(drawMask(kKnobW, kKnobH, r, [](QPainter& p) {
+            p.setRenderHint(QPainter::Antialiasing);
+            p.drawEllipse(QPointF(kCx, kCy), kSkirt, kSkirt);
+        }));
+    });
 }
 
 const QPixmap& trackImage(qreal ratio) {
-    struct Set {
-        QPixmap image;
-    };
-    return perRatio<Set>(ratio, [](qreal r) { return Set{QPixmap::fromImage(drawTrack(r))}; })
-        .image;
+    return perRatio<QPixmap>(ratio, [](qreal r) { return QPixmap::fromImage(drawTrack(r)); });
 }
 
 const QPixmap& trackMask(qreal ratio) {
-    struct Set {
-        QPixmap mask;
-    };
-    return perRatio<Set>(ratio,
-                         [](qreal r) {
-                             return Set{
-                                 QPixmap::fromImage(drawMask(kTrackW, kTrackH, r, [](QPainter& p) {
-                                     p.fillRect(kSlot, Qt::black);
-                                     // The ticks with the very strokes of the picture, so that they
-                                     // cover the same pixels at any ratio.
-                                     p.setPen(QPen(Qt::black, 1));
-                                     for (int i = 0; i <= 10; ++i) {
-                                         const int y = 4 + i * 52 / 10;
-                                         const int len = (i % 5 == 0) ? 4 : 2;
-                                         p.drawLine(1, y, 1 + len, y);
-                                         p.drawLine(kTrackW - 2 - len, y, kTrackW - 2, y);
-                                     }
-                                 }))};
-                         })
-        .mask;
+    return perRatio<QPixmap>(ratio, [](qreal r) {
+        return QPixmap::fromImage(drawMask(kTrackW, kTrackH, r, [](QPainter& p) {
+            p.fillRect(kSlot, Qt::black);
+            // The ticks with the very strokes of the picture, so that they cover the same pixels
+            // at any ratio.
+            p.setPen(QPen(Qt::black, 1));
+            for (int i = 0; i <= 10; ++i) {
+                const int y = 4 + i * 52 / 10;
+                const int len = (i % 5 == 0) ? 4 : 2;
+                p.drawLine(1, y, 1 + len, y);
+                p.drawLine(kTrackW - 2 - len, y, kTrackW - 2, y);
+            }
+        }));
+    });
 }
 
 const QPixmap& thumbImage(qreal ratio) {
-    struct Set {
-        QPixmap thumb;
-    };
-    return perRatio<Set>(ratio, [](qreal r) { return Set{drawThumb(r)}; }).thumb;
+    return perRatio<QPixmap>(ratio, [](qreal r) { return drawThumb(r); });
 }
 
 const QPixmap& checkImage(int index, qreal ratio) {
@@ -259,13 +240,11 @@ const QPixmap& checkImage(int index, qreal ratio) {
 }
 
 const QPixmap& onOffImage(int index, qreal ratio) {
-    struct Set {
-        QPixmap off, on;
-    };
+    using Set = std::array<QPixmap, 2>; // off, on
     const Set& set = perRatio<Set>(ratio, [](qreal r) {
         return Set{drawSwitch(false, r), drawSwitch(true, r)};
     });
-    return index == 11 ? set.on : set.off;
+    return set[index == 11 ? 1 : 0];
 }
 
 } // namespace ferrule::ControlArt

@@ -88,14 +88,10 @@ bool KeyboardNavigation::eventFilter(QObject* watched, QEvent* event) {
             toggleSwitch_(i);
             return true;
         }
-    for (int i = 0; i < ControlPools::kCheck2; ++i)
-        if (watched == pools_.check2[std::size_t(i)]) {
-            const auto [group, item] = ControlPools::groupOfCheck2(i);
-            return group >= 0 && optionKey(pools_.groups[std::size_t(group)], item, key->key());
-        }
-    for (int i = 0; i < ControlPools::kCheck10; ++i)
-        if (watched == pools_.check10[std::size_t(i)])
-            return optionKey(pools_.groups[ControlPools::kSelectorList], i, key->key());
+    // An option glyph knows its group and item.
+    if (auto* group =
+            qobject_cast<cCheckRadio*>(watched->property("optionGroup").value<QObject*>()))
+        return optionKey(group, watched->property("optionItem").toInt(), key->key());
     return false;
 }
 

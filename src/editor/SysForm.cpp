@@ -121,8 +121,13 @@ int SysForm::model() const {
     return state_.model;
 }
 
-void SysForm::buildChrome() {
+const ButtonArt& SysForm::art() {
+    // The pictures are drawn at the window's pixel ratio.
     art_.setRatio(devicePixelRatioF());
+    return art_;
+}
+
+void SysForm::buildChrome() {
     setFixedSize(twipsToPx(kWidth), twipsToPx(kHeight));
     setAutoFillBackground(true);
     QPalette pal = palette();
@@ -133,7 +138,7 @@ void SysForm::buildChrome() {
     for (int i = 0; i < 13; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("TabButton%1").arg(i));
-        b->setPicture(art_.Img(i), QStringLiteral("Img(%1)").arg(i));
+        b->setPicture(art().Img(i), QStringLiteral("Img(%1)").arg(i));
         b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
         b->setVisible(kTabDesign[std::size_t(i)].visible);
         b->setToolTip(ButtonArt::tabCaption(i));
@@ -144,7 +149,7 @@ void SysForm::buildChrome() {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
         b->setAccessibleName(ButtonArt::modeCaption(i));
-        b->setPicture(art_.mImg(i), QStringLiteral("mImg(%1)").arg(i));
+        b->setPicture(art().mImg(i), QStringLiteral("mImg(%1)").arg(i));
         b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
         modeButtons_[std::size_t(i)] = b;
     }
@@ -153,7 +158,7 @@ void SysForm::buildChrome() {
         b->setObjectName(QStringLiteral("CButton%1").arg(i));
         b->setAccessibleName(ButtonArt::commandCaption(i));
         b->setProperty("ferruleCommandButton", true);
-        b->setPicture(art_.CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
+        b->setPicture(art().CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
         b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
         commandButtons_[std::size_t(i)] = b;
     }
@@ -530,23 +535,20 @@ int SysForm::modelForModeButton(int index) {
 }
 
 void SysForm::showTabPicture(int tab, int picture) {
-    art_.setRatio(devicePixelRatioF());
-    tabButtons_[std::size_t(tab)]->setPicture(art_.Img(picture),
+    tabButtons_[std::size_t(tab)]->setPicture(art().Img(picture),
                                               QStringLiteral("Img(%1)").arg(picture));
 }
 
 void SysForm::showModePicture(int button, int picture) {
-    art_.setRatio(devicePixelRatioF());
-    modeButtons_[std::size_t(button)]->setPicture(art_.mImg(picture),
+    modeButtons_[std::size_t(button)]->setPicture(art().mImg(picture),
                                                   QStringLiteral("mImg(%1)").arg(picture));
 }
 
 void SysForm::showCommandPicture(int button, int picture) {
-    art_.setRatio(devicePixelRatioF());
     // While a transmission runs the transmit button reads "Stop".
     commandButtons_[std::size_t(button)]->setAccessibleName(
         picture >= 12 ? QStringLiteral("Stop") : ButtonArt::commandCaption(button));
-    commandButtons_[std::size_t(button)]->setPicture(art_.CButton(picture),
+    commandButtons_[std::size_t(button)]->setPicture(art().CButton(picture),
                                                      QStringLiteral("CButton(%1)").arg(picture));
 }
 

@@ -126,6 +126,7 @@ private:
     void showCommandNormal(int i);
 
     void buildButtonRows();
+    const ButtonArt& art();
     std::vector<QWidget*> chromeFocusOrder() const;
     SystemImage readHostImage() const;
     void imageChanged();

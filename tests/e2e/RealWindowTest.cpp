@@ -22,6 +22,22 @@ QString run(const QString& program, const QStringList& args, const QString& disp
     return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
 }
 
+// A data file of zeros (an image of 43,252 bytes) in `dir`; empty when it cannot be written.
+QString zeroImage(const QTemporaryDir& dir, const QString& name) {
+    const QString path = dir.filePath(name);
+    QFile f(path);
+    if (!f.open(QIODevice::WriteOnly) || f.write(QByteArray(43252, char(0))) != 43252) return {};
+    return path;
+}
+
+// Every byte that differs, named.
+void expectSameBytes(const QByteArray& after, const QByteArray& expected) {
+    for (int i = 0; i < after.size(); ++i)
+        if (after[i] != expected[i])
+            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
+                          << int(expected[i]);
+}
+
 // An X display of the test's own (Xvfb), and xdotool on it.
 class XDisplay {
 public:
@@ -84,12 +100,8 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
     if (xvfb.isEmpty() || xdotool.isEmpty()) GTEST_SKIP() << "needs Xvfb and xdotool";
 
     QTemporaryDir dir;
-    const QString data = dir.filePath(QStringLiteral("d.bin"));
-    {
-        QFile f(data);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(43252, char(0)));
-    }
+    const QString data = zeroImage(dir, QStringLiteral("d.bin"));
+    ASSERT_FALSE(data.isEmpty());
     // A display of our own.
     int number = 90 + int(QCoreApplication::applicationPid() % 50);
     while (QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)))
@@ -163,10 +175,7 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
     expected[10428] = char(11); // Rx channel, dragged up past the top
     expected[10429] = char(1);  // Omni mode on
     expected[10438] = char(1);  // Map Select: Progammable
-    for (int i = 0; i < after.size(); ++i)
-        if (after[i] != expected[i])
-            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
-                          << int(expected[i]);
+    expectSameBytes(after, expected);
 }
 
 TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
@@ -174,12 +183,8 @@ TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
     if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
     ASSERT_TRUE(x.running()) << "Xvfb did not start";
     QTemporaryDir dir;
-    const QString data = dir.filePath(QStringLiteral("main.bin"));
-    {
-        QFile f(data);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(43252, char(0)));
-    }
+    const QString data = zeroImage(dir, QStringLiteral("main.bin"));
+    ASSERT_FALSE(data.isEmpty());
     QProcess host;
     x.startHost(host,
                 {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data},
@@ -236,12 +241,8 @@ TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
     if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
     ASSERT_TRUE(x.running()) << "Xvfb did not start";
     QTemporaryDir dir;
-    const QString data = dir.filePath(QStringLiteral("keys.bin"));
-    {
-        QFile f(data);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(43252, char(0)));
-    }
+    const QString data = zeroImage(dir, QStringLiteral("keys.bin"));
+    ASSERT_FALSE(data.isEmpty());
     QProcess host;
     x.startHost(host,
                 {QStringLiteral("--edit"), QStringLiteral("--model"), QStringLiteral("8"),
@@ -274,8 +275,5 @@ TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
     ASSERT_EQ(after.size(), 43252);
     QByteArray expected(43252, char(0));
     expected[10428] = char(2); // Rx channel: three steps up, one undone
-    for (int i = 0; i < after.size(); ++i)
-        if (after[i] != expected[i])
-            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
-                          << int(expected[i]);
+    expectSameBytes(after, expected);
 }
