@@ -7,6 +7,7 @@
 #include "cli/EditorRun.h"
 #include "cli/HostOptions.h"
 #include "document/SystemDocument.h"
+#include "io/PooledThreads.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -36,9 +37,7 @@ std::optional<SystemDocument> openDocument(const HostOptions& options, QString* 
     return SystemDocument::open(options.dataFile, options.model, options.dataSetHeader(), error);
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     // A closed pipe or socket (a MIDI system that dropped us, a reader that went away) must
     // come back as a failed write that is reported, not end the process unannounced.
     std::signal(SIGPIPE, SIG_IGN);
@@ -120,4 +119,13 @@ int main(int argc, char** argv) {
         return QApplication::exec();
     }
     return runEditor(options, *document);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int code = run(argc, argv);
+    // The application object is gone; its painting threads end before the process does.
+    waitForPooledThreadsToEnd();
+    return code;
 }

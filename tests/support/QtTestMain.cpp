@@ -2,14 +2,25 @@
 // settings root.
 
 #include "OffscreenApp.h"
+#include "io/PooledThreads.h"
 
 #include <QApplication>
 #include <gtest/gtest.h>
 
-int main(int argc, char** argv) {
+namespace {
+
+int runTests(int argc, char** argv) {
     QTemporaryDir settingsRoot;
     prepareOffscreenApp(settingsRoot);
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int code = runTests(argc, argv);
+    ferrule::waitForPooledThreadsToEnd();
+    return code;
 }
