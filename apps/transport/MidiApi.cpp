@@ -1,5 +1,6 @@
 #include "MidiApi.h"
 
+#include "JackMidiPort.h"
 #include "QuietStderr.h"
 
 #include <RtMidi.h>
@@ -10,10 +11,6 @@
 namespace ferrule {
 
 namespace {
-
-RtMidi::Api rtApi(MidiApi api) {
-    return api == MidiApi::Alsa ? RtMidi::LINUX_ALSA : RtMidi::UNIX_JACK;
-}
 
 void silent(const char*) {}
 
@@ -40,8 +37,9 @@ QList<MidiApi> compiledMidiApis() {
     std::vector<RtMidi::Api> apis;
     RtMidi::getCompiledApi(apis);
     QList<MidiApi> out;
-    for (MidiApi api : {MidiApi::Alsa, MidiApi::Jack})
-        if (std::find(apis.begin(), apis.end(), rtApi(api)) != apis.end()) out << api;
+    if (std::find(apis.begin(), apis.end(), RtMidi::LINUX_ALSA) != apis.end()) out << MidiApi::Alsa;
+    // JACK is reached through our own client.
+    out << MidiApi::Jack;
     return out;
 }
 
@@ -77,20 +75,23 @@ std::optional<MidiApi> defaultMidiApi(QString* why) {
         reasons << reason;
     }
     if (why)
-        *why =
-            reasons.isEmpty()
-                ? QStringLiteral("RtMidi was built without ALSA and JACK")
-                : QStringLiteral("no MIDI system runs: %1").arg(reasons.join(QStringLiteral(", ")));
+        *why = QStringLiteral("no MIDI system runs: %1").arg(reasons.join(QStringLiteral(", ")));
     return std::nullopt;
 }
 
 MidiPortList listMidiPorts(MidiApi api, const QString& clientName) {
     MidiPortList list;
     if (!midiSystemRuns(api, &list.error)) return list;
+    if (api == MidiApi::Jack) {
+        const JackMidiPort::Ports ports = JackMidiPort::list(clientName, &list.error);
+        list.inputs = ports.outputs;
+        list.outputs = ports.inputs;
+        return list;
+    }
     try {
         QuietStderr quiet;
-        RtMidiIn in(rtApi(api), clientName.toStdString());
-        RtMidiOut out(rtApi(api), clientName.toStdString());
+        RtMidiIn in(RtMidi::LINUX_ALSA, clientName.toStdString());
+        RtMidiOut out(RtMidi::LINUX_ALSA, clientName.toStdString());
         list.inputs = portNames(in);
         list.outputs = portNames(out);
     } catch (const RtMidiError& e) {

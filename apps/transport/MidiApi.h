@@ -7,12 +7,12 @@
 
 namespace ferrule {
 
-// The MIDI systems RtMidi can reach here.
+// The MIDI systems Ferrule reaches: ALSA through RtMidi, JACK through a client of its own.
 enum class MidiApi { Alsa, Jack };
 
 QString midiApiName(MidiApi api);
 std::optional<MidiApi> midiApiFromName(const QString& name);
-// The APIs RtMidi was built with, in order of preference (ALSA first).
+// The APIs this build can use, in order of preference (ALSA first, when RtMidi has it).
 QList<MidiApi> compiledMidiApis();
 // Whether the API's MIDI system runs now (an ALSA sequencer, a JACK server), without starting
 // one; `why` says what is missing when it does not.

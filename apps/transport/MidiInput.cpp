@@ -1,7 +1,7 @@
 #include "MidiInput.h"
 
+#include "PortOpening.h"
 #include "QuietStderr.h"
-#include "RtMidiPorts.h"
 
 #include <QSocketNotifier>
 
@@ -31,14 +31,18 @@ MidiInput::MidiInput(QObject* parent)
 MidiInput::~MidiInput() {
     // Close the port before the ring and the eventfd go away: no callback runs after this.
     in_.reset();
+    jack_.reset();
     if (wakeFd_ >= 0) ::close(wakeFd_);
 }
 
-void MidiInput::callback(double, std::vector<unsigned char>* message, void* self) {
+void MidiInput::rtMidiCallback(double, std::vector<unsigned char>* message, void* self) {
+    if (message && !message->empty()) receive(message->data(), message->size(), self);
+}
+
+void MidiInput::receive(const unsigned char* bytes, std::size_t size, void* self) {
     // The MIDI system's thread: copy and wake, nothing that could wait.
     auto* input = static_cast<MidiInput*>(self);
-    if (!message || message->empty()) return;
-    input->ring_.push(message->data(), message->size());
+    input->ring_.push(bytes, size);
     const std::uint64_t one = 1;
     // A full counter only means the Qt thread has a wake-up pending already.
     const ssize_t written = ::write(input->wakeFd_, &one, sizeof one);
@@ -54,10 +58,16 @@ void MidiInput::drain() {
         emit messageReceived(message);
 }
 
-bool MidiInput::create(MidiApi api, const QString& clientName, QString* error) {
+bool MidiInput::create(MidiApi api, const QString& clientName, const QString& portName,
+                       QString* error) {
     if (wakeFd_ < 0) {
         if (error) *error = QStringLiteral("cannot create an eventfd for MIDI input");
         return false;
+    }
+    if (api == MidiApi::Jack) {
+        jack_ = JackMidiPort::open(clientName, portName, JackMidiPort::Direction::In, error,
+                                   &MidiInput::receive, this);
+        return jack_ != nullptr;
     }
     QString why;
     if (!midiSystemRuns(api, &why)) {
@@ -66,12 +76,10 @@ bool MidiInput::create(MidiApi api, const QString& clientName, QString* error) {
     }
     try {
         QuietStderr quiet;
-        in_ = std::make_unique<RtMidiIn>(api == MidiApi::Alsa ? RtMidi::LINUX_ALSA
-                                                              : RtMidi::UNIX_JACK,
-                                         clientName.toStdString());
+        in_ = std::make_unique<RtMidiIn>(RtMidi::LINUX_ALSA, clientName.toStdString());
         // System-exclusive messages are what we are here for; timing and sensing are not.
         in_->ignoreTypes(false, true, true);
-        in_->setCallback(&MidiInput::callback, this);
+        in_->setCallback(&MidiInput::rtMidiCallback, this);
     } catch (const RtMidiError& e) {
         if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
         in_.reset();
@@ -82,10 +90,12 @@ bool MidiInput::create(MidiApi api, const QString& clientName, QString* error) {
 
 bool MidiInput::open(MidiApi api, const QString& clientName, const QString& nameOrNumber,
                      QString* error) {
-    if (!create(api, clientName, error)) return false;
-    const QString name = openNamedPort(*in_, api, clientName, nameOrNumber, true, error);
+    if (!create(api, clientName, clientName + QStringLiteral(" in"), error)) return false;
+    const QString name = jack_ ? connectNamedPort(*jack_, nameOrNumber, true, error)
+                               : openNamedPort(*in_, api, clientName, nameOrNumber, true, error);
     if (name.isEmpty()) {
         in_.reset();
+        jack_.reset();
         return false;
     }
     portName_ = name;
@@ -94,8 +104,8 @@ bool MidiInput::open(MidiApi api, const QString& clientName, const QString& name
 
 bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QString& portName,
                             QString* error) {
-    if (!create(api, clientName, error)) return false;
-    if (!openOwnPort(*in_, portName, error)) {
+    if (!create(api, clientName, portName, error)) return false;
+    if (in_ && !openOwnPort(*in_, portName, error)) {
         in_.reset();
         return false;
     }
@@ -104,7 +114,7 @@ bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QStrin
 }
 
 bool MidiInput::isOpen() const {
-    return in_ != nullptr;
+    return in_ || jack_;
 }
 
 } // namespace ferrule

@@ -14,7 +14,10 @@ class QSocketNotifier;
 
 namespace ferrule {
 
-// A MIDI input port through RtMidi, system-exclusive messages included. The MIDI system's thread
+class JackMidiPort;
+
+// A MIDI input port (RtMidi for ALSA, our own client for JACK), system-exclusive messages
+// included. The MIDI system's thread
 // only copies each message into a lock-free ring and wakes the Qt thread through an eventfd;
 // messageReceived is emitted on the thread that owns this object.
 class MidiInput : public QObject {
@@ -35,11 +38,13 @@ signals:
     void messageReceived(const QByteArray& message);
 
 private:
-    bool create(MidiApi api, const QString& clientName, QString* error);
+    bool create(MidiApi api, const QString& clientName, const QString& portName, QString* error);
     void drain();
-    static void callback(double stamp, std::vector<unsigned char>* message, void* self);
+    static void receive(const unsigned char* bytes, std::size_t size, void* self);
+    static void rtMidiCallback(double stamp, std::vector<unsigned char>* message, void* self);
 
     std::unique_ptr<RtMidiIn> in_;
+    std::unique_ptr<JackMidiPort> jack_;
     MessageRing ring_;
     int wakeFd_ = -1;
     QSocketNotifier* notifier_ = nullptr;

@@ -1,7 +1,7 @@
 #include "MidiOutput.h"
 
+#include "PortOpening.h"
 #include "QuietStderr.h"
-#include "RtMidiPorts.h"
 
 #include <RtMidi.h>
 
@@ -11,7 +11,7 @@ namespace ferrule {
 
 namespace {
 
-std::unique_ptr<RtMidiOut> makeOutput(MidiApi api, const QString& clientName, QString* error) {
+std::unique_ptr<RtMidiOut> makeAlsaOutput(MidiApi api, const QString& clientName, QString* error) {
     QString why;
     if (!midiSystemRuns(api, &why)) {
         if (error) *error = why;
@@ -19,9 +19,7 @@ std::unique_ptr<RtMidiOut> makeOutput(MidiApi api, const QString& clientName, QS
     }
     try {
         QuietStderr quiet;
-        return std::make_unique<RtMidiOut>(api == MidiApi::Alsa ? RtMidi::LINUX_ALSA
-                                                                : RtMidi::UNIX_JACK,
-                                           clientName.toStdString());
+        return std::make_unique<RtMidiOut>(RtMidi::LINUX_ALSA, clientName.toStdString());
     } catch (const RtMidiError& e) {
         if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
         return nullptr;
@@ -33,13 +31,23 @@ std::unique_ptr<RtMidiOut> makeOutput(MidiApi api, const QString& clientName, QS
 MidiOutput::MidiOutput() = default;
 MidiOutput::~MidiOutput() = default;
 
+bool MidiOutput::create(MidiApi api, const QString& clientName, const QString& portName,
+                        QString* error) {
+    if (api == MidiApi::Jack)
+        jack_ = JackMidiPort::open(clientName, portName, JackMidiPort::Direction::Out, error);
+    else
+        out_ = makeAlsaOutput(api, clientName, error);
+    return isOpen();
+}
+
 bool MidiOutput::open(MidiApi api, const QString& clientName, const QString& nameOrNumber,
                       QString* error) {
-    out_ = makeOutput(api, clientName, error);
-    if (!out_) return false;
-    const QString name = openNamedPort(*out_, api, clientName, nameOrNumber, false, error);
+    if (!create(api, clientName, clientName + QStringLiteral(" out"), error)) return false;
+    const QString name = jack_ ? connectNamedPort(*jack_, nameOrNumber, false, error)
+                               : openNamedPort(*out_, api, clientName, nameOrNumber, false, error);
     if (name.isEmpty()) {
         out_.reset();
+        jack_.reset();
         return false;
     }
     portName_ = name;
@@ -48,9 +56,8 @@ bool MidiOutput::open(MidiApi api, const QString& clientName, const QString& nam
 
 bool MidiOutput::openVirtual(MidiApi api, const QString& clientName, const QString& portName,
                              QString* error) {
-    out_ = makeOutput(api, clientName, error);
-    if (!out_) return false;
-    if (!openOwnPort(*out_, portName, error)) {
+    if (!create(api, clientName, portName, error)) return false;
+    if (out_ && !openOwnPort(*out_, portName, error)) {
         out_.reset();
         return false;
     }
@@ -59,8 +66,8 @@ bool MidiOutput::openVirtual(MidiApi api, const QString& clientName, const QStri
 }
 
 bool MidiOutput::isOpen() const {
-    // out_ is kept only once a port has been opened.
-    return out_ != nullptr;
+    // A port is kept only once it has been opened.
+    return out_ || jack_;
 }
 
 bool MidiOutput::send(const QByteArray& message, QString* error) {
@@ -68,6 +75,7 @@ bool MidiOutput::send(const QByteArray& message, QString* error) {
         if (error) *error = QStringLiteral("the MIDI output port is not open");
         return false;
     }
+    if (jack_) return jack_->send(message, error);
     try {
         std::vector<unsigned char> bytes(message.begin(), message.end());
         out_->sendMessage(&bytes);

@@ -11,7 +11,10 @@ class RtMidiOut;
 
 namespace ferrule {
 
-// A MIDI output port through RtMidi. Opening says why it failed instead of printing.
+class JackMidiPort;
+
+// A MIDI output port (RtMidi for ALSA, our own client for JACK). Opening says why it failed instead
+// of printing.
 class MidiOutput {
 public:
     MidiOutput();
@@ -30,7 +33,10 @@ public:
     bool send(const QByteArray& message, QString* error);
 
 private:
+    bool create(MidiApi api, const QString& clientName, const QString& portName, QString* error);
+
     std::unique_ptr<RtMidiOut> out_;
+    std::unique_ptr<JackMidiPort> jack_;
     QString portName_;
 };
 

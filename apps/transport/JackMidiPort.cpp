@@ -1,0 +1,205 @@
+#include "JackMidiPort.h"
+
+#include <jack/midiport.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+
+namespace ferrule {
+
+namespace {
+
+// Room for a second of messages at many times a MIDI cable's speed.
+constexpr std::size_t kQueueBytes = 1 << 16;
+// The longest system-exclusive message an input puts together; longer ones are dropped.
+constexpr std::size_t kLongestSysex = 1 << 16;
+
+void silent(const char*) {}
+
+// JACK prints its complaints to stderr; the programs say what went wrong once, in their words.
+void quietJack() {
+    jack_set_error_function(silent);
+    jack_set_info_function(silent);
+}
+
+QStringList portNames(jack_client_t* client, unsigned long flags) {
+    QStringList names;
+    if (const char** ports = jack_get_ports(client, nullptr, JACK_DEFAULT_MIDI_TYPE, flags)) {
+        for (const char** p = ports; *p; ++p)
+            names << QString::fromLocal8Bit(*p);
+        jack_free(ports);
+    }
+    return names;
+}
+
+bool isRealTime(unsigned char status) {
+    return status >= 0xF8;
+}
+
+} // namespace
+
+std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, const QString& portName,
+                                                 Direction direction, QString* error,
+                                                 Receiver receiver, void* context) {
+    quietJack();
+    std::unique_ptr<JackMidiPort> port(new JackMidiPort);
+    port->direction_ = direction;
+    port->receiver_ = receiver;
+    port->context_ = context;
+    jack_status_t status{};
+    port->client_ =
+        jack_client_open(clientName.toLocal8Bit().constData(), JackNoStartServer, &status);
+    if (!port->client_) {
+        if (error) *error = QStringLiteral("no JACK server runs");
+        return nullptr;
+    }
+    if (direction == Direction::Out) {
+        port->queue_ = jack_ringbuffer_create(kQueueBytes);
+        if (!port->queue_) {
+            if (error) *error = QStringLiteral("cannot make the MIDI output's queue");
+            return nullptr;
+        }
+    } else {
+        port->sysex_.resize(kLongestSysex);
+    }
+    port->port_ = jack_port_register(
+        port->client_, portName.toLocal8Bit().constData(), JACK_DEFAULT_MIDI_TYPE,
+        direction == Direction::In ? JackPortIsInput : JackPortIsOutput, 0);
+    if (!port->port_ ||
+        jack_set_process_callback(port->client_, &JackMidiPort::process, port.get()) != 0 ||
+        jack_activate(port->client_) != 0) {
+        if (error)
+            *error = QStringLiteral("JACK could not make the MIDI port \"%1\"").arg(portName);
+        return nullptr;
+    }
+    return port;
+}
+
+JackMidiPort::~JackMidiPort() {
+    if (client_) {
+        // After jack_deactivate returns, the process function runs no more.
+        jack_deactivate(client_);
+        if (port_) jack_port_unregister(client_, port_);
+        jack_client_close(client_);
+    }
+    if (queue_) jack_ringbuffer_free(queue_);
+}
+
+QStringList JackMidiPort::peers() const {
+    return portNames(client_, direction_ == Direction::In ? JackPortIsOutput : JackPortIsInput);
+}
+
+bool JackMidiPort::connectTo(const QString& peer, QString* error) {
+    const QByteArray ours = jack_port_name(port_);
+    const QByteArray theirs = peer.toLocal8Bit();
+    const int result = direction_ == Direction::In
+                           ? jack_connect(client_, theirs.constData(), ours.constData())
+                           : jack_connect(client_, ours.constData(), theirs.constData());
+    if (result != 0 && result != EEXIST) {
+        if (error) *error = QStringLiteral("JACK could not connect to \"%1\"").arg(peer);
+        return false;
+    }
+    return true;
+}
+
+bool JackMidiPort::send(const QByteArray& message, QString* error) {
+    const std::uint32_t size = std::uint32_t(message.size());
+    if (size == 0) return true;
+    if (jack_ringbuffer_write_space(queue_) < sizeof size + size) {
+        if (error) *error = QStringLiteral("the MIDI output's queue is full");
+        return false;
+    }
+    // The reader takes a message only once its length and all its bytes are in.
+    jack_ringbuffer_write(queue_, reinterpret_cast<const char*>(&size), sizeof size);
+    jack_ringbuffer_write(queue_, message.constData(), size);
+    return true;
+}
+
+JackMidiPort::Ports JackMidiPort::list(const QString& clientName, QString* error) {
+    quietJack();
+    Ports ports;
+    jack_status_t status{};
+    jack_client_t* client =
+        jack_client_open(clientName.toLocal8Bit().constData(), JackNoStartServer, &status);
+    if (!client) {
+        if (error) *error = QStringLiteral("no JACK server runs");
+        return ports;
+    }
+    ports.outputs = portNames(client, JackPortIsOutput);
+    ports.inputs = portNames(client, JackPortIsInput);
+    jack_client_close(client);
+    return ports;
+}
+
+int JackMidiPort::process(unsigned frames, void* self) {
+    auto* port = static_cast<JackMidiPort*>(self);
+    if (port->direction_ == Direction::In)
+        port->receive(frames);
+    else
+        port->transmit(frames);
+    return 0;
+}
+
+void JackMidiPort::receive(unsigned frames) {
+    void* buffer = jack_port_get_buffer(port_, frames);
+    const std::uint32_t count = jack_midi_get_event_count(buffer);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        jack_midi_event_t event;
+        if (jack_midi_event_get(&event, buffer, i) != 0 || event.size == 0) continue;
+        deliver(event.buffer, event.size);
+    }
+}
+
+void JackMidiPort::deliver(const unsigned char* bytes, std::size_t size) {
+    // Clock, time code and active sensing are of no use here.
+    if (bytes[0] == 0xF8 || bytes[0] == 0xF1 || bytes[0] == 0xFE) return;
+    if (isRealTime(bytes[0])) {
+        if (receiver_) receiver_(bytes, size, context_);
+        return;
+    }
+    if (bytes[0] == 0xF0) {
+        inSysex_ = true;
+        sysexSize_ = 0;
+    } else if (!inSysex_ || bytes[0] >= 0x80) {
+        // Not the rest of a system-exclusive message: one started earlier is abandoned.
+        inSysex_ = false;
+        if (receiver_) receiver_(bytes, size, context_);
+        return;
+    }
+    // A system-exclusive message, or a further piece of one.
+    if (sysexSize_ + size > sysex_.size()) {
+        inSysex_ = false;
+        return;
+    }
+    std::memcpy(sysex_.data() + sysexSize_, bytes, size);
+    sysexSize_ += size;
+    if (bytes[size - 1] == 0xF7) {
+        inSysex_ = false;
+        if (receiver_) receiver_(sysex_.data(), sysexSize_, context_);
+    }
+}
+
+void JackMidiPort::transmit(unsigned frames) {
+    void* buffer = jack_port_get_buffer(port_, frames);
+    jack_midi_clear_buffer(buffer);
+    bool reserved = false;
+    std::uint32_t size = 0;
+    while (jack_ringbuffer_peek(queue_, reinterpret_cast<char*>(&size), sizeof size) ==
+               sizeof size &&
+           jack_ringbuffer_read_space(queue_) >= sizeof size + size) {
+        jack_midi_data_t* event = jack_midi_event_reserve(buffer, 0, size);
+        if (!event) {
+            // The cycle's buffer is full: the message waits for the next cycle, unless it could
+            // never fit in one.
+            if (reserved) break;
+            jack_ringbuffer_read_advance(queue_, sizeof size + size);
+            continue;
+        }
+        reserved = true;
+        jack_ringbuffer_read_advance(queue_, sizeof size);
+        jack_ringbuffer_read(queue_, reinterpret_cast<char*>(event), size);
+    }
+}
+
+} // namespace ferrule

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include <jack/jack.h>
+#include <jack/ringbuffer.h>
+
+namespace ferrule {
+
+// One JACK client with one MIDI port, input or output. JACK runs the port's process function on
+// its own thread, once per cycle; that function neither waits nor allocates. Closing deactivates
+// the client before anything the process function uses is freed, so that a port can be closed at
+// any moment, also while messages are under way.
+class JackMidiPort {
+public:
+    enum class Direction { In, Out };
+    // Where an input hands each complete message, on JACK's thread: copy it and return.
+    using Receiver = void (*)(const unsigned char* bytes, std::size_t size, void* context);
+
+    // Opens a client named `clientName` (JACK numbers it when the name is taken) with a port
+    // named `portName`, and activates it; nullptr with `error` set when no JACK server runs or
+    // the port cannot be made. An input's messages go to `receiver`.
+    static std::unique_ptr<JackMidiPort> open(const QString& clientName, const QString& portName,
+                                              Direction direction, QString* error,
+                                              Receiver receiver = nullptr, void* context = nullptr);
+    ~JackMidiPort();
+    JackMidiPort(const JackMidiPort&) = delete;
+    JackMidiPort& operator=(const JackMidiPort&) = delete;
+
+    // Other programs' MIDI ports this one can be connected to ("client:port"): their outputs for
+    // an input, their inputs for an output.
+    QStringList peers() const;
+    bool connectTo(const QString& peer, QString* error);
+    // Queues one complete message for the next cycle; false with `error` when the queue is full.
+    bool send(const QByteArray& message, QString* error);
+
+    struct Ports {
+        QStringList outputs; // what an input can read from
+        QStringList inputs;  // what an output can send to
+    };
+    // The MIDI ports of the running JACK server, seen from a client named `clientName`.
+    static Ports list(const QString& clientName, QString* error);
+
+private:
+    JackMidiPort() = default;
+    static int process(unsigned frames, void* self);
+    void receive(unsigned frames);
+    void transmit(unsigned frames);
+    void deliver(const unsigned char* bytes, std::size_t size);
+
+    jack_client_t* client_ = nullptr;
+    jack_port_t* port_ = nullptr;
+    Direction direction_ = Direction::In;
+    Receiver receiver_ = nullptr;
+    void* context_ = nullptr;
+    // Output: messages queued by send(), each as its length and its bytes.
+    jack_ringbuffer_t* queue_ = nullptr;
+    // Input: a system-exclusive message that arrives in several events is put together here.
+    std::vector<unsigned char> sysex_;
+    std::size_t sysexSize_ = 0;
+    bool inSysex_ = false;
+};
+
+} // namespace ferrule
