@@ -66,6 +66,7 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
     port->port_ = jack_port_register(
         port->client_, portName.toLocal8Bit().constData(), JACK_DEFAULT_MIDI_TYPE,
         direction == Direction::In ? JackPortIsInput : JackPortIsOutput, 0);
+    jack_on_shutdown(port->client_, &JackMidiPort::shutDown, port.get());
     if (!port->port_ ||
         jack_set_process_callback(port->client_, &JackMidiPort::process, port.get()) != 0 ||
         jack_activate(port->client_) != 0) {
@@ -104,6 +105,10 @@ bool JackMidiPort::connectTo(const QString& peer, QString* error) {
 }
 
 bool JackMidiPort::send(const QByteArray& message, QString* error) {
+    if (serverGone()) {
+        if (error) *error = QStringLiteral("the JACK server has stopped");
+        return false;
+    }
     const std::uint32_t size = std::uint32_t(message.size());
     if (size == 0) return true;
     if (jack_ringbuffer_write_space(queue_) < sizeof size + size) {
@@ -139,6 +144,11 @@ int JackMidiPort::process(unsigned frames, void* self) {
     else
         port->transmit(frames);
     return 0;
+}
+
+void JackMidiPort::shutDown(void* self) {
+    // JACK's thread, and the client is gone: note it, nothing more.
+    static_cast<JackMidiPort*>(self)->serverGone_.store(true, std::memory_order_release);
 }
 
 void JackMidiPort::receive(unsigned frames) {

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <vector>
@@ -37,8 +38,11 @@ public:
     // an input, their inputs for an output.
     QStringList peers() const;
     bool connectTo(const QString& peer, QString* error);
-    // Queues one complete message for the next cycle; false with `error` when the queue is full.
+    // Queues one complete message for the next cycle; false with `error` when the queue is full
+    // or the JACK server has stopped.
     bool send(const QByteArray& message, QString* error);
+    // Whether the JACK server has stopped or dropped this client.
+    bool serverGone() const { return serverGone_.load(std::memory_order_acquire); }
 
     struct Ports {
         QStringList outputs; // what an input can read from
@@ -50,6 +54,7 @@ public:
 private:
     JackMidiPort() = default;
     static int process(unsigned frames, void* self);
+    static void shutDown(void* self);
     void receive(unsigned frames);
     void transmit(unsigned frames);
     void deliver(const unsigned char* bytes, std::size_t size);
@@ -65,6 +70,7 @@ private:
     std::vector<unsigned char> sysex_;
     std::size_t sysexSize_ = 0;
     bool inSysex_ = false;
+    std::atomic<bool> serverGone_{false};
 };
 
 } // namespace ferrule

@@ -1,12 +1,14 @@
 // The transport's JACK ports on a JACK server of the test's own: what leaves an output arrives
-// whole and in order, a system-exclusive message sent in pieces arrives as one, and a port
-// closed while messages are under way goes away cleanly, again and again.
+// whole and in order, a system-exclusive message sent in pieces arrives as one, a port closed
+// while messages are under way goes away cleanly, again and again, and an output whose server
+// has stopped says so instead of taking messages nobody will send.
 
 #include "JackServer.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
 
 #include <QSignalSpy>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -35,7 +37,7 @@ QList<QByteArray> receive(MidiInput& input, int count, int timeoutMs = 10000) {
 
 } // namespace
 
-TEST(JackPort, MessagesArriveWholeAndInOrderAndAPortClosesCleanlyMidWay) {
+TEST(JackPort, MessagesArriveWholeAndInOrderPortsCloseCleanlyAndAStoppedServerIsReported) {
     JackServer jack;
     ASSERT_TRUE(jack.running()) << qPrintable(jack.log());
     qputenv("JACK_DEFAULT_SERVER",
@@ -85,4 +87,14 @@ TEST(JackPort, MessagesArriveWholeAndInOrderAndAPortClosesCleanlyMidWay) {
     for (int i = 0; i < got.size(); ++i)
         ASSERT_EQ(got[i], sent[i]) << "message " << i;
     EXPECT_EQ(input.dropped(), 0u);
+
+    // The server stops: the output refuses the next messages and says why.
+    jack.stop();
+    bool refused = false;
+    for (int i = 0; i < 500 && !refused; ++i) {
+        refused = !output.send(QByteArray(1, char(0xF8)), &error);
+        QTest::qWait(10);
+    }
+    EXPECT_TRUE(refused);
+    EXPECT_EQ(error, QStringLiteral("the JACK server has stopped"));
 }

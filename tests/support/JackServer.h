@@ -33,7 +33,10 @@ public:
             start(all);
         }
     }
-    ~JackServer() {
+    ~JackServer() { stop(); }
+    // Ends the server, as a user quitting it would.
+    void stop() {
+        if (jackd_.state() == QProcess::NotRunning) return;
         jackd_.terminate();
         if (!jackd_.waitForFinished(5000)) jackd_.kill();
         jackd_.waitForFinished(2000);
