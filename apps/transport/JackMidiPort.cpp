@@ -17,10 +17,16 @@ constexpr std::size_t kLongestSysex = 1 << 16;
 
 void silent(const char*) {}
 
+// A client of the running server, never starting one; nullptr with `error` set when none runs.
 // JACK prints its complaints to stderr; the programs say what went wrong once, in their words.
-void quietJack() {
+jack_client_t* openClient(const QString& name, QString* error) {
     jack_set_error_function(silent);
     jack_set_info_function(silent);
+    jack_status_t status{};
+    jack_client_t* client =
+        jack_client_open(name.toLocal8Bit().constData(), JackNoStartServer, &status);
+    if (!client && error) *error = QStringLiteral("no JACK server runs");
+    return client;
 }
 
 QStringList portNames(jack_client_t* client, unsigned long flags) {
@@ -42,18 +48,12 @@ bool isRealTime(unsigned char status) {
 std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, const QString& portName,
                                                  Direction direction, QString* error,
                                                  Receiver receiver, void* context) {
-    quietJack();
     std::unique_ptr<JackMidiPort> port(new JackMidiPort);
     port->direction_ = direction;
     port->receiver_ = receiver;
     port->context_ = context;
-    jack_status_t status{};
-    port->client_ =
-        jack_client_open(clientName.toLocal8Bit().constData(), JackNoStartServer, &status);
-    if (!port->client_) {
-        if (error) *error = QStringLiteral("no JACK server runs");
-        return nullptr;
-    }
+    port->client_ = openClient(clientName, error);
+    if (!port->client_) return nullptr;
     if (direction == Direction::Out) {
         port->queue_ = jack_ringbuffer_create(kQueueBytes);
         if (!port->queue_) {
@@ -122,19 +122,20 @@ bool JackMidiPort::send(const QByteArray& message, QString* error) {
 }
 
 JackMidiPort::Ports JackMidiPort::list(const QString& clientName, QString* error) {
-    quietJack();
     Ports ports;
-    jack_status_t status{};
-    jack_client_t* client =
-        jack_client_open(clientName.toLocal8Bit().constData(), JackNoStartServer, &status);
-    if (!client) {
-        if (error) *error = QStringLiteral("no JACK server runs");
-        return ports;
-    }
+    jack_client_t* client = openClient(clientName, error);
+    if (!client) return ports;
     ports.outputs = portNames(client, JackPortIsOutput);
     ports.inputs = portNames(client, JackPortIsInput);
     jack_client_close(client);
     return ports;
+}
+
+bool JackMidiPort::serverRuns(QString* why) {
+    jack_client_t* client = openClient(QStringLiteral("ferrule-probe"), why);
+    if (!client) return false;
+    jack_client_close(client);
+    return true;
 }
 
 int JackMidiPort::process(unsigned frames, void* self) {

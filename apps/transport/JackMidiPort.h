@@ -50,6 +50,8 @@ public:
     };
     // The MIDI ports of the running JACK server, seen from a client named `clientName`.
     static Ports list(const QString& clientName, QString* error);
+    // Whether a JACK server runs now, without starting one; `why` says so when none does.
+    static bool serverRuns(QString* why);
 
 private:
     JackMidiPort() = default;

@@ -4,15 +4,12 @@
 #include "QuietStderr.h"
 
 #include <RtMidi.h>
-#include <jack/jack.h>
 
 #include <memory>
 
 namespace ferrule {
 
 namespace {
-
-void silent(const char*) {}
 
 template <typename Port> QStringList portNames(Port& port) {
     QStringList names;
@@ -44,19 +41,7 @@ QList<MidiApi> compiledMidiApis() {
 }
 
 bool midiSystemRuns(MidiApi api, QString* why) {
-    if (api == MidiApi::Jack) {
-        // RtMidi only warns when no JACK server runs; ask JACK itself, quietly.
-        jack_set_error_function(silent);
-        jack_set_info_function(silent);
-        jack_status_t status{};
-        jack_client_t* client = jack_client_open("ferrule-probe", JackNoStartServer, &status);
-        if (!client) {
-            if (why) *why = QStringLiteral("no JACK server runs");
-            return false;
-        }
-        jack_client_close(client);
-        return true;
-    }
+    if (api == MidiApi::Jack) return JackMidiPort::serverRuns(why);
     try {
         QuietStderr quiet;
         RtMidiIn probe(RtMidi::LINUX_ALSA, "ferrule-probe");
@@ -81,13 +66,14 @@ std::optional<MidiApi> defaultMidiApi(QString* why) {
 
 MidiPortList listMidiPorts(MidiApi api, const QString& clientName) {
     MidiPortList list;
-    if (!midiSystemRuns(api, &list.error)) return list;
     if (api == MidiApi::Jack) {
+        // Listing opens a client, which says by itself when no server runs.
         const JackMidiPort::Ports ports = JackMidiPort::list(clientName, &list.error);
         list.inputs = ports.outputs;
         list.outputs = ports.inputs;
         return list;
     }
+    if (!midiSystemRuns(api, &list.error)) return list;
     try {
         QuietStderr quiet;
         RtMidiIn in(RtMidi::LINUX_ALSA, clientName.toStdString());
