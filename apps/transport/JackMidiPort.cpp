@@ -1,10 +1,17 @@
 #include "JackMidiPort.h"
 
+#include "LinkEvents.h"
+
+#include <QPointer>
+
 #include <jack/midiport.h>
+
+#include <algorithm>
 
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <unistd.h>
 
 namespace ferrule {
 
@@ -17,9 +24,25 @@ constexpr std::size_t kLongestSysex = 1 << 16;
 
 void silent(const char*) {}
 
+// Every port of this process that holds a client. Only the Qt thread opens and closes ports.
+std::vector<JackMidiPort*>& livePorts() {
+    static std::vector<JackMidiPort*> ports;
+    return ports;
+}
+
+} // namespace
+
+void closeStoppedClients() {
+    for (JackMidiPort* port : livePorts())
+        if (port->serverGone_.load(std::memory_order_acquire)) port->release();
+}
+
+namespace {
+
 // A client of the running server, never starting one; nullptr with `error` set when none runs.
 // JACK prints its complaints to stderr; the programs say what went wrong once, in their words.
 jack_client_t* openClient(const QString& name, QString* error) {
+    closeStoppedClients();
     jack_set_error_function(silent);
     jack_set_info_function(silent);
     jack_status_t status{};
@@ -63,10 +86,20 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
     } else {
         port->sysex_.resize(kLongestSysex);
     }
+    livePorts().push_back(port.get());
+    // A stopped server's clients are closed as soon as the Qt thread hears of the stop: a
+    // client left open blocks other programs' clients of the restarted server.
+    static QPointer<LinkEvents> closing;
+    if (closing != LinkEvents::instance()) {
+        closing = LinkEvents::instance();
+        QObject::connect(closing, &LinkEvents::changed, closing, &closeStoppedClients);
+    }
     port->port_ = jack_port_register(
         port->client_, portName.toLocal8Bit().constData(), JACK_DEFAULT_MIDI_TYPE,
         direction == Direction::In ? JackPortIsInput : JackPortIsOutput, 0);
     jack_on_shutdown(port->client_, &JackMidiPort::shutDown, port.get());
+    jack_set_port_registration_callback(port->client_, &JackMidiPort::graphChanged, port.get());
+    jack_set_port_connect_callback(port->client_, &JackMidiPort::connectionChanged, port.get());
     if (!port->port_ ||
         jack_set_process_callback(port->client_, &JackMidiPort::process, port.get()) != 0 ||
         jack_activate(port->client_) != 0) {
@@ -78,20 +111,46 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
 }
 
 JackMidiPort::~JackMidiPort() {
-    if (client_) {
-        // After jack_deactivate returns, the process function runs no more.
-        jack_deactivate(client_);
-        if (port_) jack_port_unregister(client_, port_);
-        jack_client_close(client_);
-    }
+    release();
+    auto& ports = livePorts();
+    ports.erase(std::remove(ports.begin(), ports.end(), this), ports.end());
     if (queue_) jack_ringbuffer_free(queue_);
 }
 
+void JackMidiPort::release() {
+    if (!client_) return;
+    // After jack_deactivate returns, the process function runs no more. A client whose server
+    // has gone has no port left to unregister.
+    jack_deactivate(client_);
+    if (port_ && !serverGone_.load(std::memory_order_acquire)) jack_port_unregister(client_, port_);
+    jack_client_close(client_);
+    client_ = nullptr;
+    port_ = nullptr;
+    serverGone_.store(true, std::memory_order_release);
+}
+
+bool JackMidiPort::linked(QString* why) const {
+    if (serverGone()) {
+        if (why) *why = QStringLiteral("the JACK server has stopped");
+        return false;
+    }
+    if (jack_port_connected(port_) <= 0) {
+        if (why) *why = QStringLiteral("not connected to any port");
+        return false;
+    }
+    return true;
+}
+
 QStringList JackMidiPort::peers() const {
+    if (serverGone()) return {};
     return portNames(client_, direction_ == Direction::In ? JackPortIsOutput : JackPortIsInput);
 }
 
 bool JackMidiPort::connectTo(const QString& peer, QString* error) {
+    if (serverGone()) {
+        if (error) *error = QStringLiteral("the JACK server has stopped");
+        return false;
+    }
     const QByteArray ours = jack_port_name(port_);
     const QByteArray theirs = peer.toLocal8Bit();
     const int result = direction_ == Direction::In
@@ -99,6 +158,14 @@ bool JackMidiPort::connectTo(const QString& peer, QString* error) {
                            : jack_connect(client_, ours.constData(), theirs.constData());
     if (result != 0 && result != EEXIST) {
         if (error) *error = QStringLiteral("JACK could not connect to \"%1\"").arg(peer);
+        return false;
+    }
+    // The server takes a new connection into its graph at the start of a cycle; until then the
+    // port does not count as connected. Wait for that, at most a few hundred cycles.
+    for (int i = 0; i < 500 && jack_port_connected(port_) <= 0 && !serverGone(); ++i)
+        usleep(1000);
+    if (jack_port_connected(port_) <= 0) {
+        if (error) *error = QStringLiteral("JACK did not connect to \"%1\"").arg(peer);
         return false;
     }
     return true;
@@ -148,8 +215,17 @@ int JackMidiPort::process(unsigned frames, void* self) {
 }
 
 void JackMidiPort::shutDown(void* self) {
-    // JACK's thread, and the client is gone: note it, nothing more.
+    // JACK's thread, and the client is gone: note it and wake the Qt thread, nothing more.
     static_cast<JackMidiPort*>(self)->serverGone_.store(true, std::memory_order_release);
+    LinkEvents::notify();
+}
+
+void JackMidiPort::graphChanged(jack_port_id_t, int, void*) {
+    LinkEvents::notify();
+}
+
+void JackMidiPort::connectionChanged(jack_port_id_t, jack_port_id_t, int, void*) {
+    LinkEvents::notify();
 }
 
 void JackMidiPort::receive(unsigned frames) {

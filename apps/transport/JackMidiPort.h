@@ -18,6 +18,13 @@ namespace ferrule {
 // its own thread, once per cycle; that function neither waits nor allocates. Closing deactivates
 // the client before anything the process function uses is freed, so that a port can be closed at
 // any moment, also while messages are under way.
+//
+// A client whose server has stopped must be closed before this process opens any other JACK
+// client: libjack keeps the server's shared memory per process, and closing the old client after
+// a new one has reached a restarted server crashes inside jack_client_close. So every client of
+// the process is known here, and opening a client first closes those whose server has gone.
+// Changes of the server and its graph (a stop, a port registered or gone, a connection made or
+// broken) are passed on to LinkEvents.
 class JackMidiPort {
 public:
     enum class Direction { In, Out };
@@ -42,7 +49,10 @@ public:
     // or the JACK server has stopped.
     bool send(const QByteArray& message, QString* error);
     // Whether the JACK server has stopped or dropped this client.
-    bool serverGone() const { return serverGone_.load(std::memory_order_acquire); }
+    bool serverGone() const { return !client_ || serverGone_.load(std::memory_order_acquire); }
+    // Whether messages can reach another program: the server runs and the port is connected to
+    // another port. False with `why` set otherwise.
+    bool linked(QString* why) const;
 
     struct Ports {
         QStringList outputs; // what an input can read from
@@ -57,6 +67,11 @@ private:
     JackMidiPort() = default;
     static int process(unsigned frames, void* self);
     static void shutDown(void* self);
+    static void graphChanged(jack_port_id_t, int, void*);
+    static void connectionChanged(jack_port_id_t, jack_port_id_t, int, void*);
+    // Closes the client (once); what is left refuses every message.
+    void release();
+    friend void closeStoppedClients();
     void receive(unsigned frames);
     void transmit(unsigned frames);
     void deliver(const unsigned char* bytes, std::size_t size);

@@ -110,7 +110,16 @@ bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QStrin
         return false;
     }
     portName_ = portName;
+    own_ = true;
     return true;
+}
+
+bool MidiInput::linked(QString* why) const {
+    if (!isOpen()) {
+        if (why) *why = QStringLiteral("the MIDI input port is not open");
+        return false;
+    }
+    return linkedPort(jack_.get(), in_.get(), own_, portName_, true, why);
 }
 
 bool MidiInput::isOpen() const {

@@ -31,6 +31,9 @@ public:
                      QString* error);
     bool isOpen() const;
     QString portName() const { return portName_; }
+    // Whether messages can still pass: the MIDI system runs and, for another program's port,
+    // that port is still there and connected to ours. False with `why` naming what is gone.
+    bool linked(QString* why) const;
     // Messages lost because the ring was full.
     std::size_t dropped() const { return ring_.dropped(); }
 
@@ -49,6 +52,7 @@ private:
     int wakeFd_ = -1;
     QSocketNotifier* notifier_ = nullptr;
     QString portName_;
+    bool own_ = false; // a port of our own, not a connection to another program's
 };
 
 } // namespace ferrule

@@ -62,7 +62,16 @@ bool MidiOutput::openVirtual(MidiApi api, const QString& clientName, const QStri
         return false;
     }
     portName_ = portName;
+    own_ = true;
     return true;
+}
+
+bool MidiOutput::linked(QString* why) const {
+    if (!isOpen()) {
+        if (why) *why = QStringLiteral("the MIDI output port is not open");
+        return false;
+    }
+    return linkedPort(jack_.get(), out_.get(), own_, portName_, false, why);
 }
 
 bool MidiOutput::isOpen() const {
@@ -71,10 +80,9 @@ bool MidiOutput::isOpen() const {
 }
 
 bool MidiOutput::send(const QByteArray& message, QString* error) {
-    if (!isOpen()) {
-        if (error) *error = QStringLiteral("the MIDI output port is not open");
-        return false;
-    }
+    // A message that would reach nobody is refused, so that nothing is counted as sent that
+    // did not leave towards the device.
+    if (!linked(error)) return false;
     if (jack_) return jack_->send(message, error);
     try {
         std::vector<unsigned char> bytes(message.begin(), message.end());

@@ -29,6 +29,9 @@ public:
                      QString* error);
     bool isOpen() const;
     QString portName() const { return portName_; }
+    // Whether messages can still pass: the MIDI system runs and, for another program's port,
+    // that port is still there and connected to ours. False with `why` naming what is gone.
+    bool linked(QString* why) const;
     // Sends one complete message; false with `error` set on failure.
     bool send(const QByteArray& message, QString* error);
 
@@ -38,6 +41,7 @@ private:
     std::unique_ptr<RtMidiOut> out_;
     std::unique_ptr<JackMidiPort> jack_;
     QString portName_;
+    bool own_ = false; // a port of our own, not a connection to another program's
 };
 
 } // namespace ferrule

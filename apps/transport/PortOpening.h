@@ -54,6 +54,32 @@ inline QString connectNamedPort(JackMidiPort& port, const QString& nameOrNumber,
     return names[chosen];
 }
 
+// Whether messages still pass through an open port: the MIDI system runs and, unless the port
+// is our own, the other program's port `peer` is still there (and, on JACK, still connected).
+// False with `why` naming what is gone.
+template <class Port>
+bool linkedPort(const JackMidiPort* jack, Port* alsa, bool own, const QString& peer, bool input,
+                QString* why) {
+    const QString gone = QStringLiteral("the MIDI %1 port \"%2\" is gone")
+                             .arg(input ? QStringLiteral("input") : QStringLiteral("output"), peer);
+    if (jack) {
+        QString reason;
+        if (jack->linked(&reason) || (own && !jack->serverGone())) return true;
+        if (why) *why = jack->serverGone() ? reason : gone;
+        return false;
+    }
+    if (own || !alsa) return alsa != nullptr;
+    // ALSA through RtMidi tells nothing when a port goes away; the port list is asked instead,
+    // which costs a few system calls.
+    try {
+        for (unsigned i = 0; i < alsa->getPortCount(); ++i)
+            if (QString::fromStdString(alsa->getPortName(i)) == peer) return true;
+    } catch (const RtMidiError&) {
+    }
+    if (why) *why = gone;
+    return false;
+}
+
 // Opens a port of our own that other programs connect to; false with `error` set.
 template <class Port> bool openOwnPort(Port& port, const QString& portName, QString* error) {
     try {

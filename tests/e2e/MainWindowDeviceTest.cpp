@@ -4,6 +4,7 @@
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "JackServer.h"
+#include "MonitorCounts.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
 #include "device/DumpMap.h"
@@ -28,15 +29,6 @@ bool waitForEnd(MainWindow& w, int timeoutMs) {
     QSignalSpy spy(&w.device(), &DeviceSession::finished);
     if (!spy.wait(timeoutMs)) return false;
     return spy.first().first().toBool();
-}
-
-int dataSetsOut(MidiMonitorModel* m) {
-    int n = 0;
-    for (int row = 0; row < m->rowCount(); ++row)
-        if (m->data(m->index(row, MidiMonitorModel::Direction), Qt::DisplayRole) == "out" &&
-            m->data(m->index(row, MidiMonitorModel::Command), Qt::DisplayRole) == "data set")
-            ++n;
-    return n;
 }
 
 } // namespace

@@ -41,6 +41,18 @@ public:
         if (!jackd_.waitForFinished(5000)) jackd_.kill();
         jackd_.waitForFinished(2000);
     }
+    // Starts the stopped server again under the same name, as a user would.
+    bool restart() {
+        stop();
+        running_ = false;
+        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+        all.insert(env_);
+        for (int attempt = 0; attempt < 4 && !running_; ++attempt) {
+            if (attempt > 0) QThread::msleep(300 * attempt);
+            start(all);
+        }
+        return running_;
+    }
     JackServer(const JackServer&) = delete;
     JackServer& operator=(const JackServer&) = delete;
 

@@ -1,5 +1,6 @@
 #include "DeviceRuns.h"
 
+#include "LinkWatch.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
 #include "PacedOutput.h"
@@ -104,6 +105,13 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
         QCoreApplication::exit(kExitDevice);
     });
     QObject::connect(&receiver, &DumpReceiver::finished, [](bool) { QCoreApplication::exit(0); });
+    // A port or a MIDI system that goes away ends the run at once, named as what it is.
+    LinkWatch watch;
+    QObject::connect(&watch, &LinkWatch::lost, &receiver, [&](const QString& why) {
+        error = why;
+        QCoreApplication::exit(kExitDevice);
+    });
+    watch.watch(&input, options.request ? &output : nullptr);
     receiver.start();
     if (QCoreApplication::exec() != 0) return fail(kExitDevice, error);
     if (!receiver.error().isEmpty()) return fail(kExitDevice, receiver.error());

@@ -6,10 +6,10 @@
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "host/PlugInInterface.h"
-#include "settings/SettingsStore.h"
 #include "io/AtomicFile.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/PlugInEditor.h"
+#include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
 #include "ui/FailedSaveDialog.h"
 

@@ -108,7 +108,8 @@ void HeadlessRun::reportTransmission() {
     if (pipeline_.failed()) {
         std::fprintf(stderr, "ferrule-host: the transmission stopped: %s; sent %s\n",
                      qPrintable(pipeline_.failure()), qPrintable(pipeline_.deliveryReport()));
-        status_ = 1;
+        // The device's link failing is exit 3, as for every MIDI fault; a file that fails is 1.
+        status_ = pipeline_.linkFailed() ? 3 : 1;
         close(editor_);
         return;
     }

@@ -65,7 +65,8 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     QString why;
     if (midi_ && midi_->isOpen()) {
         if (!midi_->send(message, &why)) {
-            fail(QStringLiteral("MIDI output port %1: %2").arg(midi_->portName(), why));
+            linkFailed_ = true;
+            fail(why);
             throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
         }
         ++midiMessages_;

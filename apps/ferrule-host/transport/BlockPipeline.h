@@ -43,6 +43,8 @@ public:
     // Whether an output has failed, and why (the system's reason).
     bool failed() const { return !failure_.isEmpty(); }
     QString failure() const { return failure_; }
+    // Whether it was the MIDI link that failed (the port or the MIDI system gone), not the file.
+    bool linkFailed() const { return linkFailed_; }
     // What reached each output: "12 messages (3,456 bytes) to MIDI port X; 11 messages (...) to
     // FILE".
     QString deliveryReport() const;
@@ -82,6 +84,7 @@ private:
     int failures_ = 0;
     int idleCalls_ = 0;
     QString failure_;
+    bool linkFailed_ = false;
     int midiMessages_ = 0, syxMessages_ = 0;
     qint64 midiBytes_ = 0, syxBytes_ = 0;
 };

@@ -1,6 +1,7 @@
 #include "DeviceSession.h"
 
 #include "DumpReceiver.h"
+#include "TimeLeft.h"
 #include "WireTime.h"
 #include "device/DefaultImage.h"
 #include "device/DumpMap.h"
@@ -10,8 +11,14 @@ namespace ferrule {
 
 namespace {
 
+constexpr int kReconnectEveryMs = 1000;
+
 ImageBytes bytesOf(const QByteArray& image) {
     return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
+}
+
+QString clock(const QDateTime& at) {
+    return at.toString(QStringLiteral("HH:mm:ss"));
 }
 
 } // namespace
@@ -25,52 +32,135 @@ DeviceSession::DeviceSession(QObject* parent)
         }
         return output_->send(m, why);
     }) {
+    reconnectTimer_.setInterval(kReconnectEveryMs);
+    connect(&reconnectTimer_, &QTimer::timeout, this, &DeviceSession::reconnect);
+    connect(&watch_, &LinkWatch::lost, this, &DeviceSession::portLost);
     connect(&paced_, &PacedOutput::messageSent, this, [this](const QByteArray& m) {
         emit messageOut(m);
         if (operation_ != Operation::Send) return;
+        ++opMessages_;
         done_ += m.size();
-        const qint64 left = total_ - done_;
-        emit progress(done_, total_, qint64(wireTimeMs(left)));
+        doneWireMs_ += wireTimeMs(m.size()) + gapMs_;
+        TimeLeft t;
+        t.doneWireMs = doneWireMs_;
+        t.doneExchanges = opMessages_;
+        t.elapsedMs = double(paced_.nowNs() - startNs_) / 1e6;
+        t.leftWireMs = wireTimeMs(total_ - done_) + double(opTotalMessages_ - opMessages_) * gapMs_;
+        t.leftExchanges = opTotalMessages_ - opMessages_;
+        emit progress(done_, total_, t.ms());
     });
     connect(&paced_, &PacedOutput::drained, this, [this] {
         if (operation_ != Operation::Send) return;
-        known_ = sending_;
+        known_ = {Knowledge::Kind::Sent, sending_, QDateTime::currentDateTime(), {}};
         end(true, QStringLiteral("sent %1 messages, %2 bytes to %3")
-                      .arg(paced_.sentMessages())
+                      .arg(opMessages_)
                       .arg(done_)
                       .arg(outputName()));
     });
     connect(&paced_, &PacedOutput::failed, this, [this](const QString& why) {
-        // What left before the failure is on the device; what did not is unknown.
-        known_.reset();
-        end(false, QStringLiteral("sending stopped after %1 of %2 bytes: %3")
-                       .arg(done_)
-                       .arg(total_)
-                       .arg(why));
+        if (operation_ == Operation::Send) {
+            // What left before the failure may be on the device; what did not is not.
+            forgetDevice(QStringLiteral("a send stopped part way at %1")
+                             .arg(clock(QDateTime::currentDateTime())));
+            end(false, QStringLiteral("%1; %2").arg(why, sentSoFar()));
+        } else if (receiver_) {
+            receiver_->disconnect(this);
+            receiver_.reset();
+            end(false, QStringLiteral("the request could not be sent: %1").arg(why));
+        }
     });
 }
 
-DeviceSession::~DeviceSession() = default;
+DeviceSession::~DeviceSession() {
+    watch_.clear();
+}
 
-bool DeviceSession::openPorts(MidiApi api, const QString& input, const QString& output,
-                              QString* error) {
-    closePorts();
-    if (!input.isEmpty()) {
+bool DeviceSession::openSide(MidiApi api, const QString& name, bool input, QString* error) {
+    // Said in the window's words: which port is not there, or which MIDI system does not run.
+    const MidiPortList list = listMidiPorts(api, QStringLiteral("ferrule-host"));
+    if (!list.error.isEmpty()) {
+        *error = list.error;
+        return false;
+    }
+    if (choosePort(input ? list.inputs : list.outputs, name) < 0) {
+        *error = QStringLiteral("the MIDI %1 port \"%2\" is not there")
+                     .arg(input ? QStringLiteral("input") : QStringLiteral("output"), name);
+        return false;
+    }
+    if (input) {
         auto in = std::make_unique<MidiInput>();
-        if (!in->open(api, QStringLiteral("ferrule-host"), input, error)) return false;
+        if (!in->open(api, QStringLiteral("ferrule-host"), name, error)) return false;
         connect(in.get(), &MidiInput::messageReceived, this, &DeviceSession::messageIn);
         input_ = std::move(in);
-    }
-    if (!output.isEmpty()) {
-        auto out = std::make_unique<MidiOutput>();
-        if (!out->open(api, QStringLiteral("ferrule-host"), output, error)) return false;
+    } else {
+        auto out = std::make_shared<MidiOutput>();
+        if (!out->open(api, QStringLiteral("ferrule-host"), name, error)) return false;
         output_ = std::move(out);
     }
     return true;
 }
 
+bool DeviceSession::openPorts(MidiApi api, const QString& input, const QString& output,
+                              QString* error) {
+    closePorts();
+    api_ = api;
+    chosenIn_ = input;
+    chosenOut_ = output;
+    const bool ok = reconnect();
+    if (!ok && error) *error = linkProblem_;
+    return ok;
+}
+
+bool DeviceSession::reconnect() {
+    const bool hadIn = hasInput(), hadOut = hasOutput();
+    const QString hadProblem = linkProblem_;
+    QString error;
+    bool ok = true;
+    if (!chosenIn_.isEmpty() && !input_) ok = openSide(api_, chosenIn_, true, &error);
+    if (ok && !chosenOut_.isEmpty() && !output_) ok = openSide(api_, chosenOut_, false, &error);
+    linkProblem_ = ok ? QString() : error;
+    if (ok)
+        reconnectTimer_.stop();
+    else if (!reconnectTimer_.isActive())
+        reconnectTimer_.start();
+    watchPorts();
+    if (hadIn != hasInput() || hadOut != hasOutput() || hadProblem != linkProblem_)
+        emit linkChanged();
+    return ok;
+}
+
+void DeviceSession::watchPorts() {
+    watch_.watch(input_.get(), output_.get());
+}
+
+void DeviceSession::portLost(const QString& why, bool input) {
+    const bool needed = input ? operation_ == Operation::Receive || operation_ == Operation::Request
+                              : operation_ == Operation::Send || operation_ == Operation::Request;
+    if (needed) {
+        paced_.clear();
+        if (receiver_) {
+            receiver_->disconnect(this);
+            receiver_.reset();
+        }
+        const QString what =
+            operation_ == Operation::Send ? QStringLiteral("; ") + sentSoFar() : QString();
+        operation_ = Operation::None;
+        emit finished(false, why + what);
+    }
+    // A device reached again may not be the one that was there; what it holds is not known.
+    forgetDevice(QStringLiteral("%1 at %2").arg(why, clock(QDateTime::currentDateTime())));
+    if (input)
+        input_.reset();
+    else
+        output_.reset();
+    linkProblem_ = why;
+    watchPorts();
+    reconnectTimer_.start();
+    emit linkChanged();
+}
+
 void DeviceSession::setHeader(int model, const QByteArray& header) {
-    if (model != model_) known_.reset();
+    if (model != model_) forgetDevice();
     model_ = model;
     header_ = header;
 }
@@ -78,32 +168,40 @@ void DeviceSession::setHeader(int model, const QByteArray& header) {
 int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
     if (operation_ != Operation::None || !output_) return 0;
     const QByteArray header = Sysex::headerOr(header_, model_);
+    const bool known = knowsDevice();
     std::vector<QByteArray> messages;
     for (const ScheduledMessage& m : DumpMap::of(model_).transmission()) {
         if (m.start + m.length > image.size()) continue;
         const QByteArray data = m.data(bytesOf(image));
-        if (onlyChanges && known_ && m.data(bytesOf(*known_)) == data) continue;
+        if (onlyChanges && known && m.data(bytesOf(known_.image)) == data) continue;
         messages.push_back(Sysex::frame(header, m.address, data));
     }
     if (messages.empty()) {
-        emit finished(true, QStringLiteral("the device already holds this data"));
+        emit finished(true, known_.kind == Knowledge::Kind::Received
+                                ? QStringLiteral("the device already holds this data")
+                                : QStringLiteral("this data was sent to the device already; "
+                                                 "nothing to send"));
         return 0;
     }
     operation_ = Operation::Send;
     sending_ = image;
     total_ = done_ = 0;
+    opMessages_ = 0;
+    opTotalMessages_ = int(messages.size());
+    doneWireMs_ = 0;
+    details_.clear();
     for (const QByteArray& m : messages)
         total_ += m.size();
-    qint64 at = paced_.nowNs();
+    startNs_ = paced_.nowNs();
+    qint64 at = startNs_;
     const qint64 gap = qint64(gapMs_) * 1000000;
     for (const QByteArray& m : messages) {
         paced_.enqueue(m, at);
         at = std::max(at, paced_.nowNs()) + wireTimeNs(m.size()) + gap;
     }
-    const int queued = int(messages.size());
     emit started(operation_);
-    emit progress(0, total_, qint64(wireTimeMs(total_)) + queued * gapMs_);
-    return queued;
+    emit progress(0, total_, qint64(wireTimeMs(total_)) + opTotalMessages_ * gapMs_);
+    return opTotalMessages_;
 }
 
 void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) {
@@ -115,21 +213,22 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
     o.request = request;
     if (timeoutS > 0) o.firstTimeoutMs = o.silenceTimeoutMs = timeoutS * 1000;
     operation_ = request ? Operation::Request : Operation::Receive;
+    details_.clear();
     receiver_ = std::make_unique<DumpReceiver>(o, base, *input_, request ? &paced_ : nullptr);
     total_ = receiver_->assembler().unitsExpected();
-    connect(receiver_.get(), &DumpReceiver::progress, this, [this](int got, int expected) {
-        emit progress(got, expected, qint64(wireTimeMs(expected - got)));
-    });
+    connect(receiver_.get(), &DumpReceiver::progress, this,
+            [this](int got, int expected) { emit progress(got, expected, receiver_->msLeft()); });
     connect(receiver_.get(), &DumpReceiver::finished, this, [this](bool ok) {
         if (ok) {
             received_ = receiver_->assembler().image();
-            known_ = received_;
+            known_ = {Knowledge::Kind::Received, received_, QDateTime::currentDateTime(), {}};
         }
         const QString message = ok ? QStringLiteral("received %1 messages, %2 bytes from %3")
                                          .arg(receiver_->applied())
                                          .arg(receiver_->assembler().unitsReceived())
                                          .arg(inputName())
                                    : receiver_->error();
+        details_ = receiver_->details();
         receiver_.release()->deleteLater();
         end(ok, message);
     });
@@ -137,26 +236,48 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
     receiver_->start();
 }
 
+QString DeviceSession::sentSoFar() const {
+    return QStringLiteral("%1 of %2 messages (%3 of %4 bytes) had left")
+        .arg(opMessages_)
+        .arg(opTotalMessages_)
+        .arg(done_)
+        .arg(total_);
+}
+
 void DeviceSession::stop() {
     if (operation_ == Operation::None) return;
     paced_.clear();
-    if (operation_ == Operation::Send) known_.reset(); // part of it may have left
+    QString message = QStringLiteral("stopped");
+    if (operation_ == Operation::Send) {
+        // Part of it may have left.
+        forgetDevice(QStringLiteral("a send was stopped part way at %1")
+                         .arg(clock(QDateTime::currentDateTime())));
+        message += QStringLiteral(": ") + sentSoFar();
+    }
     if (receiver_) {
         receiver_->disconnect(this);
         receiver_.reset();
     }
-    end(false, QStringLiteral("stopped"));
+    end(false, message);
 }
 
-void DeviceSession::forgetDevice() {
-    known_.reset();
+void DeviceSession::forgetDevice(const QString& why) {
+    known_ = {Knowledge::Kind::Unknown, {}, {}, why};
 }
 
 void DeviceSession::closePorts() {
     stop();
-    known_.reset();
+    forgetDevice();
+    watch_.clear();
+    reconnectTimer_.stop();
+    const bool changed = input_ || output_ || !chosenIn_.isEmpty() || !chosenOut_.isEmpty() ||
+                         !linkProblem_.isEmpty();
     input_.reset();
     output_.reset();
+    chosenIn_.clear();
+    chosenOut_.clear();
+    linkProblem_.clear();
+    if (changed) emit linkChanged();
 }
 
 void DeviceSession::end(bool ok, const QString& message) {

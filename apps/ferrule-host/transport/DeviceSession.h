@@ -1,15 +1,17 @@
 #pragma once
 
+#include "LinkWatch.h"
 #include "MidiApi.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
 #include "PacedOutput.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QObject>
+#include <QTimer>
 
 #include <memory>
-#include <optional>
 
 namespace ferrule {
 
@@ -17,25 +19,51 @@ class DumpReceiver;
 
 // The device as the librarian talks to it: the chosen MIDI ports, and the long operations that
 // use them (send the model's data, send only what the device does not hold yet, receive or
-// request a dump), one at a time, each with progress and an honest end. It remembers what the
-// device is known to hold: what was last received from it or sent to it in this run.
+// request a dump), one at a time, each with progress and an honest end.
+//
+// The ports are watched while they are open: when the MIDI system stops or the device's port
+// goes away, the operation that needs it ends at once and says so, the port is closed, and the
+// session reopens it by itself once it is back. It remembers what is known of the device: what
+// was last received from it, or sent to it (not read back), in this run, and when.
 class DeviceSession : public QObject {
     Q_OBJECT
 public:
     enum class Operation { None, Send, Receive, Request };
 
+    // What is known of the data the device holds.
+    struct Knowledge {
+        enum class Kind { Unknown, Received, Sent };
+        Kind kind = Kind::Unknown;
+        QByteArray image; // Received or Sent: the image
+        QDateTime at;     // when it was received or sent
+        QString why;      // Unknown: why nothing is known, when there is more to say
+    };
+
     explicit DeviceSession(QObject* parent = nullptr);
     ~DeviceSession() override;
 
-    // Opens the ports (an empty name leaves that side closed); false with `error` for the first
-    // that fails.
+    // Opens the ports (an empty name leaves that side closed) and remembers them; false with
+    // `error` for the first that fails. A port that cannot be opened now is tried again while it
+    // stays chosen.
     bool openPorts(MidiApi api, const QString& input, const QString& output, QString* error);
+    // Closes the ports and forgets the choice.
     void closePorts();
+    // Opens again the chosen ports that are not open; true when every chosen port is open.
+    // Tried by itself every second while a chosen port is missing.
+    bool reconnect();
     bool hasInput() const { return input_ != nullptr; }
     bool hasOutput() const { return output_ != nullptr; }
     QString inputName() const { return input_ ? input_->portName() : QString(); }
     QString outputName() const { return output_ ? output_->portName() : QString(); }
-    MidiOutput* output() { return output_.get(); }
+    // The ports chosen, open or not.
+    QString chosenInput() const { return chosenIn_; }
+    QString chosenOutput() const { return chosenOut_; }
+    // Why a chosen port is not open ("the JACK server has stopped", "the MIDI input port … is
+    // gone"); empty when every chosen port is open.
+    QString linkProblem() const { return linkProblem_; }
+    // The output port, kept alive for as long as the caller holds it even if the session lets
+    // it go (the editor's transmission runs while the session watches the port).
+    std::shared_ptr<MidiOutput> sharedOutput() const { return output_; }
 
     void setHeader(int model, const QByteArray& header);
     void setGapMs(int gap) { gapMs_ = gap; }
@@ -48,14 +76,17 @@ public:
     void stop();
 
     Operation busy() const { return operation_; }
-    bool knowsDevice() const { return known_.has_value(); }
+    const Knowledge& knowledge() const { return known_; }
+    bool knowsDevice() const { return known_.kind != Knowledge::Kind::Unknown; }
     // What the device is known to hold; empty when unknown.
-    QByteArray knownImage() const { return known_.value_or(QByteArray()); }
+    QByteArray knownImage() const { return knowsDevice() ? known_.image : QByteArray(); }
     // The image a finished receive produced.
     const QByteArray& received() const { return received_; }
+    // More about the last failure (every missing address range), when there is more.
+    QString lastDetails() const { return details_; }
     // The device was changed elsewhere (the editor's own transmission): what it holds is no
     // longer known.
-    void forgetDevice();
+    void forgetDevice(const QString& why = QString());
 
 signals:
     void started(DeviceSession::Operation operation);
@@ -63,22 +94,38 @@ signals:
     void finished(bool ok, const QString& message);
     void messageIn(const QByteArray& message);
     void messageOut(const QByteArray& message);
+    // A port was lost or came back, or the choice changed.
+    void linkChanged();
 
 private:
     void end(bool ok, const QString& message);
+    void portLost(const QString& why, bool input);
+    bool openSide(MidiApi api, const QString& name, bool input, QString* error);
+    void watchPorts();
+    QString sentSoFar() const;
 
     std::unique_ptr<MidiInput> input_;
-    std::unique_ptr<MidiOutput> output_;
+    std::shared_ptr<MidiOutput> output_;
+    LinkWatch watch_;
+    QTimer reconnectTimer_;
+    MidiApi api_ = MidiApi::Jack;
+    QString chosenIn_, chosenOut_;
+    QString linkProblem_;
     PacedOutput paced_;
     std::unique_ptr<DumpReceiver> receiver_;
     int model_ = 10;
     QByteArray header_;
     int gapMs_ = 20;
     Operation operation_ = Operation::None;
-    std::optional<QByteArray> known_; // the image the device is known to hold
-    QByteArray sending_;              // the image being sent
+    Knowledge known_;
+    QByteArray sending_; // the image being sent
+    // The operation under way: its messages and bytes, and the clock of a send.
+    int opMessages_ = 0, opTotalMessages_ = 0;
     qint64 total_ = 0, done_ = 0;
+    qint64 startNs_ = 0;
+    double doneWireMs_ = 0;
     QByteArray received_;
+    QString details_;
 };
 
 } // namespace ferrule

@@ -3,6 +3,7 @@
 #include "MidiInput.h"
 #include "PacedOutput.h"
 #include "WireTime.h"
+#include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 
 #include <QStringList>
@@ -41,6 +42,50 @@ int DumpReceiver::expectedAnswerBytes(const DumpMap::Range& range) const {
         if (b.inImage && b.address >= range.address && b.end() <= range.end())
             bytes += b.units + int(options_.header.size()) + 7;
     return bytes;
+}
+
+double DumpReceiver::exchangeWireMs(const DumpMap::Range& r) const {
+    const int request = int(options_.requestHeader.size()) + 11;
+    return wireTimeMs(request + expectedAnswerBytes(r));
+}
+
+QString DumpReceiver::rangeName(const DumpMap::Range& r) const {
+    const DumpMap::Block* block = assembler_.map().blockAt(r.address);
+    const int index = block ? block->start : -1;
+    const int model = options_.model;
+    const auto within = [index](int base, int size) {
+        return base >= 0 && index >= base && index < base + size;
+    };
+    if (within(harmonistScaleBase(model), kScaleCount * kScaleLength))
+        return QStringLiteral("the GT-%1 Harmonist user scales").arg(model);
+    if (within(autoRiffPhraseBase(model), kPhraseCount * kPhraseLength))
+        return QStringLiteral("the GT-%1 Auto-Riff user phrases").arg(model);
+    return QStringLiteral("the GT-%1 system settings at %2")
+        .arg(model)
+        .arg(addressText(packedAddress(r.address)));
+}
+
+qint64 DumpReceiver::msLeft() const {
+    TimeLeft t;
+    if (options_.request) {
+        for (std::size_t i = 0; i < ranges_.size(); ++i)
+            (i < rangeIndex_ ? t.doneWireMs : t.leftWireMs) += exchangeWireMs(ranges_[i]);
+        t.doneExchanges = int(rangeIndex_);
+        t.leftExchanges = int(ranges_.size() - rangeIndex_);
+        t.elapsedMs = lastExchangeEndMs_;
+        const double sinceMs = double(clock_.nsecsElapsed()) / 1e6 - lastExchangeEndMs_;
+        return std::max<qint64>(0, t.ms() - qint64(sinceMs));
+    }
+    // A dump the device sends by itself: one exchange a block, at the device's own pace.
+    t.doneWireMs = wireTimeMs(wireBytes_);
+    t.doneExchanges = applied_;
+    t.elapsedMs = double(clock_.nsecsElapsed()) / 1e6;
+    for (const DumpMap::Block& b : assembler_.map().blocks())
+        if (b.inImage && !assembler_.receivedIn(b.address, b.units)) {
+            t.leftWireMs += wireTimeMs(b.units + int(options_.header.size()) + 7);
+            ++t.leftExchanges;
+        }
+    return t.ms();
 }
 
 void DumpReceiver::sendRequest() {
@@ -90,6 +135,7 @@ void DumpReceiver::onMessage(const QByteArray& message) {
         while (rangeIndex_ < ranges_.size() && currentRangeComplete())
             ++rangeIndex_;
         tries_ = 0;
+        lastExchangeEndMs_ = double(clock_.nsecsElapsed()) / 1e6;
         if (rangeIndex_ < ranges_.size()) sendRequest();
     }
 }
@@ -107,12 +153,13 @@ void DumpReceiver::onTimeout() {
             return;
         }
         const DumpMap::Range& r = ranges_[rangeIndex_];
-        finish(QStringLiteral("the device did not answer the request for %1 (%2 bytes) after %3 "
-                              "tries%4; missing %5")
-                   .arg(addressText(packedAddress(r.address)))
-                   .arg(r.units)
+        details_ = QStringLiteral("missing %1").arg(assembler_.missingText(1 << 20));
+        finish(QStringLiteral("no answer for %1 (request %2 of %3, %4 tries)%5")
+                   .arg(rangeName(r))
+                   .arg(rangeIndex_ + 1)
+                   .arg(ranges_.size())
                    .arg(options_.retries + 1)
-                   .arg(counts, assembler_.missingText()));
+                   .arg(counts));
         return;
     }
     if (applied_ == 0) {
@@ -122,10 +169,11 @@ void DumpReceiver::onTimeout() {
                    .arg(counts));
         return;
     }
+    details_ = QStringLiteral("missing %1").arg(assembler_.missingText(1 << 20));
     finish(QStringLiteral("the dump stopped after %1 of %2 bytes%3; missing %4")
                .arg(assembler_.unitsReceived())
                .arg(assembler_.unitsExpected())
-               .arg(counts, assembler_.missingText()));
+               .arg(counts, assembler_.missingText(2)));
 }
 
 void DumpReceiver::finish(const QString& error) {

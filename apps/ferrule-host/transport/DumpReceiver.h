@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TimeLeft.h"
 #include "device/DumpAssembler.h"
 
 #include <QByteArray>
@@ -38,7 +39,13 @@ public:
     void start();
 
     const DumpAssembler& assembler() const { return assembler_; }
+    // Why it failed, in one sentence; empty on success.
     QString error() const { return error_; }
+    // Every address range still missing, whole, for those who want the details.
+    QString details() const { return details_; }
+    // The time the rest takes, from what is left on the wire and what the exchanges so far
+    // have taken beyond their wire time.
+    qint64 msLeft() const;
     int applied() const { return applied_; }
     int foreign() const { return foreign_; }
     int badChecksums() const { return badChecksums_; }
@@ -60,6 +67,8 @@ private:
     bool currentRangeComplete() const;
     void finish(const QString& error);
     int expectedAnswerBytes(const DumpMap::Range& range) const;
+    double exchangeWireMs(const DumpMap::Range& range) const;
+    QString rangeName(const DumpMap::Range& range) const;
 
     Options options_;
     DumpAssembler assembler_;
@@ -72,6 +81,8 @@ private:
     int tries_ = 0;
     bool running_ = false;
     QString error_;
+    QString details_;
+    double lastExchangeEndMs_ = 0; // when the last range completed (request)
     int applied_ = 0, foreign_ = 0, badChecksums_ = 0, rejected_ = 0, requestsSent_ = 0;
     double elapsedMs_ = 0;
     qint64 wireBytes_ = 0;

@@ -5,8 +5,8 @@
 #include "cli/DeviceRuns.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
-#include "settings/SettingsStore.h"
 #include "plugin/EditorWindow.h"
+#include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
 
 #include <QAction>
@@ -36,6 +36,8 @@ namespace {
 // The host's own settings (ports, recent files) sit beside the editor's.
 const QString kHostKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Host");
 constexpr int kRecentFiles = 8;
+// The title of the window's own dialogs.
+const QString kTitle = QStringLiteral("Ferrule");
 
 QString readSetting(const QString& name) {
     QVariant v = QString();
@@ -60,15 +62,33 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     setObjectName(QStringLiteral("FerruleHost"));
     setAcceptDrops(true);
     askSave_ = [this](const QString& text) {
-        return QMessageBox::question(this, QStringLiteral("Tonebench"), text,
+        return QMessageBox::question(this, kTitle, text,
                                      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
                                      QMessageBox::Save);
     };
     askFailed_ = [this](const QString& error) { return askAfterFailedSave(error, this); };
+    askUnknown_ = [this] {
+        QMessageBox box(QMessageBox::Question, kTitle,
+                        QStringLiteral("Nothing is known yet of the data the device holds, so "
+                                       "Send Changes would send every message and replace all "
+                                       "of the device's system settings.\n\nRead the device "
+                                       "first and then send only what differs?"),
+                        QMessageBox::NoButton, this);
+        QPushButton* read =
+            box.addButton(QStringLiteral("Read First (Recommended)"), QMessageBox::AcceptRole);
+        QPushButton* all = box.addButton(QStringLiteral("Send Everything"), QMessageBox::YesRole);
+        box.addButton(QMessageBox::Cancel);
+        box.setDefaultButton(read);
+        box.exec();
+        return box.clickedButton() == read  ? UnknownDeviceAnswer::ReadFirst
+               : box.clickedButton() == all ? UnknownDeviceAnswer::SendEverything
+                                            : UnknownDeviceAnswer::Cancel;
+    };
 
     auto* central = new QWidget(this);
     auto* form = new QFormLayout(central);
-    form->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
+    // Fields keep their size, but for the long texts, which take the width and wrap.
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     modelBox_ = new QComboBox(central);
     modelBox_->setObjectName(QStringLiteral("model"));
     for (int m : kModels)
@@ -86,7 +106,25 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     form->addRow(QStringLiteral("Data:"), summary_);
     deviceState_ = new QLabel(central);
     deviceState_->setObjectName(QStringLiteral("deviceState"));
+    deviceState_->setWordWrap(true);
     form->addRow(QStringLiteral("Device:"), deviceState_);
+    // The ports and the last result are long texts: they wrap instead of being cut.
+    portLabel_ = new QLabel(central);
+    portLabel_->setObjectName(QStringLiteral("portState"));
+    portLabel_->setWordWrap(true);
+    form->addRow(QStringLiteral("MIDI:"), portLabel_);
+    result_ = new QLabel(central);
+    result_->setObjectName(QStringLiteral("result"));
+    result_->setWordWrap(true);
+    result_->setTextFormat(Qt::RichText);
+    connect(result_, &QLabel::linkActivated, this, [this] {
+        QMessageBox box(QMessageBox::Information, kTitle, lastResult_, QMessageBox::Ok, this);
+        box.setDetailedText(device_.lastDetails());
+        box.exec();
+    });
+    form->addRow(QStringLiteral("Last:"), result_);
+    for (QLabel* text : {deviceState_, portLabel_, result_})
+        text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     form->addRow(QString(), editButton_);
     setCentralWidget(central);
 
@@ -106,11 +144,8 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     cancel_ = new QPushButton(QStringLiteral("Cancel"), this);
     cancel_->hide();
     connect(cancel_, &QPushButton::clicked, &device_, &DeviceSession::stop);
-    portLabel_ = new QLabel(this);
-    portLabel_->setObjectName(QStringLiteral("portState"));
     statusBar()->addPermanentWidget(progress_);
     statusBar()->addPermanentWidget(cancel_);
-    statusBar()->addPermanentWidget(portLabel_);
     connect(&device_, &DeviceSession::progress, this,
             [this](qint64 done, qint64 total, qint64 msLeft) {
                 progress_->setRange(0, int(total));
@@ -121,6 +156,10 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
                                          .arg(double(msLeft) / 1000.0, 0, 'f', 1));
             });
     connect(&device_, &DeviceSession::finished, this, &MainWindow::operationFinished);
+    connect(&device_, &DeviceSession::linkChanged, this, [this] {
+        showPorts();
+        refreshState();
+    });
     connect(&device_, &DeviceSession::started, this, [this] {
         progress_->setRange(0, 0);
         refreshState();
@@ -254,14 +293,18 @@ void MainWindow::buildPorts() {
     if (apiIndex >= 0) apiBox_->setCurrentIndex(apiIndex);
     const QString in = !options_.midiIn.isEmpty() ? options_.midiIn : readSetting("MidiIn");
     const QString out = !options_.midiOut.isEmpty() ? options_.midiOut : readSetting("MidiOut");
-    refreshPorts();
     setPorts(in, out);
     auto changed = [this] {
         setPorts(inBox_->currentData().toString(), outBox_->currentData().toString());
     };
     connect(inBox_, &QComboBox::activated, this, changed);
     connect(outBox_, &QComboBox::activated, this, changed);
-    connect(apiBox_, &QComboBox::activated, this, [this] { refreshPorts(); });
+    connect(apiBox_, &QComboBox::activated, this, [this] {
+        // Another MIDI system has other ports: the choice starts again.
+        device_.closePorts();
+        if (const auto a = this->api()) writeSetting(QStringLiteral("MidiApi"), midiApiName(*a));
+        showPorts();
+    });
 }
 
 std::optional<MidiApi> MainWindow::api() const {
@@ -270,8 +313,12 @@ std::optional<MidiApi> MainWindow::api() const {
 }
 
 void MainWindow::refreshPorts() {
-    const QString in = inBox_->currentData().toString();
-    const QString out = outBox_->currentData().toString();
+    device_.reconnect();
+    showPorts();
+}
+
+void MainWindow::showPorts() {
+    // The boxes show the ports there are, and the chosen ones: open, or named as gone.
     inBox_->clear();
     outBox_->clear();
     inBox_->addItem(QStringLiteral("(none)"), QString());
@@ -285,43 +332,48 @@ void MainWindow::refreshPorts() {
         for (const QString& p : list.outputs)
             outBox_->addItem(p, p);
     }
-    inBox_->setCurrentIndex(std::max(0, inBox_->findData(in)));
-    outBox_->setCurrentIndex(std::max(0, outBox_->findData(out)));
+    const auto select = [](QComboBox* box, const QString& open, const QString& chosen) {
+        const QString name = !open.isEmpty() ? open : chosen;
+        if (name.isEmpty()) {
+            box->setCurrentIndex(0);
+            return;
+        }
+        int at = box->findData(name);
+        if (at < 0 || open.isEmpty()) {
+            if (at >= 0) box->removeItem(at);
+            box->addItem(QStringLiteral("%1 (not there)").arg(name), name);
+            at = box->count() - 1;
+        }
+        box->setCurrentIndex(at);
+    };
+    select(inBox_, device_.inputName(), device_.chosenInput());
+    select(outBox_, device_.outputName(), device_.chosenOutput());
     refreshState();
 }
 
 bool MainWindow::setPorts(const QString& input, const QString& output) {
     QString error;
     const std::optional<MidiApi> a = api();
-    // A remembered port that is not there any more is kept in the settings, and said.
-    QStringList missing;
-    const auto pick = [&](QComboBox* box, const QString& name, const char* what) {
-        if (name.isEmpty()) {
-            box->setCurrentIndex(0);
-            return QString();
-        }
-        for (int i = 1; i < box->count(); ++i)
-            if (box->itemData(i).toString().contains(name, Qt::CaseInsensitive)) {
-                box->setCurrentIndex(i);
-                return box->itemData(i).toString();
-            }
-        missing << QStringLiteral("%1 port \"%2\" is not there").arg(QLatin1String(what), name);
-        box->setCurrentIndex(0);
-        return QString();
+    // A name picks the first listed port that contains it; a port not listed now is kept as
+    // chosen, said, and opened as soon as it is there.
+    const MidiPortList list =
+        a ? listMidiPorts(*a, QStringLiteral("ferrule-host")) : MidiPortList();
+    const auto pick = [](const QStringList& ports, const QString& name) {
+        const int at = name.isEmpty() ? -1 : choosePort(ports, name);
+        return at >= 0 ? ports[at] : name;
     };
-    const QString in = pick(inBox_, input, "input");
-    const QString out = pick(outBox_, output, "output");
-    // Ports can only be listed, and so chosen, when a MIDI system runs.
-    if (in.isEmpty() && out.isEmpty())
+    const QString in = pick(list.inputs, input);
+    const QString out = pick(list.outputs, output);
+    bool ok = true;
+    if ((in.isEmpty() && out.isEmpty()) || !a)
         device_.closePorts();
-    else if (!device_.openPorts(*a, in, out, &error))
-        missing << error;
-    portProblem_ = missing.join(QStringLiteral("; "));
+    else
+        ok = device_.openPorts(*a, in, out, &error);
     writeSetting(QStringLiteral("MidiIn"), input);
     writeSetting(QStringLiteral("MidiOut"), output);
     if (a) writeSetting(QStringLiteral("MidiApi"), midiApiName(*a));
-    refreshState();
-    return missing.isEmpty();
+    showPorts();
+    return ok;
 }
 
 QString MainWindow::portState() const {
@@ -329,10 +381,42 @@ QString MainWindow::portState() const {
                         .arg(device_.hasInput() ? device_.inputName() : QStringLiteral("none"),
                              device_.hasOutput() ? device_.outputName() : QStringLiteral("none"));
     QStringList problems;
-    if (!systemProblem_.isEmpty()) problems << systemProblem_;
-    if (!portProblem_.isEmpty()) problems << portProblem_;
+    // A chosen port's problem says more than the listing's.
+    if (!device_.linkProblem().isEmpty())
+        problems << device_.linkProblem();
+    else if (!systemProblem_.isEmpty())
+        problems << systemProblem_;
     if (!problems.isEmpty()) state += QStringLiteral("  (%1)").arg(problems.join("; "));
     return state;
+}
+
+QString MainWindow::deviceStateText() const {
+    using Kind = DeviceSession::Knowledge::Kind;
+    const DeviceSession::Knowledge& k = device_.knowledge();
+    const QString at = k.at.toString(QStringLiteral("HH:mm:ss"));
+    QString text;
+    if (k.kind == Kind::Received)
+        text = k.image == document_.image()
+                   ? QStringLiteral("holds this data (read from it at %1)").arg(at)
+                   : QStringLiteral("holds other data (read from it at %1): Send Changes sends "
+                                    "the difference")
+                         .arg(at);
+    else if (k.kind == Kind::Sent)
+        text = k.image == document_.image()
+                   ? QStringLiteral("was sent this data at %1; not read back").arg(at)
+                   : QStringLiteral("was sent other data at %1; not read back: Send Changes "
+                                    "sends the difference")
+                         .arg(at);
+    else if (!k.why.isEmpty())
+        text = QStringLiteral("not known: %1").arg(k.why);
+    else
+        text = QStringLiteral("not known yet: nothing received from or sent to it in this run");
+    if (!device_.linkProblem().isEmpty())
+        text = k.kind == Kind::Unknown
+                   ? QStringLiteral("not reachable: %1; what it holds is not known")
+                         .arg(device_.linkProblem())
+                   : QStringLiteral("not reachable: %1; it %2").arg(device_.linkProblem(), text);
+    return text;
 }
 
 void MainWindow::refreshState() {
@@ -348,17 +432,27 @@ void MainWindow::refreshState() {
                   .arg(document_.path(), formatName(document_.format()),
                        document_.modified() ? QStringLiteral(", changed") : QString()));
     portLabel_->setText(portState());
-    deviceState_->setText(
-        !device_.knowsDevice()
-            ? QStringLiteral("not known yet: nothing received from or sent to it in this run")
-        : device_.knownImage() == document_.image()
-            ? QStringLiteral("holds this data")
-            : QStringLiteral("holds other data: Send Changes sends the difference"));
+    deviceState_->setText(deviceStateText());
     const bool idle = device_.busy() == DeviceSession::Operation::None;
-    receive_->setEnabled(idle && device_.hasInput());
-    request_->setEnabled(idle && device_.hasInput() && device_.hasOutput());
-    send_->setEnabled(idle && device_.hasOutput());
-    sendChanges_->setEnabled(idle && device_.hasOutput());
+    // A disabled action says why.
+    const QString busy = QStringLiteral("a transfer with the device is running");
+    const QString noIn = device_.chosenInput().isEmpty()
+                             ? QStringLiteral("choose the device's MIDI input port first")
+                             : device_.linkProblem();
+    const QString noOut = device_.chosenOutput().isEmpty()
+                              ? QStringLiteral("choose the device's MIDI output port first")
+                              : device_.linkProblem();
+    const auto enable = [](QAction* action, const QString& why) {
+        action->setEnabled(why.isEmpty());
+        action->setToolTip(why.isEmpty() ? action->text().remove(QLatin1Char('&'))
+                                         : QStringLiteral("Not now: %1").arg(why));
+    };
+    const QString inWhy = !idle ? busy : device_.hasInput() ? QString() : noIn;
+    const QString outWhy = !idle ? busy : device_.hasOutput() ? QString() : noOut;
+    enable(receive_, inWhy);
+    enable(request_, !inWhy.isEmpty() ? inWhy : outWhy);
+    enable(send_, outWhy);
+    enable(sendChanges_, outWhy);
     stop_->setEnabled(!idle);
     // An edit while the device's data arrives would be overwritten by it.
     edit_->setEnabled(idle);
@@ -370,6 +464,10 @@ void MainWindow::refreshState() {
 void MainWindow::say(const QString& message) {
     lastResult_ = message;
     statusBar()->showMessage(message);
+    QString shown = message.toHtmlEscaped();
+    if (!device_.lastDetails().isEmpty() && message.startsWith(QLatin1String("failed")))
+        shown += QStringLiteral(" <a href=\"details\">Details…</a>");
+    result_->setText(shown);
 }
 
 void MainWindow::newDocument() {
@@ -388,7 +486,7 @@ bool MainWindow::openFile(const QString& path) {
         static const QRegularExpression other(QStringLiteral("holds GT-(\\d+) system data"));
         const auto m = other.match(error);
         if (m.hasMatch() &&
-            QMessageBox::question(this, QStringLiteral("Tonebench"),
+            QMessageBox::question(this, kTitle,
                                   QStringLiteral("%1 holds GT-%2 system data.\nSwitch to the "
                                                  "GT-%2 and open it?")
                                       .arg(QFileInfo(path).fileName(), m.captured(1))) ==
@@ -399,7 +497,7 @@ bool MainWindow::openFile(const QString& path) {
     }
     if (!doc) {
         say(error);
-        QMessageBox::warning(this, QStringLiteral("Tonebench"), error);
+        QMessageBox::warning(this, kTitle, error);
         return false;
     }
     document_ = std::move(*doc);
@@ -469,21 +567,22 @@ bool MainWindow::edit() {
         QString error;
         if (!editor_.load(options_.pluginPath, &error)) {
             say(error);
-            QMessageBox::warning(this, QStringLiteral("Tonebench"), error);
+            QMessageBox::warning(this, kTitle, error);
             return false;
         }
         editorLoaded_ = true;
     }
-    BlockPipeline pipeline({options_.sysexHeader, options_.gapMs, {}}, device_.output());
+    const std::shared_ptr<MidiOutput> output = device_.sharedOutput();
+    BlockPipeline pipeline({options_.sysexHeader, options_.gapMs, {}}, output.get());
     QString why;
     pipeline.open(&why);
     connect(&pipeline, &BlockPipeline::messageSent, this, [this](const QByteArray& m) {
         monitor_->model()->add(false, m);
-        device_.forgetDevice();
+        device_.forgetDevice(QStringLiteral("the editor sent data to it"));
     });
     connect(&pipeline, &BlockPipeline::outputFailed, this, [this, &pipeline](const QString& w) {
         stopEditorTransmission(findEditorWindow(), editor_.plugIn());
-        QMessageBox::warning(QApplication::activeModalWidget(), QStringLiteral("Tonebench"),
+        QMessageBox::warning(QApplication::activeModalWidget(), kTitle,
                              QStringLiteral("The transmission stopped: %1.\nSent %2.")
                                  .arg(w, pipeline.deliveryReport()));
     });
@@ -506,6 +605,8 @@ bool MainWindow::edit() {
 }
 
 void MainWindow::startReceive(bool request) {
+    // What arrives replaces the document: unsaved changes are asked about first.
+    if (!sendAfterRead_ && !maybeSave()) return;
     device_.receive(document_.image(), request, options_.timeoutS);
     say(request ? QStringLiteral("requesting the GT-%1's system data…").arg(document_.model())
                 : QStringLiteral("waiting for a dump from the GT-%1: start it on the device")
@@ -514,12 +615,37 @@ void MainWindow::startReceive(bool request) {
 }
 
 void MainWindow::startSend(bool onlyChanges) {
+    if (onlyChanges && !device_.knowsDevice()) {
+        switch (askUnknown_()) {
+        case UnknownDeviceAnswer::ReadFirst:
+            if (!device_.hasInput()) {
+                say(QStringLiteral("not sent: the device cannot be read without its MIDI input "
+                                   "port"));
+                return;
+            }
+            sendAfterRead_ = true;
+            startReceive(true);
+            return;
+        case UnknownDeviceAnswer::SendEverything:
+            break;
+        case UnknownDeviceAnswer::Cancel:
+            return;
+        }
+    }
     const int queued = device_.send(document_.image(), onlyChanges);
     if (queued > 0) say(QStringLiteral("sending %1 messages…").arg(queued));
     refreshState();
 }
 
 void MainWindow::operationFinished(bool ok, const QString& message) {
+    if (sendAfterRead_) {
+        // The device was read only to know what it holds; the document stays as it is.
+        sendAfterRead_ = false;
+        say(ok ? message : QStringLiteral("failed: %1").arg(message));
+        if (ok) startSend(true);
+        refreshState();
+        return;
+    }
     if (ok && !device_.received().isEmpty() && message.startsWith(QLatin1String("received"))) {
         takeImage(device_.received(), message);
     } else {
@@ -544,7 +670,7 @@ bool MainWindow::maybeSave() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
     if (device_.busy() != DeviceSession::Operation::None) {
-        if (QMessageBox::question(this, QStringLiteral("Tonebench"),
+        if (QMessageBox::question(this, kTitle,
                                   QStringLiteral("A transfer with the device is running. Stop it "
                                                  "and close?")) != QMessageBox::Yes) {
             event->ignore();

@@ -46,6 +46,10 @@ public:
     // Questions the window asks, replaceable for tests.
     using AskSave = std::function<QMessageBox::StandardButton(const QString& text)>;
     void setAskSave(AskSave ask) { askSave_ = std::move(ask); }
+    // Send Changes while nothing is known of the device.
+    enum class UnknownDeviceAnswer { ReadFirst, SendEverything, Cancel };
+    using AskUnknownDevice = std::function<UnknownDeviceAnswer()>;
+    void setAskUnknownDevice(AskUnknownDevice ask) { askUnknown_ = std::move(ask); }
     void setAskAfterFailedSave(AskAfterFailedSave ask) { askFailed_ = std::move(ask); }
 
     // The actions, also for tests and scripts.
@@ -55,6 +59,12 @@ public:
     void newDocument();
     bool edit();
     bool setPorts(const QString& input, const QString& output);
+    // Lists the ports again and reopens chosen ports that came back, as Refresh does.
+    void refreshPorts();
+    // Device > Send and Send Changes, as the menu starts them.
+    void startSend(bool onlyChanges);
+    // What the Device line says.
+    QString deviceStateText() const;
     void switchModel(int model);
     // The document's image after an edit elsewhere (the editor, a receive).
     void takeImage(const QByteArray& image, const QString& why);
@@ -67,13 +77,12 @@ protected:
 private:
     void buildActions();
     void buildPorts();
-    void refreshPorts();
+    void showPorts();
     void refreshState();
     void rememberRecent(const QString& path);
     void fillRecentMenu();
     bool maybeSave();
     void startReceive(bool request);
-    void startSend(bool onlyChanges);
     void operationFinished(bool ok, const QString& message);
     void say(const QString& message);
     std::optional<MidiApi> api() const;
@@ -90,6 +99,7 @@ private:
     QComboBox* outBox_ = nullptr;
     QLabel* summary_ = nullptr;
     QLabel* portLabel_ = nullptr;
+    QLabel* result_ = nullptr;
     QLabel* deviceState_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QPushButton* cancel_ = nullptr;
@@ -99,9 +109,10 @@ private:
     QAction *save_ = nullptr, *receive_ = nullptr, *request_ = nullptr, *send_ = nullptr,
             *sendChanges_ = nullptr, *stop_ = nullptr;
     QString lastResult_;
-    QString portProblem_;
     QString systemProblem_;
+    bool sendAfterRead_ = false;
     AskSave askSave_;
+    AskUnknownDevice askUnknown_;
     AskAfterFailedSave askFailed_;
 };
 

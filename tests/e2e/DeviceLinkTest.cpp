@@ -1,0 +1,389 @@
+// The link to the device as a user meets it: a JACK server that stops and comes back while the
+// window holds ports, during a request and during a send; a device whose ports vanish mid-send,
+// in the window and on the command line; a device that falls silent; the question before Send
+// Changes to a device nothing is known of; and the numbers the window shows on the way.
+
+#include "HostOptionsForTests.h"
+#include "HostProcess.h"
+#include "JackServer.h"
+#include "MonitorCounts.h"
+#include "QtPrinters.h"
+#include "device/DumpMap.h"
+#include "device/SysexCodec.h"
+#include "ui/MainWindow.h"
+#include "ui/MidiMonitor.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+using namespace ferrule;
+
+namespace {
+
+struct Result {
+    bool ended = false;
+    bool ok = false;
+    QString message;
+    qint64 atMs = -1; // when it ended, on the caller's clock
+};
+
+// Runs the event loop until the session's operation ends; `during` is called once when
+// `doneShare` of the operation is done.
+template <typename During>
+Result runOperation(MainWindow& w, const QElapsedTimer& clock, double doneShare, During during,
+                    int timeoutMs = 60000) {
+    Result r;
+    bool called = false;
+    const auto progress = QObject::connect(
+        &w.device(), &DeviceSession::progress, &w, [&](qint64 done, qint64 total, qint64) {
+            if (called || total <= 0 || double(done) < doneShare * double(total)) return;
+            called = true;
+            during();
+        });
+    const auto finished = QObject::connect(&w.device(), &DeviceSession::finished, &w,
+                                           [&](bool ok, const QString& message) {
+                                               r = {true, ok, message, clock.elapsed()};
+                                           });
+    static_cast<void>(QTest::qWaitFor([&] { return r.ended; }, timeoutMs));
+    QObject::disconnect(progress);
+    QObject::disconnect(finished);
+    return r;
+}
+
+Result runOperation(MainWindow& w, int timeoutMs = 60000) {
+    QElapsedTimer clock;
+    clock.start();
+    return runOperation(
+        w, clock, 2.0, [] {}, timeoutMs);
+}
+
+QAction* action(MainWindow& w, const QString& text) {
+    for (QAction* a : w.findChildren<QAction*>())
+        if (a->text().remove(QLatin1Char('&')) == text) return a;
+    return nullptr;
+}
+
+QStringList deviceArgs(int model, const QStringList& more = {}) {
+    return QStringList{QStringLiteral("--model"), QString::number(model)} + more;
+}
+
+class DeviceLink : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(jack_.running()) << qPrintable(jack_.log());
+        // The JACK clients of this process must find the test's server.
+        qputenv("JACK_DEFAULT_SERVER",
+                jack_.env().value(QStringLiteral("JACK_DEFAULT_SERVER")).toUtf8());
+    }
+    std::unique_ptr<MainWindow> window(int model) {
+        HostOptions o = hostOptionsForTests(model);
+        o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
+        auto w =
+            std::make_unique<MainWindow>(o, SystemDocument(model, Sysex::defaultHeader(model)));
+        w->setAskSave([](const QString&) { return QMessageBox::Discard; });
+        w->setAskUnknownDevice([] { return MainWindow::UnknownDeviceAnswer::SendEverything; });
+        return w;
+    }
+    JackServer jack_;
+};
+
+} // namespace
+
+TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoAndReconnects) {
+    const int model = 6;
+    auto device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    auto w = window(model);
+    ASSERT_TRUE(w->device().hasInput() && w->device().hasOutput()) << qPrintable(w->portState());
+    auto* inBox = w->findChild<QComboBox*>(QStringLiteral("midiIn"));
+    auto* portLabel = w->findChild<QLabel*>(QStringLiteral("portState"));
+
+    // The server stops with the ports open: the window says so at once, everywhere.
+    QElapsedTimer clock;
+    clock.start();
+    jack_.stop();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !w->device().hasOutput(); }, 3000));
+    const qint64 noticedMs = clock.elapsed();
+    EXPECT_LT(noticedMs, 1000);
+    EXPECT_FALSE(w->device().hasInput());
+    EXPECT_TRUE(portLabel->text().contains("the JACK server has stopped"))
+        << qPrintable(portLabel->text());
+    EXPECT_TRUE(w->deviceStateText().startsWith("not reachable: the JACK server has stopped"))
+        << qPrintable(w->deviceStateText());
+    w->show();
+    QDir().mkpath(QStringLiteral(FERRULE_GALLERY_DIR));
+    w->grab().save(QStringLiteral(FERRULE_GALLERY_DIR "/main-window-server-stopped.png"));
+    for (const QString name : {"Request", "Receive", "Send", "Send Changes"}) {
+        QAction* a = action(*w, name);
+        ASSERT_TRUE(a) << qPrintable(name);
+        EXPECT_FALSE(a->isEnabled()) << qPrintable(name);
+        EXPECT_TRUE(a->toolTip().contains("the JACK server has stopped")) << qPrintable(name);
+    }
+
+    // What the user did when it crashed: Request, Refresh, the server back, Refresh, another
+    // choice in the In box.
+    action(*w, QStringLiteral("Request"))->trigger();
+    EXPECT_EQ(w->device().busy(), DeviceSession::Operation::None);
+    w->refreshPorts();
+    EXPECT_TRUE(inBox->currentText().contains("(not there)")) << qPrintable(inBox->currentText());
+    ASSERT_TRUE(jack_.restart()) << qPrintable(jack_.log());
+    device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    // By itself, within three seconds of the device's ports being there again.
+    clock.restart();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return w->device().hasInput() && w->device().hasOutput(); }, 3000))
+        << qPrintable(w->portState());
+    std::printf("[ measured ] lost noticed after %lld ms, reconnected %lld ms after the device "
+                "was back\n",
+                static_cast<long long>(noticedMs), static_cast<long long>(clock.elapsed()));
+    EXPECT_TRUE(w->device().linkProblem().isEmpty()) << qPrintable(w->device().linkProblem());
+    EXPECT_FALSE(portLabel->text().contains("stopped")) << qPrintable(portLabel->text());
+    EXPECT_TRUE(action(*w, QStringLiteral("Request"))->isEnabled());
+    w->refreshPorts();
+    EXPECT_TRUE(w->setPorts(QString(), QStringLiteral("ferrule-device")));
+    EXPECT_TRUE(w->setPorts(QStringLiteral("ferrule-device"), QStringLiteral("ferrule-device")));
+    EXPECT_EQ(inBox->currentData().toString(), w->device().inputName());
+
+    // A request that works, then one that the server's stop cuts short: the stop is named,
+    // never the device, and soon.
+    w->device().receive(w->document().image(), true);
+    Result r = runOperation(*w);
+    ASSERT_TRUE(r.ok) << qPrintable(r.message);
+    w->device().receive(w->document().image(), true);
+    clock.restart();
+    qint64 stoppedAt = -1;
+    r = runOperation(*w, clock, 0.3, [&] {
+        stoppedAt = clock.elapsed();
+        jack_.stop();
+    });
+    ASSERT_TRUE(r.ended);
+    EXPECT_FALSE(r.ok);
+    EXPECT_EQ(r.message, QStringLiteral("the JACK server has stopped"));
+    EXPECT_LT(r.atMs - stoppedAt, 1000) << "ended " << r.atMs - stoppedAt << " ms after the stop";
+    QTest::qWait(1500); // the request's own timeout would have come by now: nothing follows
+    EXPECT_TRUE(w->lastResult().contains("the JACK server has stopped"))
+        << qPrintable(w->lastResult());
+    EXPECT_FALSE(w->device().knowsDevice());
+    EXPECT_TRUE(w->deviceStateText().endsWith("what it holds is not known"))
+        << qPrintable(w->deviceStateText());
+
+    // Back again, and a send cut short the same way: only what left is counted, and the
+    // device is not said to hold anything.
+    ASSERT_TRUE(jack_.restart()) << qPrintable(jack_.log());
+    device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    w->refreshPorts();
+    ASSERT_TRUE(w->device().hasOutput()) << qPrintable(w->portState());
+    ASSERT_GT(w->device().send(w->document().image(), false), 0);
+    clock.restart();
+    r = runOperation(*w, clock, 0.3, [&] {
+        stoppedAt = clock.elapsed();
+        jack_.stop();
+    });
+    ASSERT_TRUE(r.ended);
+    EXPECT_FALSE(r.ok);
+    EXPECT_TRUE(r.message.startsWith("the JACK server has stopped; ")) << qPrintable(r.message);
+    EXPECT_TRUE(r.message.contains("had left")) << qPrintable(r.message);
+    EXPECT_LT(r.atMs - stoppedAt, 1000);
+    EXPECT_FALSE(w->device().knowsDevice());
+    // The send may fail on its next message before the watch has looked at the ports.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !w->device().linkProblem().isEmpty(); }, 1000));
+    EXPECT_TRUE(w->deviceStateText().endsWith("what it holds is not known"))
+        << qPrintable(w->deviceStateText());
+
+    // Quit with the server gone and its clients stopped.
+    w.reset();
+}
+
+TEST_F(DeviceLink, ADevicePortThatVanishesMidSendFailsInTheWindowAndOnTheCommandLine) {
+    const int model = 10;
+    auto device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    auto w = window(model);
+    ASSERT_TRUE(w->device().hasOutput()) << qPrintable(w->portState());
+
+    // The window: a whole send, the device closed a third of the way.
+    const int queued = w->device().send(w->document().image(), false);
+    ASSERT_GT(queued, 100);
+    QElapsedTimer clock;
+    clock.start();
+    qint64 killedAt = -1;
+    const Result r = runOperation(*w, clock, 0.33, [&] {
+        device->stop();
+        killedAt = clock.elapsed();
+    });
+    ASSERT_TRUE(r.ended);
+    EXPECT_FALSE(r.ok);
+    EXPECT_TRUE(r.message.contains("ferrule-device") && r.message.contains("is gone"))
+        << qPrintable(r.message);
+    // The longest message of the GT-10 takes about 50 ms on the wire.
+    EXPECT_LT(r.atMs - killedAt, 150) << qPrintable(r.message);
+    EXPECT_FALSE(r.message.contains(QStringLiteral("%1 of %1 messages").arg(queued)));
+    EXPECT_FALSE(w->device().knowsDevice());
+    EXPECT_TRUE(w->deviceStateText().startsWith("not reachable: the MIDI"))
+        << qPrintable(w->deviceStateText());
+    EXPECT_FALSE(w->device().hasOutput());
+    std::printf("[ measured ] the window's send ended %lld ms after the device's ports went\n",
+                static_cast<long long>(r.atMs - killedAt));
+
+    // The command line: the destination closes two seconds into the GT-10's eight.
+    device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    QTemporaryDir settings;
+    QProcess host;
+    host.setProcessEnvironment(hostEnvironment(settings.path(), jack_.env()));
+    host.start(QStringLiteral(FERRULE_HOST_BINARY),
+               {QStringLiteral("--model"), QStringLiteral("10"), QStringLiteral("--transmit"),
+                QStringLiteral("--midi-api"), QStringLiteral("jack"), QStringLiteral("--midi-out"),
+                QStringLiteral("ferrule-device"), QStringLiteral("--plugin"),
+                QStringLiteral(FERRULE_PLUGIN_FILE)});
+    ASSERT_TRUE(host.waitForStarted());
+    QTest::qWait(2000);
+    clock.restart();
+    device->stop();
+    ASSERT_TRUE(host.waitForFinished(10000));
+    const qint64 tookMs = clock.elapsed();
+    const QByteArray out = host.readAllStandardOutput(), err = host.readAllStandardError();
+    EXPECT_EQ(host.exitCode(), 3) << out.constData() << err.constData();
+    EXPECT_TRUE(err.contains("the MIDI output port \"ferrule-device:")) << err.constData();
+    EXPECT_TRUE(err.contains("is gone")) << err.constData();
+    EXPECT_FALSE(out.contains("sent ")) << out.constData();
+    EXPECT_LT(tookMs, 1500) << "the process ended " << tookMs << " ms after the port went";
+    std::printf("[ measured ] --transmit ended %lld ms after the device's ports went\n",
+                static_cast<long long>(tookMs));
+}
+
+TEST_F(DeviceLink, SendChangesToAnUnknownDeviceAsksAndASilentDeviceIsNamedInWords) {
+    const int model = 6;
+    // The device holds the defaults but for one byte.
+    QTemporaryDir dir;
+    QByteArray onDevice = SystemDocument(model, Sysex::defaultHeader(model)).image();
+    const DumpMap::Block& block = DumpMap::of(model).blocks()[40];
+    onDevice[block.start] = char(onDevice[block.start] ^ 1);
+    const QString start = dir.filePath(QStringLiteral("start.bin"));
+    {
+        QFile f(start);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(onDevice);
+    }
+    auto device = std::make_unique<DeviceProcess>(
+        jack_, deviceArgs(model, {QStringLiteral("--data"), start}));
+    ASSERT_TRUE(device->ready());
+    auto w = window(model);
+    MidiMonitorModel* monitor = w->monitor()->model();
+    int asked = 0;
+    MainWindow::UnknownDeviceAnswer answer = MainWindow::UnknownDeviceAnswer::Cancel;
+    w->setAskUnknownDevice([&] {
+        ++asked;
+        return answer;
+    });
+
+    // Cancel: nothing leaves.
+    w->startSend(true);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(w->device().busy(), DeviceSession::Operation::None);
+    EXPECT_EQ(dataSetsOut(monitor), 0);
+
+    // Read first: the device is read, the document stays, and only the one differing message
+    // is sent; the counts are this operation's alone.
+    const QByteArray document = w->document().image();
+    answer = MainWindow::UnknownDeviceAnswer::ReadFirst;
+    w->startSend(true);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(w->device().busy(), DeviceSession::Operation::Request);
+    Result r = runOperation(*w); // the read
+    ASSERT_TRUE(r.ok) << qPrintable(r.message);
+    r = runOperation(*w); // the send it leads to
+    ASSERT_TRUE(r.ok) << qPrintable(r.message);
+    EXPECT_TRUE(r.message.startsWith("sent 1 messages, ")) << qPrintable(r.message);
+    EXPECT_EQ(dataSetsOut(monitor), 1);
+    EXPECT_EQ(w->document().image(), document);
+    EXPECT_TRUE(w->deviceStateText().startsWith("was sent this data at "))
+        << qPrintable(w->deviceStateText());
+    EXPECT_TRUE(w->deviceStateText().contains("not read back"));
+
+    // Known now: no question, nothing left to send.
+    w->startSend(true);
+    EXPECT_EQ(asked, 2);
+    EXPECT_EQ(dataSetsOut(monitor), 1);
+
+    // A device that falls silent part way: said in words, the details whole elsewhere. The
+    // window sees the old device go before the new one comes under the same names.
+    device.reset();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return !w->device().hasInput() && !w->device().hasOutput(); }, 3000));
+    device = std::make_unique<DeviceProcess>(
+        jack_, deviceArgs(model, {QStringLiteral("--stop-after"), QStringLiteral("40")}));
+    ASSERT_TRUE(device->ready());
+    w->refreshPorts();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return w->device().hasInput() && w->device().hasOutput(); }, 3000))
+        << qPrintable(w->portState());
+    w->device().receive(w->document().image(), true);
+    r = runOperation(*w);
+    ASSERT_TRUE(r.ended);
+    EXPECT_FALSE(r.ok);
+    EXPECT_TRUE(r.message.startsWith("no answer for the GT-6 ")) << qPrintable(r.message);
+    EXPECT_TRUE(r.message.endsWith(", 3 tries)")) << qPrintable(r.message);
+    EXPECT_LT(r.message.size(), 100) << qPrintable(r.message);
+    EXPECT_TRUE(w->device().lastDetails().startsWith("missing "));
+    EXPECT_FALSE(w->device().lastDetails().contains("more range"));
+}
+
+TEST_F(DeviceLink, TheTimeLeftOfARequestAndASendFollowsTheClock) {
+    const int model = 8;
+    auto device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
+    ASSERT_TRUE(device->ready());
+    auto w = window(model);
+    ASSERT_TRUE(w->device().hasInput() && w->device().hasOutput()) << qPrintable(w->portState());
+
+    for (const bool request : {true, false}) {
+        struct Sample {
+            double share;
+            qint64 atMs, estimateMs;
+        };
+        std::vector<Sample> samples;
+        QElapsedTimer clock;
+        clock.start();
+        const auto c = QObject::connect(
+            &w->device(), &DeviceSession::progress, w.get(),
+            [&](qint64 done, qint64 total, qint64 msLeft) {
+                if (total > 0)
+                    samples.push_back({double(done) / double(total), clock.elapsed(), msLeft});
+            });
+        if (request)
+            w->device().receive(w->document().image(), true);
+        else
+            ASSERT_GT(w->device().send(w->document().image(), false), 0);
+        const Result r = runOperation(*w);
+        QObject::disconnect(c);
+        ASSERT_TRUE(r.ok) << qPrintable(r.message);
+        const qint64 endMs = clock.elapsed();
+        int checked = 0;
+        double worst = 0;
+        for (const Sample& s : samples) {
+            if (s.share < 0.1 || s.share > 0.9) continue;
+            const double real = double(endMs - s.atMs);
+            const double error = (double(s.estimateMs) - real) / real;
+            worst = std::max(worst, std::abs(error));
+            EXPECT_LE(std::abs(error), 0.2)
+                << (request ? "request" : "send") << " at " << s.share * 100 << " %: estimate "
+                << s.estimateMs << " ms, real " << real << " ms";
+            ++checked;
+        }
+        EXPECT_GT(checked, 10);
+        std::printf("[ measured ] %s of the GT-8: %.1f s; the time left within %.0f %% from 10 %% "
+                    "to 90 %% done\n",
+                    request ? "request" : "send", double(endMs) / 1000.0, worst * 100);
+    }
+}
