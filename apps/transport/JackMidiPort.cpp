@@ -134,11 +134,17 @@ bool JackMidiPort::linked(QString* why) const {
         if (why) *why = QStringLiteral("the JACK server has stopped");
         return false;
     }
-    if (jack_port_connected(port_) <= 0) {
+    if (!connected()) {
         if (why) *why = QStringLiteral("not connected to any port");
         return false;
     }
     return true;
+}
+
+bool JackMidiPort::connected() const {
+    // Another connection (a monitor, a patchbay's) does not make up for the device's port.
+    return peer_.isEmpty() ? jack_port_connected(port_) > 0
+                           : jack_port_connected_to(port_, peer_.constData()) != 0;
 }
 
 QStringList JackMidiPort::peers() const {
@@ -162,9 +168,10 @@ bool JackMidiPort::connectTo(const QString& peer, QString* error) {
     }
     // The server takes a new connection into its graph at the start of a cycle; until then the
     // port does not count as connected. Wait for that, at most a few hundred cycles.
-    for (int i = 0; i < 500 && jack_port_connected(port_) <= 0 && !serverGone(); ++i)
+    peer_ = theirs;
+    for (int i = 0; i < 500 && !connected() && !serverGone(); ++i)
         usleep(1000);
-    if (jack_port_connected(port_) <= 0) {
+    if (!connected()) {
         if (error) *error = QStringLiteral("JACK did not connect to \"%1\"").arg(peer);
         return false;
     }

@@ -51,7 +51,8 @@ public:
     // Whether the JACK server has stopped or dropped this client.
     bool serverGone() const { return !client_ || serverGone_.load(std::memory_order_acquire); }
     // Whether messages can reach another program: the server runs and the port is connected to
-    // another port. False with `why` set otherwise.
+    // the port connectTo() chose (to any port, for a port others connect to). False with `why`
+    // set otherwise.
     bool linked(QString* why) const;
 
     struct Ports {
@@ -69,6 +70,7 @@ private:
     static void shutDown(void* self);
     static void graphChanged(jack_port_id_t, int, void*);
     static void connectionChanged(jack_port_id_t, jack_port_id_t, int, void*);
+    bool connected() const;
     // Closes the client (once); what is left refuses every message.
     void release();
     friend void closeStoppedClients();
@@ -88,6 +90,8 @@ private:
     std::size_t sysexSize_ = 0;
     bool inSysex_ = false;
     std::atomic<bool> serverGone_{false};
+    // The other program's port this one was connected to; empty for a port others connect to.
+    QByteArray peer_;
 };
 
 } // namespace ferrule

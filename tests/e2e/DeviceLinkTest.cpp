@@ -6,6 +6,8 @@
 #include "HostOptionsForTests.h"
 #include "HostProcess.h"
 #include "JackServer.h"
+#include "MidiApi.h"
+#include "MidiInput.h"
 #include "MonitorCounts.h"
 #include "QtPrinters.h"
 #include "device/DumpMap.h"
@@ -211,6 +213,25 @@ TEST_F(DeviceLink, ADevicePortThatVanishesMidSendFailsInTheWindowAndOnTheCommand
     ASSERT_TRUE(device->ready());
     auto w = window(model);
     ASSERT_TRUE(w->device().hasOutput()) << qPrintable(w->portState());
+
+    // A monitor listens to the window's output too: its connection must not hide the device's
+    // going.
+    MidiInput monitor;
+    QString error;
+    ASSERT_TRUE(monitor.openVirtual(MidiApi::Jack, QStringLiteral("ferrule-monitor"),
+                                    QStringLiteral("monitor in"), &error))
+        << qPrintable(error);
+    const QStringList outputs = listMidiPorts(MidiApi::Jack, QStringLiteral("ferrule-test")).inputs;
+    const int hostOut = choosePort(outputs, QStringLiteral("ferrule-host out"));
+    ASSERT_GE(hostOut, 0) << qPrintable(outputs.join(", "));
+    QProcess connect;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(jack_.env());
+    connect.setProcessEnvironment(env);
+    connect.start(QStringLiteral("jack_connect"),
+                  {outputs[hostOut], QStringLiteral("ferrule-monitor:monitor in")});
+    ASSERT_TRUE(connect.waitForFinished(10000) && connect.exitCode() == 0)
+        << connect.readAllStandardError().constData();
 
     // The window: a whole send, the device closed a third of the way.
     const int queued = w->device().send(w->document().image(), false);

@@ -65,7 +65,7 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     QString why;
     if (midi_ && midi_->isOpen()) {
         if (!midi_->send(message, &why)) {
-            linkFailed_ = true;
+            linkFailed_ = !midi_->linked(nullptr);
             fail(why);
             throw std::runtime_error("MIDISendEx: " + failure_.toStdString());
         }

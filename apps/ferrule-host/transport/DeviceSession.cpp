@@ -7,6 +7,8 @@
 #include "device/DumpMap.h"
 #include "device/SysexCodec.h"
 
+#include <QRegularExpression>
+
 namespace ferrule {
 
 namespace {
@@ -82,19 +84,24 @@ bool DeviceSession::openSide(MidiApi api, const QString& name, bool input, QStri
         *error = list.error;
         return false;
     }
-    if (choosePort(input ? list.inputs : list.outputs, name) < 0) {
+    // ALSA names end in the client's and port's numbers, which change when a device is plugged
+    // in again; the name without them finds it.
+    static const QRegularExpression numbers(QStringLiteral(" \\d+:\\d+$"));
+    QString wanted = name;
+    if (choosePort(input ? list.inputs : list.outputs, wanted) < 0) wanted.remove(numbers);
+    if (choosePort(input ? list.inputs : list.outputs, wanted) < 0) {
         *error = QStringLiteral("the MIDI %1 port \"%2\" is not there")
                      .arg(input ? QStringLiteral("input") : QStringLiteral("output"), name);
         return false;
     }
     if (input) {
         auto in = std::make_unique<MidiInput>();
-        if (!in->open(api, QStringLiteral("ferrule-host"), name, error)) return false;
+        if (!in->open(api, QStringLiteral("ferrule-host"), wanted, error)) return false;
         connect(in.get(), &MidiInput::messageReceived, this, &DeviceSession::messageIn);
         input_ = std::move(in);
     } else {
         auto out = std::make_shared<MidiOutput>();
-        if (!out->open(api, QStringLiteral("ferrule-host"), name, error)) return false;
+        if (!out->open(api, QStringLiteral("ferrule-host"), wanted, error)) return false;
         output_ = std::move(out);
     }
     return true;
@@ -219,6 +226,8 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
     connect(receiver_.get(), &DumpReceiver::progress, this,
             [this](int got, int expected) { emit progress(got, expected, receiver_->msLeft()); });
     connect(receiver_.get(), &DumpReceiver::finished, this, [this](bool ok) {
+        // A retried request still queued must not go out with the next operation.
+        paced_.clear();
         if (ok) {
             received_ = receiver_->assembler().image();
             known_ = {Knowledge::Kind::Received, received_, QDateTime::currentDateTime(), {}};

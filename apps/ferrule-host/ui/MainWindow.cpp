@@ -170,6 +170,10 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(920, 560);
+    if (!device_.hasInput() && !device_.hasOutput())
+        result_->setText(QStringLiteral("To begin, choose the device's MIDI ports above and then "
+                                        "Device > Request, or open a .syx file with File > "
+                                        "Open…"));
     refreshState();
 }
 
@@ -454,7 +458,9 @@ void MainWindow::refreshState() {
     enable(send_, outWhy);
     enable(sendChanges_, outWhy);
     stop_->setEnabled(!idle);
-    // An edit while the device's data arrives would be overwritten by it.
+    // An edit while the device's data arrives would be overwritten by it, and what a transfer
+    // learns of the device belongs to the model it started with.
+    modelBox_->setEnabled(idle);
     edit_->setEnabled(idle);
     editButton_->setEnabled(idle);
     progress_->setVisible(!idle);
@@ -608,6 +614,14 @@ void MainWindow::startReceive(bool request) {
     // What arrives replaces the document: unsaved changes are asked about first.
     if (!sendAfterRead_ && !maybeSave()) return;
     device_.receive(document_.image(), request, options_.timeoutS);
+    if (device_.busy() == DeviceSession::Operation::None) {
+        // The port may have gone while a question was open.
+        say(QStringLiteral("not started: %1")
+                .arg(!device_.linkProblem().isEmpty() ? device_.linkProblem()
+                                                      : QStringLiteral("a port is missing")));
+        refreshState();
+        return;
+    }
     say(request ? QStringLiteral("requesting the GT-%1's system data…").arg(document_.model())
                 : QStringLiteral("waiting for a dump from the GT-%1: start it on the device")
                       .arg(document_.model()));
@@ -625,6 +639,7 @@ void MainWindow::startSend(bool onlyChanges) {
             }
             sendAfterRead_ = true;
             startReceive(true);
+            if (device_.busy() == DeviceSession::Operation::None) sendAfterRead_ = false;
             return;
         case UnknownDeviceAnswer::SendEverything:
             break;
