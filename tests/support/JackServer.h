@@ -33,13 +33,21 @@ public:
             start(all);
         }
     }
-    ~JackServer() { stop(); }
+    ~JackServer() {
+        stop();
+        // jackd stopped while clients are attached dies of SIGPIPE and keeps its entry in JACK's
+        // registry of servers, which has room for eight on the whole machine. A server started
+        // again under the same name takes that entry over and, stopped with no client, gives
+        // it back.
+        if (leftEntry_ && restart()) stop();
+    }
     // Ends the server, as a user quitting it would.
     void stop() {
         if (jackd_.state() == QProcess::NotRunning) return;
         jackd_.terminate();
         if (!jackd_.waitForFinished(5000)) jackd_.kill();
         jackd_.waitForFinished(2000);
+        leftEntry_ = jackd_.exitStatus() != QProcess::NormalExit || jackd_.exitCode() != 0;
     }
     // Starts the stopped server again under the same name, as a user would.
     bool restart() {
@@ -98,6 +106,7 @@ private:
     QProcessEnvironment env_;
     QProcess jackd_;
     bool running_ = false;
+    bool leftEntry_ = false; // the last stop left the server's registry entry behind
     QString log_;
 };
 
