@@ -77,9 +77,9 @@ DeviceSession::~DeviceSession() {
     watch_.clear();
 }
 
-bool DeviceSession::openSide(MidiApi api, const QString& name, bool input, QString* error) {
+bool DeviceSession::openSide(const MidiPortList& list, const QString& name, bool input,
+                             QString* error) {
     // Said in the window's words: which port is not there, or which MIDI system does not run.
-    const MidiPortList list = listMidiPorts(api, QStringLiteral("ferrule-host"));
     if (!list.error.isEmpty()) {
         *error = list.error;
         return false;
@@ -96,12 +96,12 @@ bool DeviceSession::openSide(MidiApi api, const QString& name, bool input, QStri
     }
     if (input) {
         auto in = std::make_unique<MidiInput>();
-        if (!in->open(api, QStringLiteral("ferrule-host"), wanted, error)) return false;
+        if (!in->open(api_, QStringLiteral("ferrule-host"), wanted, error)) return false;
         connect(in.get(), &MidiInput::messageReceived, this, &DeviceSession::messageIn);
         input_ = std::move(in);
     } else {
         auto out = std::make_shared<MidiOutput>();
-        if (!out->open(api, QStringLiteral("ferrule-host"), wanted, error)) return false;
+        if (!out->open(api_, QStringLiteral("ferrule-host"), wanted, error)) return false;
         output_ = std::move(out);
     }
     return true;
@@ -121,10 +121,15 @@ bool DeviceSession::openPorts(MidiApi api, const QString& input, const QString& 
 bool DeviceSession::reconnect() {
     const bool hadIn = hasInput(), hadOut = hasOutput();
     const QString hadProblem = linkProblem_;
+    const bool missIn = !chosenIn_.isEmpty() && !input_;
+    const bool missOut = !chosenOut_.isEmpty() && !output_;
     QString error;
     bool ok = true;
-    if (!chosenIn_.isEmpty() && !input_) ok = openSide(api_, chosenIn_, true, &error);
-    if (ok && !chosenOut_.isEmpty() && !output_) ok = openSide(api_, chosenOut_, false, &error);
+    if (missIn || missOut) {
+        const MidiPortList list = listMidiPorts(api_, QStringLiteral("ferrule-host"));
+        if (missIn) ok = openSide(list, chosenIn_, true, &error);
+        if (ok && missOut) ok = openSide(list, chosenOut_, false, &error);
+    }
     linkProblem_ = ok ? QString() : error;
     if (ok)
         reconnectTimer_.stop();

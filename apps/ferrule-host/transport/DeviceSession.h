@@ -78,8 +78,6 @@ public:
     Operation busy() const { return operation_; }
     const Knowledge& knowledge() const { return known_; }
     bool knowsDevice() const { return known_.kind != Knowledge::Kind::Unknown; }
-    // What the device is known to hold; empty when unknown.
-    QByteArray knownImage() const { return knowsDevice() ? known_.image : QByteArray(); }
     // The image a finished receive produced.
     const QByteArray& received() const { return received_; }
     // More about the last failure (every missing address range), when there is more.
@@ -100,7 +98,7 @@ signals:
 private:
     void end(bool ok, const QString& message);
     void portLost(const QString& why, bool input);
-    bool openSide(MidiApi api, const QString& name, bool input, QString* error);
+    bool openSide(const MidiPortList& list, const QString& name, bool input, QString* error);
     void watchPorts();
     QString sentSoFar() const;
 

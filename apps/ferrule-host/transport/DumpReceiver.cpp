@@ -2,6 +2,7 @@
 
 #include "MidiInput.h"
 #include "PacedOutput.h"
+#include "TimeLeft.h"
 #include "WireTime.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
@@ -29,10 +30,17 @@ void DumpReceiver::start() {
     connect(&input_, &MidiInput::messageReceived, this, &DumpReceiver::onMessage);
     if (options_.request) {
         ranges_ = assembler_.map().mappedRanges();
+        // Each range's exchange on the wire: the request and the answer, once for the whole run.
+        for (const DumpMap::Range& r : ranges_)
+            exchangeWireMs_.push_back(wireTimeMs(requestFor(r).size() + expectedAnswerBytes(r)));
         sendRequest();
     } else {
         timer_.start(options_.firstTimeoutMs);
     }
+}
+
+int DumpReceiver::blockMessageBytes(const DumpMap::Block& b) const {
+    return b.units + int(options_.header.size()) + 7; // F0, header, address, data, sum, F7
 }
 
 int DumpReceiver::expectedAnswerBytes(const DumpMap::Range& range) const {
@@ -40,13 +48,12 @@ int DumpReceiver::expectedAnswerBytes(const DumpMap::Range& range) const {
     int bytes = 0;
     for (const DumpMap::Block& b : assembler_.map().blocks())
         if (b.inImage && b.address >= range.address && b.end() <= range.end())
-            bytes += b.units + int(options_.header.size()) + 7;
+            bytes += blockMessageBytes(b);
     return bytes;
 }
 
-double DumpReceiver::exchangeWireMs(const DumpMap::Range& r) const {
-    const int request = int(options_.requestHeader.size()) + 11;
-    return wireTimeMs(request + expectedAnswerBytes(r));
+QByteArray DumpReceiver::requestFor(const DumpMap::Range& r) const {
+    return Sysex::frameRequest(options_.requestHeader, packedAddress(r.address), r.units);
 }
 
 QString DumpReceiver::rangeName(const DumpMap::Range& r) const {
@@ -68,8 +75,8 @@ QString DumpReceiver::rangeName(const DumpMap::Range& r) const {
 qint64 DumpReceiver::msLeft() const {
     TimeLeft t;
     if (options_.request) {
-        for (std::size_t i = 0; i < ranges_.size(); ++i)
-            (i < rangeIndex_ ? t.doneWireMs : t.leftWireMs) += exchangeWireMs(ranges_[i]);
+        for (std::size_t i = 0; i < exchangeWireMs_.size(); ++i)
+            (i < rangeIndex_ ? t.doneWireMs : t.leftWireMs) += exchangeWireMs_[i];
         t.doneExchanges = int(rangeIndex_);
         t.leftExchanges = int(ranges_.size() - rangeIndex_);
         t.elapsedMs = lastExchangeEndMs_;
@@ -82,20 +89,18 @@ qint64 DumpReceiver::msLeft() const {
     t.elapsedMs = double(clock_.nsecsElapsed()) / 1e6;
     for (const DumpMap::Block& b : assembler_.map().blocks())
         if (b.inImage && !assembler_.receivedIn(b.address, b.units)) {
-            t.leftWireMs += wireTimeMs(b.units + int(options_.header.size()) + 7);
+            t.leftWireMs += wireTimeMs(blockMessageBytes(b));
             ++t.leftExchanges;
         }
     return t.ms();
 }
 
 void DumpReceiver::sendRequest() {
-    const DumpMap::Range& r = ranges_[rangeIndex_];
-    const QByteArray request =
-        Sysex::frameRequest(options_.requestHeader, packedAddress(r.address), r.units);
+    const QByteArray request = requestFor(ranges_[rangeIndex_]);
     requests_->enqueue(request);
     ++requestsSent_;
     wireBytes_ += request.size();
-    const double waitMs = 1000.0 + wireTimeMs(request.size()) + wireTimeMs(expectedAnswerBytes(r));
+    const double waitMs = 1000.0 + exchangeWireMs_[rangeIndex_];
     timer_.start(int(std::ceil(waitMs)));
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "TimeLeft.h"
 #include "device/DumpAssembler.h"
 
 #include <QByteArray>
@@ -66,8 +65,9 @@ private:
     void sendRequest();
     bool currentRangeComplete() const;
     void finish(const QString& error);
+    int blockMessageBytes(const DumpMap::Block& block) const;
     int expectedAnswerBytes(const DumpMap::Range& range) const;
-    double exchangeWireMs(const DumpMap::Range& range) const;
+    QByteArray requestFor(const DumpMap::Range& range) const;
     QString rangeName(const DumpMap::Range& range) const;
 
     Options options_;
@@ -77,6 +77,7 @@ private:
     QTimer timer_;
     QElapsedTimer clock_;
     std::vector<DumpMap::Range> ranges_;
+    std::vector<double> exchangeWireMs_; // request: each range's request and answer on the wire
     std::size_t rangeIndex_ = 0;
     int tries_ = 0;
     bool running_ = false;
