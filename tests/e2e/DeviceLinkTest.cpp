@@ -119,6 +119,7 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     EXPECT_FALSE(w->device().hasInput());
     EXPECT_TRUE(portLabel->text().contains("the JACK server has stopped"))
         << qPrintable(portLabel->text());
+    EXPECT_EQ(w->lastResult(), QStringLiteral("the JACK server has stopped"));
     EXPECT_TRUE(w->deviceStateText().startsWith("not reachable: the JACK server has stopped"))
         << qPrintable(w->deviceStateText());
     w->show();
@@ -136,7 +137,8 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     action(*w, QStringLiteral("Request"))->trigger();
     EXPECT_EQ(w->device().busy(), DeviceSession::Operation::None);
     w->refreshPorts();
-    EXPECT_TRUE(inBox->currentText().contains("(not there)")) << qPrintable(inBox->currentText());
+    EXPECT_TRUE(inBox->currentText().startsWith("(not there) "))
+        << qPrintable(inBox->currentText());
     ASSERT_TRUE(jack_.restart()) << qPrintable(jack_.log());
     device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
     ASSERT_TRUE(device->ready());
@@ -149,6 +151,8 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
                 "was back\n",
                 static_cast<long long>(noticedMs), static_cast<long long>(clock.elapsed()));
     EXPECT_TRUE(w->device().linkProblem().isEmpty()) << qPrintable(w->device().linkProblem());
+    EXPECT_TRUE(w->lastResult().startsWith("the MIDI ports are open again: In: ferrule-device"))
+        << qPrintable(w->lastResult());
     EXPECT_FALSE(portLabel->text().contains("stopped")) << qPrintable(portLabel->text());
     EXPECT_TRUE(action(*w, QStringLiteral("Request"))->isEnabled());
     w->refreshPorts();

@@ -114,31 +114,38 @@ bool DeviceSession::openPorts(MidiApi api, const QString& input, const QString& 
     chosenIn_ = input;
     chosenOut_ = output;
     const bool ok = reconnect();
-    if (!ok && error) *error = linkProblem_;
+    if (!ok && error) *error = linkProblem();
     return ok;
 }
 
 bool DeviceSession::reconnect() {
     const bool hadIn = hasInput(), hadOut = hasOutput();
-    const QString hadProblem = linkProblem_;
+    const QString hadProblem = linkProblem();
     const bool missIn = !chosenIn_.isEmpty() && !input_;
     const bool missOut = !chosenOut_.isEmpty() && !output_;
-    QString error;
-    bool ok = true;
     if (missIn || missOut) {
+        // Each side says for itself why it cannot open; the listing serves both.
         const MidiPortList list = listMidiPorts(api_, QStringLiteral("ferrule-host"));
-        if (missIn) ok = openSide(list, chosenIn_, true, &error);
-        if (ok && missOut) ok = openSide(list, chosenOut_, false, &error);
+        inProblem_.clear();
+        outProblem_.clear();
+        if (missIn) openSide(list, chosenIn_, true, &inProblem_);
+        if (missOut) openSide(list, chosenOut_, false, &outProblem_);
     }
-    linkProblem_ = ok ? QString() : error;
+    const bool ok = linkProblem().isEmpty();
     if (ok)
         reconnectTimer_.stop();
     else if (!reconnectTimer_.isActive())
         reconnectTimer_.start();
     watchPorts();
-    if (hadIn != hasInput() || hadOut != hasOutput() || hadProblem != linkProblem_)
+    if (hadIn != hasInput() || hadOut != hasOutput() || hadProblem != linkProblem())
         emit linkChanged();
     return ok;
+}
+
+QString DeviceSession::linkProblem() const {
+    if (inProblem_ == outProblem_ || outProblem_.isEmpty()) return inProblem_;
+    if (inProblem_.isEmpty()) return outProblem_;
+    return inProblem_ + QStringLiteral("; ") + outProblem_;
 }
 
 void DeviceSession::watchPorts() {
@@ -161,11 +168,13 @@ void DeviceSession::portLost(const QString& why, bool input) {
     }
     // A device reached again may not be the one that was there; what it holds is not known.
     forgetDevice(QStringLiteral("%1 at %2").arg(why, clock(QDateTime::currentDateTime())));
-    if (input)
+    if (input) {
         input_.reset();
-    else
+        inProblem_ = why;
+    } else {
         output_.reset();
-    linkProblem_ = why;
+        outProblem_ = why;
+    }
     watchPorts();
     reconnectTimer_.start();
     emit linkChanged();
@@ -285,12 +294,13 @@ void DeviceSession::closePorts() {
     watch_.clear();
     reconnectTimer_.stop();
     const bool changed = input_ || output_ || !chosenIn_.isEmpty() || !chosenOut_.isEmpty() ||
-                         !linkProblem_.isEmpty();
+                         !linkProblem().isEmpty();
     input_.reset();
     output_.reset();
     chosenIn_.clear();
     chosenOut_.clear();
-    linkProblem_.clear();
+    inProblem_.clear();
+    outProblem_.clear();
     if (changed) emit linkChanged();
 }
 

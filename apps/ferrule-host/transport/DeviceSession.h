@@ -60,7 +60,7 @@ public:
     QString chosenOutput() const { return chosenOut_; }
     // Why a chosen port is not open ("the JACK server has stopped", "the MIDI input port … is
     // gone"); empty when every chosen port is open.
-    QString linkProblem() const { return linkProblem_; }
+    QString linkProblem() const;
     // The output port, kept alive for as long as the caller holds it even if the session lets
     // it go (the editor's transmission runs while the session watches the port).
     std::shared_ptr<MidiOutput> sharedOutput() const { return output_; }
@@ -108,7 +108,7 @@ private:
     QTimer reconnectTimer_;
     MidiApi api_ = MidiApi::Jack;
     QString chosenIn_, chosenOut_;
-    QString linkProblem_;
+    QString inProblem_, outProblem_; // why a chosen port is not open
     PacedOutput paced_;
     std::unique_ptr<DumpReceiver> receiver_;
     int model_ = 10;

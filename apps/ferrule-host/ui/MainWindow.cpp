@@ -157,6 +157,25 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
             });
     connect(&device_, &DeviceSession::finished, this, &MainWindow::operationFinished);
     connect(&device_, &DeviceSession::linkChanged, this, [this] {
+        // A port lost or back is the latest thing that happened, so it is said as such; an
+        // operation the loss ended has said so already, with what had left by then.
+        const QString problem = device_.linkProblem();
+        const bool lost =
+            (hadInput_ && !device_.hasInput()) || (hadOutput_ && !device_.hasOutput());
+        const auto saidAlready = [&] {
+            for (const QString& part : problem.split(QStringLiteral("; ")))
+                if (lastResult_.contains(part)) return true;
+            return false;
+        };
+        if (lost) {
+            if (!saidAlready()) say(problem);
+            lossSaid_ = true;
+        } else if (lossSaid_ && problem.isEmpty()) {
+            say(QStringLiteral("the MIDI ports are open again: %1").arg(portState()));
+            lossSaid_ = false;
+        }
+        hadInput_ = device_.hasInput();
+        hadOutput_ = device_.hasOutput();
         showPorts();
         refreshState();
     });
@@ -345,7 +364,8 @@ void MainWindow::showPorts() {
         int at = box->findData(name);
         if (at < 0 || open.isEmpty()) {
             if (at >= 0) box->removeItem(at);
-            box->addItem(QStringLiteral("%1 (not there)").arg(name), name);
+            // Said first: a long name is cut at the box's end.
+            box->addItem(QStringLiteral("(not there) %1").arg(name), name);
             at = box->count() - 1;
         }
         box->setCurrentIndex(at);

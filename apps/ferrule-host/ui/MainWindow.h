@@ -110,6 +110,8 @@ private:
             *sendChanges_ = nullptr, *stop_ = nullptr;
     QString lastResult_;
     QString systemProblem_;
+    // The ports open when the link last changed, and whether their loss has been said.
+    bool hadInput_ = false, hadOutput_ = false, lossSaid_ = false;
     bool sendAfterRead_ = false;
     AskSave askSave_;
     AskUnknownDevice askUnknown_;
