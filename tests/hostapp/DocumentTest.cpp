@@ -27,6 +27,14 @@ void writeFile(const QString& path, const QByteArray& bytes) {
     ASSERT_EQ(f.write(bytes), bytes.size());
 }
 
+// Gives the file a modification time `seconds` from now, as a later write would.
+bool touch(const QString& path, int seconds) {
+    QFile f(path);
+    return f.open(QIODevice::ReadWrite) &&
+           f.setFileTime(QDateTime::currentDateTime().addSecs(seconds),
+                         QFileDevice::FileModificationTime);
+}
+
 QByteArray readFile(const QString& path) {
     QFile f(path);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
@@ -141,7 +149,7 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
     QStringList asked;
     const bool saved = saveWithRecovery(
         *doc,
-        [&](const QString& why) {
+        [&](const QString& why, bool) {
             asked << why;
             return asked.size() < 2 ? SaveChoice{SaveChoice::Retry, {}}
                                     : SaveChoice{SaveChoice::SaveAs, rescue};
@@ -171,7 +179,7 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
     roDoc->setImage(edits);
     EXPECT_FALSE(saveWithRecovery(
         *roDoc,
-        [](const QString&) {
+        [](const QString&, bool) {
             return SaveChoice{SaveChoice::Discard, {}};
         },
         &error));
@@ -179,4 +187,55 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
     EXPECT_TRUE(roDoc->modified());
     EXPECT_EQ(roDoc->image(), edits);
     EXPECT_EQ(readFile(ro), original);
+}
+
+TEST(Document, ASaveOverAFileChangedOnDiskAsksAndNothingIsLostWithoutAChoice) {
+    QTemporaryDir dir;
+    QString error;
+    const QString path = dir.filePath(QStringLiteral("gt10.bin"));
+    const QByteArray original = makeDefaultImage();
+    writeFile(path, original);
+    std::optional<SystemDocument> doc = open(path, &error);
+    ASSERT_TRUE(doc) << qPrintable(error);
+    struct Asked {
+        QString why;
+        bool changedOnDisk;
+    };
+    QList<Asked> asked;
+    SaveChoice answer;
+    const AskAfterFailedSave ask = [&](const QString& why, bool changedOnDisk) {
+        asked.append({why, changedOnDisk});
+        return answer;
+    };
+
+    // Written again with the same bytes (a backup tool, a sync): not a change, no question.
+    writeFile(path, original);
+    ASSERT_TRUE(touch(path, 5));
+    doc->setImage(edited(original, 19200));
+    ASSERT_TRUE(saveWithRecovery(*doc, ask, &error)) << qPrintable(error);
+    EXPECT_TRUE(asked.isEmpty());
+
+    // Another program writes other bytes: each answer does what it says.
+    const QByteArray theirs = edited(original, 19300);
+    const QByteArray ours = edited(doc->image(), 19400);
+    const QString rescue = dir.filePath(QStringLiteral("mine.syx"));
+    for (const SaveChoice::Kind kind :
+         {SaveChoice::Discard, SaveChoice::Overwrite, SaveChoice::SaveAs}) {
+        writeFile(path, theirs);
+        ASSERT_TRUE(touch(path, 10 + int(kind)));
+        doc->setImage(ours);
+        asked.clear();
+        answer = {kind, rescue};
+        const bool saved = saveWithRecovery(*doc, ask, &error);
+        ASSERT_EQ(asked.size(), 1) << int(kind);
+        EXPECT_TRUE(asked[0].changedOnDisk);
+        EXPECT_TRUE(asked[0].why.startsWith("gt10.bin was changed on disk after it was read here"))
+            << qPrintable(asked[0].why);
+        EXPECT_EQ(saved, kind != SaveChoice::Discard);
+        EXPECT_EQ(readFile(path), kind == SaveChoice::Overwrite ? ours : theirs) << int(kind);
+        EXPECT_EQ(doc->modified(), kind == SaveChoice::Discard);
+        EXPECT_EQ(doc->image(), ours);
+    }
+    EXPECT_EQ(doc->path(), rescue);
+    EXPECT_EQ(open(rescue, &error)->image(), ours);
 }

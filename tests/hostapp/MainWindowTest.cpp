@@ -9,10 +9,13 @@
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 #include "device/SyxFile.h"
+#include "document/DocumentLock.h"
 #include "sysdata/ParameterEncoding.h"
 
 #include <QFile>
+#include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 #include <gtest/gtest.h>
 
 using namespace ferrule;
@@ -122,4 +125,89 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     keep.show();
     EXPECT_TRUE(keep.close());
     EXPECT_EQ(readFile(path), edited);
+}
+
+TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHostIsGone) {
+    QTemporaryDir dir;
+    const QString path = dir.filePath(QStringLiteral("gt8.bin"));
+    const int model = 8;
+    const QByteArray original = makeDefaultImage();
+    {
+        QFile f(path);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(original);
+    }
+    // Another ferrule-host edits the file in its editor; the lock lives in the runtime folder,
+    // which this process and the other share.
+    QTemporaryDir runtime;
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
+    QProcess other;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), dir.path());
+    other.setProcessEnvironment(env);
+    other.start(QStringLiteral(FERRULE_HOST_BINARY),
+                {QStringLiteral("--edit"), QStringLiteral("--model"), QString::number(model),
+                 QStringLiteral("--data"), path, QStringLiteral("--plugin"),
+                 QStringLiteral(FERRULE_PLUGIN_FILE)});
+    ASSERT_TRUE(other.waitForStarted());
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return DocumentLock::holder(path) == other.processId(); }, 20000))
+        << other.readAllStandardError().constData();
+
+    // A third one that would edit it is refused, with the reason.
+    QProcess third;
+    third.setProcessEnvironment(env);
+    third.start(QStringLiteral(FERRULE_HOST_BINARY),
+                {QStringLiteral("--edit"), QStringLiteral("--model"), QString::number(model),
+                 QStringLiteral("--data"), path, QStringLiteral("--plugin"),
+                 QStringLiteral(FERRULE_PLUGIN_FILE)});
+    ASSERT_TRUE(third.waitForFinished(20000));
+    EXPECT_EQ(third.exitCode(), 2);
+    EXPECT_TRUE(third.readAllStandardError().contains(
+        QStringLiteral("has unsaved changes in another ferrule-host (process %1)")
+            .arg(other.processId())
+            .toUtf8()));
+
+    // The window asks, opens it read-only, and a save goes elsewhere or nowhere.
+    MainWindow window(hostOptionsForTests(model),
+                      SystemDocument(model, Sysex::defaultHeader(model)));
+    QStringList asked;
+    window.setAskReadOnly([&](const QString& text) {
+        asked << text;
+        return true;
+    });
+    window.setAskAfterFailedSave([](const QString&, bool) {
+        return SaveChoice{SaveChoice::Discard, {}};
+    });
+    ASSERT_TRUE(window.openFile(path));
+    ASSERT_EQ(asked.size(), 1);
+    EXPECT_TRUE(asked[0].startsWith("gt8.bin has unsaved changes in another ferrule-host"));
+    EXPECT_TRUE(window.document().readOnly());
+    QByteArray edits = original;
+    edits[10500] = char(edits[10500] + 1);
+    window.takeImage(edits, QStringLiteral("edited"));
+    EXPECT_FALSE(window.holdsFileLock());
+    EXPECT_FALSE(window.save());
+    EXPECT_EQ(readFile(path), original);
+
+    // The other host dies: its lock goes with it, and the file opens as usual.
+    other.kill();
+    ASSERT_TRUE(other.waitForFinished());
+    EXPECT_EQ(DocumentLock::holder(path), 0);
+    MainWindow again(hostOptionsForTests(model),
+                     SystemDocument(model, Sysex::defaultHeader(model)));
+    again.setAskReadOnly([&](const QString& text) {
+        asked << text;
+        return false;
+    });
+    ASSERT_TRUE(again.openFile(path));
+    EXPECT_EQ(asked.size(), 1);
+    EXPECT_FALSE(again.document().readOnly());
+    EXPECT_FALSE(again.holdsFileLock()) << "nothing to keep yet";
+    again.takeImage(edits, QStringLiteral("edited"));
+    EXPECT_TRUE(again.holdsFileLock());
+    ASSERT_TRUE(again.save());
+    EXPECT_FALSE(again.holdsFileLock());
+    EXPECT_EQ(readFile(path), edits);
 }

@@ -3,6 +3,7 @@
 #include "DeviceRuns.h"
 #include "HeadlessRun.h"
 #include "MidiOutput.h"
+#include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "host/PlugInInterface.h"
@@ -41,6 +42,14 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
         QString why;
         if (!pipeline.open(&why)) return fail(kExitBadInput, why);
     }
+    // One writer per file: a file another ferrule-host has unsaved changes to is not edited
+    // here, and while this editor is open the file is this run's.
+    DocumentLock lock(options.editorHeadless() ? QString() : document.path());
+    if (!document.path().isEmpty() && !options.editorHeadless() && !lock.lock())
+        return fail(kExitBadInput,
+                    QStringLiteral("%1 has unsaved changes in another ferrule-host (process %2)")
+                        .arg(document.path())
+                        .arg(DocumentLock::holder(document.path())));
     // A file that cannot be saved is said at once; OK will still offer Retry or Save As.
     if (!document.path().isEmpty() && !options.headless()) {
         QString why;
@@ -81,9 +90,10 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     if (!document.path().isEmpty() && document.modified()) {
         QString why;
         const AskAfterFailedSave ask =
-            options.headless()
-                ? AskAfterFailedSave()
-                : AskAfterFailedSave([](const QString& e) { return askAfterFailedSave(e); });
+            options.headless() ? AskAfterFailedSave()
+                               : AskAfterFailedSave([](const QString& e, bool changedOnDisk) {
+                                     return askAfterFailedSave(e, changedOnDisk);
+                                 });
         if (!saveWithRecovery(document, ask, &why))
             return fail(1,
                         QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));

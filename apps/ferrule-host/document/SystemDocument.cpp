@@ -5,6 +5,10 @@
 #include "device/SyxFile.h"
 #include "io/AtomicFile.h"
 
+#include <QCryptographicHash>
+#include <QFile>
+#include <QFileInfo>
+
 namespace ferrule {
 
 SystemDocument::SystemDocument(int model, QByteArray header)
@@ -28,7 +32,31 @@ std::optional<SystemDocument> SystemDocument::open(const QString& path, int mode
     doc.path_ = path;
     doc.image_ = read.image;
     doc.format_ = read.syx ? DataFormat::Syx : DataFormat::Raw;
+    QFile file(path);
+    doc.disk_ = diskState(path, file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray());
     return doc;
+}
+
+QByteArray SystemDocument::hashOf(const QByteArray& bytes) {
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha256);
+}
+
+SystemDocument::DiskState SystemDocument::diskState(const QString& path, const QByteArray& bytes) {
+    const QFileInfo info(path);
+    return {info.size(), info.lastModified(), hashOf(bytes)};
+}
+
+QString SystemDocument::changedOnDisk() const {
+    if (path_.isEmpty() || disk_.size < 0) return {};
+    const QFileInfo info(path_);
+    // A file that is gone holds nothing a save could overwrite.
+    if (!info.exists()) return {};
+    if (info.size() == disk_.size && info.lastModified() == disk_.modified) return {};
+    QFile file(path_);
+    if (file.open(QIODevice::ReadOnly) && hashOf(file.readAll()) == disk_.hash) return {};
+    return QStringLiteral("%1 was changed on disk after it was read here (%2); saving would "
+                          "replace those changes")
+        .arg(info.fileName(), info.lastModified().toString(QStringLiteral("HH:mm:ss")));
 }
 
 void SystemDocument::setImage(const QByteArray& image) {
@@ -48,15 +76,20 @@ bool SystemDocument::save(QString* error) {
         *error = QStringLiteral("the document has no file yet");
         return false;
     }
-    if (!AtomicFile::write(path_, encode(format_), error)) return false;
+    const QByteArray bytes = encode(format_);
+    if (!AtomicFile::write(path_, bytes, error)) return false;
+    disk_ = diskState(path_, bytes);
     modified_ = false;
     return true;
 }
 
 bool SystemDocument::saveAs(const QString& path, DataFormat format, QString* error) {
-    if (!AtomicFile::write(path, encode(format), error)) return false;
+    const QByteArray bytes = encode(format);
+    if (!AtomicFile::write(path, bytes, error)) return false;
     path_ = path;
     format_ = format;
+    disk_ = diskState(path_, bytes);
+    readOnly_ = false;
     modified_ = false;
     return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QString>
 
 #include <optional>
@@ -37,18 +38,36 @@ public:
     void setImage(const QByteArray& image);
     // The file's bytes in a form.
     QByteArray encode(DataFormat format) const;
+    // Whether the file was changed on disk by someone else since it was read or last saved:
+    // empty when not, otherwise a sentence that says so. A file touched without a change of
+    // its bytes has not changed.
+    QString changedOnDisk() const;
+    // Opened while another ferrule-host has unsaved changes to the file: saving goes elsewhere.
+    bool readOnly() const { return readOnly_; }
+    void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
     // Writes the document to its file in its form, atomically; false with the system's reason.
     bool save(QString* error);
     // Makes `path` the document's file, in `format`, and saves there.
     bool saveAs(const QString& path, DataFormat format, QString* error);
 
 private:
+    // The file as this document last read or wrote it.
+    struct DiskState {
+        qint64 size = -1;
+        QDateTime modified;
+        QByteArray hash;
+    };
+    static DiskState diskState(const QString& path, const QByteArray& bytes);
+    static QByteArray hashOf(const QByteArray& bytes);
+
     int model_;
     QByteArray header_;
     QByteArray image_;
     QString path_;
     DataFormat format_ = DataFormat::Raw;
     bool modified_ = false;
+    bool readOnly_ = false;
+    DiskState disk_;
 };
 
 } // namespace ferrule

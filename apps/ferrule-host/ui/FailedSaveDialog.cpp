@@ -6,18 +6,22 @@
 
 namespace ferrule {
 
-SaveChoice askAfterFailedSave(const QString& error, QWidget* parent) {
+SaveChoice askAfterFailedSave(const QString& error, bool changedOnDisk, QWidget* parent) {
     QMessageBox box(QMessageBox::Warning, QStringLiteral("Tonebench"),
                     QStringLiteral("The system data could not be saved.\n%1\n\nYour changes are "
                                    "kept until you choose.")
                         .arg(error),
                     QMessageBox::NoButton, parent);
-    QPushButton* retry = box.addButton(QStringLiteral("Retry"), QMessageBox::AcceptRole);
+    // A file changed elsewhere is not tried again: it is replaced, or the data goes elsewhere.
+    QPushButton* retry =
+        box.addButton(changedOnDisk ? QStringLiteral("Overwrite") : QStringLiteral("Retry"),
+                      changedOnDisk ? QMessageBox::DestructiveRole : QMessageBox::AcceptRole);
     QPushButton* saveAs = box.addButton(QStringLiteral("Save As…"), QMessageBox::ActionRole);
     box.addButton(QStringLiteral("Discard"), QMessageBox::DestructiveRole);
-    box.setDefaultButton(retry);
+    box.setDefaultButton(changedOnDisk ? saveAs : retry);
     box.exec();
-    if (box.clickedButton() == retry) return {SaveChoice::Retry, {}};
+    if (box.clickedButton() == retry)
+        return {changedOnDisk ? SaveChoice::Overwrite : SaveChoice::Retry, {}};
     if (box.clickedButton() == saveAs) {
         const QString path = QFileDialog::getSaveFileName(
             parent, QStringLiteral("Save system data as"), QString(),

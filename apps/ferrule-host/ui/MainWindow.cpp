@@ -66,7 +66,13 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
                                      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
                                      QMessageBox::Save);
     };
-    askFailed_ = [this](const QString& error) { return askAfterFailedSave(error, this); };
+    askFailed_ = [this](const QString& error, bool changedOnDisk) {
+        return askAfterFailedSave(error, changedOnDisk, this);
+    };
+    askReadOnly_ = [this](const QString& text) {
+        return QMessageBox::question(this, kTitle, text, QMessageBox::Open | QMessageBox::Cancel,
+                                     QMessageBox::Cancel) == QMessageBox::Open;
+    };
     askUnknown_ = [this] {
         QMessageBox box(QMessageBox::Question, kTitle,
                         QStringLiteral("Nothing is known yet of the data the device holds, so "
@@ -443,7 +449,24 @@ QString MainWindow::deviceStateText() const {
     return text;
 }
 
+void MainWindow::updateLock() {
+    // Held while this window has changes to its file that are not saved.
+    lock_.setPath(document_.path());
+    if (document_.modified() && !document_.readOnly() && !document_.path().isEmpty()) {
+        if (!lock_.lock()) {
+            document_.setReadOnly(true);
+            say(QStringLiteral("%1 has unsaved changes in another ferrule-host (process %2): "
+                               "save yours under another name")
+                    .arg(QFileInfo(document_.path()).fileName())
+                    .arg(DocumentLock::holder(document_.path())));
+        }
+    } else {
+        lock_.unlock();
+    }
+}
+
 void MainWindow::refreshState() {
+    updateLock();
     const QString name = document_.path().isEmpty() ? QStringLiteral("Untitled")
                                                     : QFileInfo(document_.path()).fileName();
     setWindowTitle(QStringLiteral("%1[*] - GT-%2 - ferrule-host").arg(name).arg(document_.model()));
@@ -454,7 +477,10 @@ void MainWindow::refreshState() {
             : QStringLiteral("GT-%1 system data in %2 (%3)%4")
                   .arg(document_.model())
                   .arg(document_.path(), formatName(document_.format()),
-                       document_.modified() ? QStringLiteral(", changed") : QString()));
+                       QString(document_.readOnly() ? QStringLiteral(", read-only: changes "
+                                                                     "go to another file")
+                                                    : QString()) +
+                           (document_.modified() ? QStringLiteral(", changed") : QString())));
     portLabel_->setText(portState());
     deviceState_->setText(deviceStateText());
     const bool idle = device_.busy() == DeviceSession::Operation::None;
@@ -525,6 +551,16 @@ bool MainWindow::openFile(const QString& path) {
         say(error);
         QMessageBox::warning(this, kTitle, error);
         return false;
+    }
+    // One writer per file: another ferrule-host with unsaved changes to it keeps it.
+    if (const qint64 other = DocumentLock::holder(path)) {
+        if (!askReadOnly_(QStringLiteral("%1 has unsaved changes in another ferrule-host "
+                                         "(process %2). Open it read-only? Your changes can "
+                                         "then be saved under another name only.")
+                              .arg(QFileInfo(path).fileName())
+                              .arg(other)))
+            return false;
+        doc->setReadOnly(true);
     }
     document_ = std::move(*doc);
     modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));

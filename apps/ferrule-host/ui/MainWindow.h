@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/HostOptions.h"
+#include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "plugin/PlugInEditor.h"
@@ -51,6 +52,11 @@ public:
     using AskUnknownDevice = std::function<UnknownDeviceAnswer()>;
     void setAskUnknownDevice(AskUnknownDevice ask) { askUnknown_ = std::move(ask); }
     void setAskAfterFailedSave(AskAfterFailedSave ask) { askFailed_ = std::move(ask); }
+    // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
+    using AskReadOnly = std::function<bool(const QString& text)>;
+    void setAskReadOnly(AskReadOnly ask) { askReadOnly_ = std::move(ask); }
+    // Whether this window holds the lock on its file (it has unsaved changes to it).
+    bool holdsFileLock() const { return lock_.held(); }
 
     // The actions, also for tests and scripts.
     bool openFile(const QString& path);
@@ -79,6 +85,7 @@ private:
     void buildPorts();
     void showPorts();
     void refreshState();
+    void updateLock();
     void rememberRecent(const QString& path);
     void fillRecentMenu();
     bool maybeSave();
@@ -116,6 +123,8 @@ private:
     AskSave askSave_;
     AskUnknownDevice askUnknown_;
     AskAfterFailedSave askFailed_;
+    AskReadOnly askReadOnly_;
+    DocumentLock lock_;
 };
 
 } // namespace ferrule
