@@ -7,7 +7,7 @@
 #include "cli/EditorRun.h"
 #include "cli/HostOptions.h"
 #include "document/SystemDocument.h"
-#include "io/PooledThreads.h"
+#include "io/QtThreads.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -124,8 +124,9 @@ int run(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    waitForQtThreadsAtExit();
     const int code = run(argc, argv);
     // The application object is gone; its painting threads end before the process does.
-    waitForPooledThreadsToEnd();
+    waitForQtThreadsToEnd();
     return code;
 }

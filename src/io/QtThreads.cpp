@@ -1,7 +1,8 @@
-#include "PooledThreads.h"
+#include "QtThreads.h"
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -14,8 +15,8 @@ namespace ferrule {
 namespace {
 
 #ifdef __linux__
-// Whether a thread of this process still carries the name Qt gives the pool's threads.
-bool pooledThreadLeft() {
+// Whether a thread of this process still carries a name Qt gives the threads it does not join.
+bool qtThreadLeft() {
     DIR* tasks = opendir("/proc/self/task");
     if (!tasks) return false;
     bool found = false;
@@ -27,7 +28,8 @@ bool pooledThreadLeft() {
             char name[32] = {};
             const bool read = std::fgets(name, sizeof name, comm) != nullptr;
             std::fclose(comm);
-            if (read && std::strncmp(name, "Thread (pooled)", 15) == 0) {
+            if (read && (std::strncmp(name, "Thread (pooled)", 15) == 0 ||
+                         std::strncmp(name, "QDBusConnection", 15) == 0)) {
                 found = true;
                 break;
             }
@@ -40,13 +42,20 @@ bool pooledThreadLeft() {
 
 } // namespace
 
-void waitForPooledThreadsToEnd() {
+void waitForQtThreadsToEnd() {
 #ifdef __linux__
     using namespace std::chrono;
     const auto giveUp = steady_clock::now() + seconds(1);
-    while (pooledThreadLeft() && steady_clock::now() < giveUp)
+    while (qtThreadLeft() && steady_clock::now() < giveUp)
         std::this_thread::sleep_for(milliseconds(1));
 #endif
+}
+
+void waitForQtThreadsAtExit() {
+    // Handlers run in the reverse order of their registration: one registered before Qt makes
+    // its globals runs after they are destroyed, and the leak checker's, registered when the
+    // process started, runs after it.
+    std::atexit(&waitForQtThreadsToEnd);
 }
 
 } // namespace ferrule

@@ -2,7 +2,7 @@
 // settings root.
 
 #include "OffscreenApp.h"
-#include "io/PooledThreads.h"
+#include "io/QtThreads.h"
 
 #include <QApplication>
 #include <gtest/gtest.h>
@@ -20,7 +20,8 @@ int runTests(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    ferrule::waitForQtThreadsAtExit();
     const int code = runTests(argc, argv);
-    ferrule::waitForPooledThreadsToEnd();
+    ferrule::waitForQtThreadsToEnd();
     return code;
 }
