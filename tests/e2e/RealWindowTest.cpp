@@ -65,17 +65,17 @@ public:
     bool running() const { return running_; }
     const QString& name() const { return name_; }
     QString xdotool(const QStringList& args) const { return run(xdotool_, args, name_); }
-    // The first shown window whose name matches, once it is shown. A loaded machine (a
-    // sanitizer build beside other tests) can take many seconds to start a program, so this
-    // waits as long as `host` runs, up to a minute.
+    // The first window whose name matches, and then a moment for it to settle where it is
+    // shown. A loaded machine (a sanitizer build beside other tests) can take many seconds to
+    // start a program, so this waits as long as `host` runs, up to a minute.
     QString window(const QString& pattern, const QProcess& host) const {
         QString id;
         for (int i = 0; i < 1200 && id.isEmpty() && host.state() != QProcess::NotRunning; ++i) {
-            id = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                          QStringLiteral("--name"), pattern})
+            id = xdotool({QStringLiteral("search"), QStringLiteral("--name"), pattern})
                      .section(QLatin1Char('\n'), 0, 0);
             if (id.isEmpty()) QThread::msleep(50);
         }
+        QThread::msleep(300);
         return id;
     }
     // Where a window's top left corner is on the screen.
