@@ -46,16 +46,18 @@ public:
         xvfb_ = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
         xdotool_ = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
         if (xvfb_.isEmpty() || xdotool_.isEmpty()) return;
-        int number = 90 + int(QCoreApplication::applicationPid() % 50);
-        while (QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(number)))
-            ++number;
+        // Xvfb picks a free display itself and says which once it accepts clients: tests that
+        // start at the same moment can never pick the same one.
+        server_.start(xvfb_,
+                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+                       QStringLiteral("0"), QStringLiteral("1280x800x24")});
+        QByteArray said;
+        while (!said.contains('\n') && server_.waitForReadyRead(30000))
+            said += server_.readAllStandardOutput();
+        bool isNumber = false;
+        const int number = said.trimmed().toInt(&isNumber);
+        running_ = isNumber;
         name_ = QStringLiteral(":%1").arg(number);
-        server_.start(xvfb_, {name_, QStringLiteral("-screen"), QStringLiteral("0"),
-                              QStringLiteral("1280x800x24")});
-        const QString socket = QStringLiteral("/tmp/.X11-unix/X%1").arg(number);
-        for (int i = 0; i < 100 && !QFile::exists(socket); ++i)
-            QThread::msleep(50);
-        running_ = QFile::exists(socket);
     }
     ~XDisplay() {
         server_.terminate();
