@@ -39,6 +39,16 @@ void expectSameBytes(const QByteArray& after, const QByteArray& expected) {
                           << int(expected[i]);
 }
 
+// How a program that should still run has ended, for a failure's message.
+std::string ended(QProcess& host) {
+    if (host.state() != QProcess::NotRunning) return " (it still runs)";
+    return QStringLiteral(" (it ended with %1: %2)")
+        .arg(host.exitStatus() == QProcess::NormalExit ? QString::number(host.exitCode())
+                                                       : QStringLiteral("a crash"),
+             QString::fromLocal8Bit(host.readAllStandardError()).right(2000))
+        .toStdString();
+}
+
 // An X display of the test's own (Xvfb), and xdotool on it.
 class XDisplay {
 public:
@@ -70,12 +80,13 @@ public:
     // The first window whose name matches, and then a moment for it to settle where it is
     // shown. A loaded machine (a sanitizer build beside other tests) can take many seconds to
     // start a program, so this waits as long as `host` runs, up to a minute.
-    QString window(const QString& pattern, const QProcess& host) const {
+    QString window(const QString& pattern, QProcess& host) const {
         QString id;
         for (int i = 0; i < 1200 && id.isEmpty() && host.state() != QProcess::NotRunning; ++i) {
             id = xdotool({QStringLiteral("search"), QStringLiteral("--name"), pattern})
                      .section(QLatin1Char('\n'), 0, 0);
-            if (id.isEmpty()) QThread::msleep(50);
+            // Waiting on the program also notices at once when it has ended.
+            if (id.isEmpty()) host.waitForFinished(50);
         }
         QThread::msleep(300);
         return id;
@@ -124,7 +135,7 @@ TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
                        QStringLiteral("--data"), data},
                       dir.path());
     const QString window = display.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(window.isEmpty()) << "the editor window did not appear";
+    ASSERT_FALSE(window.isEmpty()) << "the editor window did not appear" << ended(host);
     const QPoint origin = display.origin(window);
     auto at = [&](int dx, int dy) {
         return QStringList{QStringLiteral("mousemove"), QString::number(origin.x() + dx),
@@ -168,12 +179,12 @@ TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
                 {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data},
                 dir.path());
     const QString main = x.window(QStringLiteral("main.bin"), host);
-    ASSERT_FALSE(main.isEmpty()) << "the main window did not appear";
+    ASSERT_FALSE(main.isEmpty()) << "the main window did not appear" << ended(host);
     // No window manager runs on the display: focus the window and type through XTEST.
     x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
     x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+e")});
     const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(editor.isEmpty()) << "Edit did not open the editor";
+    ASSERT_FALSE(editor.isEmpty()) << "Edit did not open the editor" << ended(host);
     const QPoint e = x.origin(editor);
     auto clickAt = [&](int dx, int dy) {
         x.xdotool({QStringLiteral("mousemove"), QString::number(e.x() + dx),
@@ -223,7 +234,7 @@ TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
                  QStringLiteral("--data"), data},
                 dir.path());
     const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(editor.isEmpty()) << "the editor window did not appear";
+    ASSERT_FALSE(editor.isEmpty()) << "the editor window did not appear" << ended(host);
     x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), editor});
     auto keys = [&](const QString& key, int times) {
         x.xdotool({QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40"),
