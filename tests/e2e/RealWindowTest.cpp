@@ -58,9 +58,12 @@ public:
         if (xvfb_.isEmpty() || xdotool_.isEmpty()) return;
         // Xvfb picks a free display itself and says which once it accepts clients: tests that
         // start at the same moment can never pick the same one.
-        server_.start(xvfb_,
-                      {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-                       QStringLiteral("0"), QStringLiteral("1280x800x24")});
+        // An X server resets when its last client leaves, and refuses connections meanwhile;
+        // every xdotool call is a client that leaves, so a program starting at that moment
+        // could not connect. -noreset keeps the server as it is.
+        server_.start(xvfb_, {QStringLiteral("-displayfd"), QStringLiteral("1"),
+                              QStringLiteral("-noreset"), QStringLiteral("-screen"),
+                              QStringLiteral("0"), QStringLiteral("1280x800x24")});
         QByteArray said;
         while (!said.contains('\n') && server_.waitForReadyRead(30000))
             said += server_.readAllStandardOutput();
