@@ -34,7 +34,12 @@ echo "== appstreamcli validate"
 # --no-net: the checks of the screenshot and home page addresses need the network.
 appstreamcli validate --no-net --explain "$tree"/usr/share/metainfo/*.metainfo.xml
 echo "== update-mime-database"
-mkdir -p "$tree/mime-check"
-cp -r "$tree/usr/share/mime/packages" "$tree/mime-check/"
-update-mime-database "$tree/mime-check"
+# It says what is wrong with a type on stderr but exits 0 all the same.
+mkdir -p "$tree/check/mime"
+cp -r "$tree/usr/share/mime/packages" "$tree/check/mime/"
+mime_errors=$(XDG_DATA_DIRS="$tree/check" update-mime-database "$tree/check/mime" 2>&1 >/dev/null)
+if [ -n "$mime_errors" ]; then
+    echo "$mime_errors"
+    exit 1
+fi
 echo "Package: $deb"
