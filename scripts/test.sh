@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Builds Ferrule and runs every test with ctest, twice: a normal build, and a build with
-# AddressSanitizer and UndefinedBehaviorSanitizer. Warnings are errors in both.
+# Builds Ferrule and runs every test with ctest, twice: a normal build (with its Debian
+# package, built and checked by scripts/package.sh), and a build with AddressSanitizer and
+# UndefinedBehaviorSanitizer. Warnings are errors in both.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,8 +10,11 @@ jobs=$(nproc)
 export QT_QPA_PLATFORM=offscreen
 
 echo "== Normal build"
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DFERRULE_WERROR=ON >/dev/null
+scripts/configure.sh
 cmake --build build -j "$jobs"
+# The Debian package, which a test unpacks and runs.
+echo "== Debian package"
+scripts/package.sh
 ctest --test-dir build --output-on-failure -j "$jobs"
 
 echo "== AddressSanitizer and UndefinedBehaviorSanitizer build"

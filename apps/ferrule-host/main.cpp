@@ -6,11 +6,13 @@
 #include "cli/DeviceRuns.h"
 #include "cli/EditorRun.h"
 #include "cli/HostOptions.h"
+#include "device/SyxFile.h"
 #include "document/SystemDocument.h"
 #include "io/QtThreads.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QFileInfo>
 
 #include <csignal>
@@ -28,9 +30,22 @@ bool displayAvailable() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
+// The model a file named alone holds: a .syx file's own, otherwise the options' model.
+int modelToOpen(const HostOptions& options) {
+    QFile file(options.openFile);
+    if (!file.open(QIODevice::ReadOnly)) return options.model;
+    const int model = SyxFile::modelOf(file.read(SyxFile::kMaxSize), options.dataSetHeader());
+    return model != 0 ? model : options.model;
+}
+
 // The document the options name: the --data file, or the embedded default. A device read may
-// name a --data file that does not exist yet; it is created when the read succeeds.
+// name a --data file that does not exist yet; it is created when the read succeeds. A file
+// named alone is opened by the main window itself, on the default data of its model.
 std::optional<SystemDocument> openDocument(const HostOptions& options, QString* error) {
+    if (!options.openFile.isEmpty()) {
+        const int model = modelToOpen(options);
+        return SystemDocument(model, options.dataSetHeader(model));
+    }
     if (options.dataFile.isEmpty() ||
         (options.readsDevice() && !QFileInfo::exists(options.dataFile)))
         return SystemDocument(options.model, options.dataSetHeader());
@@ -80,6 +95,8 @@ int run(int argc, char** argv) {
         app = std::make_unique<QCoreApplication>(qtArgc, qtArgv.data());
     QCoreApplication::setApplicationName(QStringLiteral("ferrule-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FERRULE_VERSION));
+    // The desktop entry the windows belong to (their app id on Wayland).
+    QGuiApplication::setDesktopFileName(QStringLiteral(FERRULE_APP_ID));
 
     const ParsedOptions parsed = parseHostOptions(arguments);
     if (!parsed.message.isEmpty()) {
@@ -116,6 +133,8 @@ int run(int argc, char** argv) {
     if (options.mainWindow()) {
         MainWindow window(options, std::move(*document));
         window.show();
+        // A file that cannot be opened is said in the window, over the default data.
+        if (!options.openFile.isEmpty()) window.openFile(options.openFile);
         return QApplication::exec();
     }
     return runEditor(options, *document);

@@ -62,6 +62,13 @@ int otherModelOf(const QByteArray& header, const QByteArray& expected) {
     return isKnownModel(model) ? model : 0;
 }
 
+int modelOf(QByteArrayView file, const QByteArray& header) {
+    if (!looksLikeSyx(file)) return 0;
+    const qsizetype end = file.indexOf(char(0xF7));
+    if (end < 0) return 0;
+    return otherModelOf(Sysex::parse(file.first(end + 1), header).header, header);
+}
+
 Loaded read(QByteArrayView file, int model, const QByteArray& header, const QByteArray& base) {
     Loaded out;
     if (file.isEmpty()) {

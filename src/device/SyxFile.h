@@ -52,5 +52,10 @@ QByteArray write(ImageBytes image, int model, const QByteArray& header);
 // (the third), that model; otherwise 0.
 int otherModelOf(const QByteArray& header, const QByteArray& expected);
 
+// The model whose data a .syx file holds, told by its first message: a header that is `header`
+// or differs from it only in the model byte. 0 when the file does not begin with such a message
+// (a raw image, a foreign dump, a file cut short).
+int modelOf(QByteArrayView file, const QByteArray& header);
+
 } // namespace SyxFile
 } // namespace ferrule

@@ -77,6 +77,8 @@ TEST(SyxFile, EveryModelRoundTripsAndBytesTheFileLacksComeFromTheBase) {
         const SyxFile::Loaded loaded = load(file, model);
         ASSERT_TRUE(loaded.error.isEmpty()) << qPrintable(loaded.error);
         EXPECT_EQ(loaded.unitsReceived, loaded.unitsExpected);
+        // The file tells its model, whichever model's header it is asked with.
+        EXPECT_EQ(SyxFile::modelOf(file, Sysex::defaultHeader(10)), model);
         // Written again, the loaded image gives the very same file.
         EXPECT_EQ(SyxFile::write(bytesOf(loaded.image), model, Sysex::defaultHeader(model)), file);
         // Outside the model's stretch, the base image is untouched.
@@ -119,6 +121,10 @@ TEST(SyxFile, ABadFileIsRefusedWithTheMessageAndOffsetOfItsFirstFault) {
     const QByteArray foreign = Sysex::frame(QByteArray::fromHex("41100012"), 0, "\x01");
     EXPECT_TRUE(errorOf(foreign).startsWith(
         "message 1 at byte 0: header 41 10 00 12, expected 7D 10 0A 12"));
+    // A file that does not begin with a GT- data-set message tells no model.
+    EXPECT_EQ(SyxFile::modelOf(foreign + good, header), 0);
+    EXPECT_EQ(SyxFile::modelOf(good.left(second - 1), header), 0);
+    EXPECT_EQ(SyxFile::modelOf(makeDefaultImage(), header), 0);
     const QByteArray unknown = Sysex::frame(header, 0x7F000000, "\x01");
     EXPECT_TRUE(errorOf(good + unknown)
                     .startsWith(QStringLiteral("message %1 at byte %2: address 7F 00 00 00")

@@ -89,6 +89,9 @@ TEST_F(HostProcessTest, BadInputGetsOneClearLineAndExitTwo) {
         {{QStringLiteral("--plugin"), notPlugin}, "not a plug-in"},
         {{QStringLiteral("--plugin"), dir.path()}, "no plug-in"},
         {{QStringLiteral("--bogus")}, "bogus"},
+        // A file named alone opens in the main window, never in a headless run.
+        {{wrongSize}, "give it as --data FILE"},
+        {{wrongSize, tooLong}, "one file at a time"},
     };
     for (const auto& c : cases) {
         const QByteArray before = readFile(wrongSize);

@@ -1,27 +1,16 @@
 // The editor in a real X window (Xvfb), driven with xdotool as a person would: a tab, a knob
 // drag, a switch, an option item, then OK. The data file must change by exactly those bytes.
 
-#include <QCoreApplication>
-#include <QDir>
+#include "XDisplay.h"
+
 #include <QFile>
 #include <QPoint>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
 
 namespace {
-
-QString run(const QString& program, const QStringList& args, const QString& display) {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display);
-    p.setProcessEnvironment(env);
-    p.start(program, args);
-    p.waitForFinished(10000);
-    return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
-}
 
 // A data file of zeros (an image of 43,252 bytes) in `dir`; empty when it cannot be written.
 QString zeroImage(const QTemporaryDir& dir, const QString& name) {
@@ -38,90 +27,6 @@ void expectSameBytes(const QByteArray& after, const QByteArray& expected) {
             ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
                           << int(expected[i]);
 }
-
-// How a program that should still run has ended, for a failure's message.
-std::string ended(QProcess& host) {
-    if (host.state() != QProcess::NotRunning) return " (it still runs)";
-    return QStringLiteral(" (it ended with %1: %2)")
-        .arg(host.exitStatus() == QProcess::NormalExit ? QString::number(host.exitCode())
-                                                       : QStringLiteral("a crash"),
-             QString::fromLocal8Bit(host.readAllStandardError()).right(2000))
-        .toStdString();
-}
-
-// An X display of the test's own (Xvfb), and xdotool on it.
-class XDisplay {
-public:
-    XDisplay() {
-        xvfb_ = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
-        xdotool_ = QStandardPaths::findExecutable(QStringLiteral("xdotool"));
-        if (xvfb_.isEmpty() || xdotool_.isEmpty()) return;
-        // Xvfb picks a free display itself and says which once it accepts clients: tests that
-        // start at the same moment can never pick the same one.
-        // An X server resets when its last client leaves, and refuses connections meanwhile;
-        // every xdotool call is a client that leaves, so a program starting at that moment
-        // could not connect. -noreset keeps the server as it is.
-        server_.start(xvfb_, {QStringLiteral("-displayfd"), QStringLiteral("1"),
-                              QStringLiteral("-noreset"), QStringLiteral("-screen"),
-                              QStringLiteral("0"), QStringLiteral("1280x800x24")});
-        QByteArray said;
-        while (!said.contains('\n') && server_.waitForReadyRead(30000))
-            said += server_.readAllStandardOutput();
-        bool isNumber = false;
-        const int number = said.trimmed().toInt(&isNumber);
-        running_ = isNumber;
-        name_ = QStringLiteral(":%1").arg(number);
-    }
-    ~XDisplay() {
-        server_.terminate();
-        server_.waitForFinished(3000);
-    }
-    bool tools() const { return !xvfb_.isEmpty() && !xdotool_.isEmpty(); }
-    bool running() const { return running_; }
-    const QString& name() const { return name_; }
-    QString xdotool(const QStringList& args) const { return run(xdotool_, args, name_); }
-    // The first window whose name matches, and then a moment for it to settle where it is
-    // shown. A loaded machine (a sanitizer build beside other tests) can take many seconds to
-    // start a program, so this waits as long as `host` runs, up to a minute.
-    QString window(const QString& pattern, QProcess& host) const {
-        QString id;
-        for (int i = 0; i < 1200 && id.isEmpty() && host.state() != QProcess::NotRunning; ++i) {
-            id = xdotool({QStringLiteral("search"), QStringLiteral("--name"), pattern})
-                     .section(QLatin1Char('\n'), 0, 0);
-            // Waiting on the program also notices at once when it has ended.
-            if (id.isEmpty()) host.waitForFinished(50);
-        }
-        QThread::msleep(300);
-        return id;
-    }
-    // Where a window's top left corner is on the screen.
-    QPoint origin(const QString& window) const {
-        QPoint at;
-        for (const QString& line :
-             xdotool({QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window})
-                 .split(QLatin1Char('\n'))) {
-            if (line.startsWith(QLatin1String("X="))) at.setX(line.mid(2).toInt());
-            if (line.startsWith(QLatin1String("Y="))) at.setY(line.mid(2).toInt());
-        }
-        return at;
-    }
-    // Starts ferrule-host on this display with a private settings root.
-    void startHost(QProcess& host, const QStringList& args, const QString& settings) const {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("DISPLAY"), name_);
-        env.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settings);
-        env.insert(QStringLiteral("LSAN_OPTIONS"),
-                   QStringLiteral("suppressions=" FERRULE_X11_LEAK_SUPPRESSIONS));
-        host.setProcessEnvironment(env);
-        host.start(QStringLiteral(FERRULE_HOST_BINARY), args);
-    }
-
-private:
-    QString xvfb_, xdotool_, name_;
-    QProcess server_;
-    bool running_ = false;
-};
 
 } // namespace
 

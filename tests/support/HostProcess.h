@@ -50,11 +50,13 @@ inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRo
     return r;
 }
 
-inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000,
-                       const QProcessEnvironment& extra = QProcessEnvironment()) {
+// Runs a program (ferrule-host, or another build's) in ferrule-host's environment.
+inline HostRun runProgram(const QString& program, const QStringList& args,
+                          const QString& settingsRoot, int timeoutMs = 60000,
+                          const QProcessEnvironment& extra = QProcessEnvironment()) {
     QProcess p;
     p.setProcessEnvironment(hostEnvironment(settingsRoot, extra));
-    p.start(QStringLiteral(FERRULE_HOST_BINARY), args);
+    p.start(program, args);
     HostRun r;
     if (!p.waitForFinished(timeoutMs)) {
         p.kill();
@@ -65,4 +67,9 @@ inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int
     r.out = p.readAllStandardOutput();
     r.err = p.readAllStandardError();
     return r;
+}
+
+inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000,
+                       const QProcessEnvironment& extra = QProcessEnvironment()) {
+    return runProgram(QStringLiteral(FERRULE_HOST_BINARY), args, settingsRoot, timeoutMs, extra);
 }

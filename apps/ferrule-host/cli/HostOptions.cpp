@@ -126,6 +126,11 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("main-screenshot"),
         QStringLiteral("Headless: render the main window to FILE.png and exit."),
         QStringLiteral("FILE.png"));
+    parser.addPositionalArgument(
+        QStringLiteral("FILE"),
+        QStringLiteral("System data to open in the main window, as File > Open does: a raw "
+                       "image, or a .syx file (whose model is taken from the file)."),
+        QStringLiteral("[FILE]"));
     parser.addOptions({model,    title,    data,          plugin,  screenshot,    page,
                        describe, transmit, syx,           midiOut, listPorts,     gap,
                        header,   refuse,   midiApi,       midiIn,  exportSyx,     receive,
@@ -145,9 +150,10 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                          QCoreApplication::applicationVersion() + QLatin1Char('\n');
         return result;
     }
-    if (!parser.positionalArguments().isEmpty()) {
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1) {
         result.error =
-            QStringLiteral("unexpected argument \"%1\"").arg(parser.positionalArguments().first());
+            QStringLiteral("unexpected argument \"%1\": one file at a time").arg(files[1]);
         return result;
     }
     HostOptions o;
@@ -255,6 +261,15 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         if (o.requestHeader.isEmpty()) {
             result.error = QStringLiteral("--request-header \"%1\" is not hex bytes 00-7F")
                                .arg(parser.value(requestHeader));
+            return result;
+        }
+    }
+    if (!files.isEmpty()) {
+        o.openFile = files.first();
+        if (!o.mainWindow() || parser.isSet(data)) {
+            result.error = QStringLiteral("\"%1\" would open in the main window; with --data, "
+                                          "--edit or a headless run, give it as --data FILE")
+                               .arg(o.openFile);
             return result;
         }
     }

@@ -31,6 +31,9 @@ struct HostOptions {
     int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
     bool edit = false; // the editor at once on the data, without the main window
     QString mainScreenshot;
+    // A file named alone on the command line (as a desktop entry's %f passes it): the main
+    // window opens it as File > Open does.
+    QString openFile;
 
     // The data-set header in use for a model (by default the options' model).
     QByteArray dataSetHeader(int forModel = 0) const;

@@ -27,10 +27,12 @@ QString findIn(const QString& folder, const QString& key) {
 
 } // namespace
 
+// The install location comes first: an installed or unpacked host takes the plug-in it came
+// with even on a machine that also holds the build tree it was built in.
 QStringList defaultPlugInFolders() {
     const QString appDir = QCoreApplication::applicationDirPath();
-    return {QStringLiteral(FERRULE_BUILD_PLUGIN_DIR),
-            QDir(appDir).filePath(QStringLiteral(FERRULE_PLUGIN_RELDIR))};
+    return {QDir::cleanPath(QDir(appDir).filePath(QStringLiteral(FERRULE_PLUGIN_RELDIR))),
+            QStringLiteral(FERRULE_BUILD_PLUGIN_DIR)};
 }
 
 LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath) {

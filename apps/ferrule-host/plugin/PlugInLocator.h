@@ -4,7 +4,7 @@
 #include <QStringList>
 
 // Finds the plug-in library whose metadata carries a key: in an explicit path (a file or a
-// folder), else in the build tree and the install location.
+// folder), else in the install location beside the host's own binary, then in the build tree.
 struct LocatedPlugIn {
     QString file;
     QString error;
