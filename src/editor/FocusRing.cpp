@@ -34,6 +34,11 @@ void FocusRing::follow() {
     update();
 }
 
+void FocusRing::showForKeyboard() {
+    keyboard_ = true;
+    follow();
+}
+
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
     auto* w = static_cast<QWidget*>(watched);
     switch (event->type()) {
