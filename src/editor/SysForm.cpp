@@ -355,8 +355,8 @@ std::vector<QWidget*> SysForm::focusOrder() const {
 void SysForm::focusFirstControl() {
     const std::vector<QWidget*> chain = focusOrder();
     if (chain.empty()) return;
-    focusRing_->showForKeyboard();
     chain.front()->setFocus(Qt::TabFocusReason);
+    focusRing_->showForKeyboard(chain.front());
 }
 
 void SysForm::showEvent(QShowEvent* e) {
