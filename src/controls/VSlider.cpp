@@ -27,8 +27,8 @@ int VSlider::thumbPosition(int value, int min, int max, int travel) {
 }
 
 QRect VSlider::thumbRect() const {
-    return QRect(twipsToPx(kThumbLeft), twipsToPx(std::clamp(thumbTop_, 0, travel_)),
-                 twipsToPx(kThumbWidth), twipsToPx(kThumbHeight))
+    return QRect(twipsToPx(kThumbLeft), twipsToPx(thumbTop_), twipsToPx(kThumbWidth),
+                 twipsToPx(kThumbHeight))
         .adjusted(-2, -2, 2, 2);
 }
 
@@ -110,8 +110,9 @@ void VSlider::paintEvent(QPaintEvent* e) {
         p.setCompositionMode(QPainter::CompositionMode_SourceOver);
     }
     // The thumb travels 52 pixels; its picture is 9 pixels high, drawn from its top. A value
-    // outside the range keeps the thumb in sight at the end it passed.
-    p.drawPixmap(QPoint(twipsToPx(kThumbLeft), twipsToPx(std::clamp(thumbTop_, 0, travel_))),
+    // outside the range puts it outside its travel, where presses are tested against it too:
+    // what the user sees is what a press hits.
+    p.drawPixmap(QPoint(twipsToPx(kThumbLeft), twipsToPx(thumbTop_)),
                  ControlArt::thumbImage(devicePixelRatioF()));
     // The text is laid out only when its box is part of what is painted.
     if (e->region().intersects(valueLabelRect())) paintValueLabel(p);

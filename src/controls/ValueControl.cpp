@@ -133,7 +133,8 @@ void ValueControl::paintValueLabel(QPainter& p) const {
 bool ValueControl::pressOnLabel(const QMouseEvent* e) {
     // Every press starts a gesture; its release finishes it.
     startGesture();
-    if (!labelRect_.contains(e->position().toPoint())) return false;
+    pressedOnLabel_ = labelRect_.contains(e->position().toPoint());
+    if (!pressedOnLabel_) return false;
     const Qt::MouseButton button = e->button();
     guarded([this, button] { labelPressed(button); });
     return true;
@@ -150,9 +151,14 @@ void ValueControl::guarded(const std::function<void()>& action) {
 void ValueControl::mouseReleaseEvent(QMouseEvent* e) {
     if (e->button() == Qt::LeftButton)
         dragging_ = false;
-    else
+    else if (!pressedOnLabel_)
         showHelp(e->globalPosition().toPoint());
+    if (e->buttons() == Qt::NoButton) pressedOnLabel_ = false;
     finishGesture();
+}
+
+void ValueControl::mouseDoubleClickEvent(QMouseEvent* e) {
+    e->accept();
 }
 
 void ValueControl::focusOutEvent(QFocusEvent* e) {

@@ -113,8 +113,11 @@ protected:
     // A press inside the value label steps the value; true when it was there.
     bool pressOnLabel(const QMouseEvent* e);
     // A drag ends when the left button is released or the control loses the focus; releasing
-    // any other button shows the context help.
+    // any other button shows the context help, unless it was pressed on the value label, which
+    // is a control of its own that only steps the value.
     void mouseReleaseEvent(QMouseEvent* e) override;
+    // The second press of a double-click is no press of its own: it neither steps nor drags.
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
     void focusOutEvent(QFocusEvent* e) override;
     void hideEvent(QHideEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;
@@ -143,6 +146,7 @@ private:
     mutable QFont staticFont_;
     ValueTextSource source_;
     bool gestureOpen_ = false;
+    bool pressedOnLabel_ = false;
     int wheelRemainder_ = 0;
     QBasicTimer wheelBurst_;
 };

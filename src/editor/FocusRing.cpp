@@ -21,7 +21,10 @@ void FocusRing::watch(QWidget* w) {
 }
 
 void FocusRing::follow() {
-    if (!target_ || !keyboard_ || !target_->isVisible() || !target_->hasFocus()) {
+    // The window's focus widget has the focus, or gets it the moment the window is activated
+    // (a window that opens shows where it will be).
+    if (!target_ || !keyboard_ || !target_->isVisible() ||
+        target_->window()->focusWidget() != target_) {
         hide();
         return;
     }
@@ -32,6 +35,12 @@ void FocusRing::follow() {
     raise();
     show();
     update();
+}
+
+void FocusRing::showForKeyboard(QWidget* target) {
+    keyboard_ = true;
+    target_ = target;
+    follow();
 }
 
 bool FocusRing::eventFilter(QObject* watched, QEvent* event) {

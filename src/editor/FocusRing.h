@@ -20,6 +20,9 @@ public:
     QWidget* target() const { return isVisible() ? target_.data() : nullptr; }
     // Places the ring again (the target moved its focus rectangle).
     void follow();
+    // The keyboard is in use from now on (a window that opens with its focus on a control, a
+    // page switch from the keyboard): the ring shows on `target`, which has or gets the focus.
+    void showForKeyboard(QWidget* target);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

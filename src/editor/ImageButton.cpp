@@ -23,6 +23,16 @@ void ImageButton::keyPressEvent(QKeyEvent* e) {
         emit keyActivated(index_);
         return;
     }
+    if (e->modifiers() == Qt::NoModifier || e->modifiers() == Qt::KeypadModifier) {
+        if (key == Qt::Key_Left || key == Qt::Key_Up) {
+            emit keyStep(index_, -1);
+            return;
+        }
+        if (key == Qt::Key_Right || key == Qt::Key_Down) {
+            emit keyStep(index_, 1);
+            return;
+        }
+    }
     QWidget::keyPressEvent(e);
 }
 
@@ -52,6 +62,11 @@ void ImageButton::mousePressEvent(QMouseEvent* e) {
 void ImageButton::mouseMoveEvent(QMouseEvent* e) {
     emit mouseMove(index_, e->buttons(), pxToTwips(e->position().x()),
                    pxToTwips(e->position().y()));
+}
+
+void ImageButton::mouseDoubleClickEvent(QMouseEvent* e) {
+    // Qt's default would report it as a press; the row would arm again and act on its release.
+    e->accept();
 }
 
 void ImageButton::mouseReleaseEvent(QMouseEvent* e) {

@@ -7,6 +7,8 @@ namespace ferrule {
 
 // A plain picture that reports mouse presses, moves and releases with the pointer position in
 // twips, in its own coordinates; it takes the focus from the Tab key, and Space or Enter press it.
+// The second press of a double-click is no new press: it is not reported, so that a double-click
+// acts once, and its release finds no press to complete.
 // The window swaps its picture; `picture` names the source element it shows (for example
 // "Img(40)"), so that a tool can read which picture is up.
 class ImageButton : public QWidget {
@@ -28,12 +30,15 @@ signals:
     void mouseUp(int index, Qt::MouseButton button, int x, int y);
     // Space or Enter while the button has the keyboard focus.
     void keyActivated(int index);
+    // An arrow key while the button has the focus: -1 for Left or Up, +1 for Right or Down.
+    void keyStep(int index, int step);
 
 protected:
     void paintEvent(QPaintEvent*) override;
     void mousePressEvent(QMouseEvent* e) override;
     void mouseMoveEvent(QMouseEvent* e) override;
     void mouseReleaseEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
     void keyPressEvent(QKeyEvent* e) override;
 
 private:

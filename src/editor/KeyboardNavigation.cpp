@@ -147,16 +147,10 @@ std::vector<QWidget*> KeyboardNavigation::pageOrder() const {
     return out;
 }
 
-std::vector<QWidget*> KeyboardNavigation::focusChain(const std::vector<QWidget*>& leading,
-                                                     const std::vector<QWidget*>& trailing) const {
-    auto shown = [](const QWidget* w) { return w && w->isVisibleTo(w->parentWidget()); };
-    std::vector<QWidget*> chain;
-    for (QWidget* w : leading)
-        if (shown(w)) chain.push_back(w);
-    const std::vector<QWidget*> page = pageOrder();
-    chain.insert(chain.end(), page.begin(), page.end());
-    for (QWidget* w : trailing)
-        if (shown(w)) chain.push_back(w);
+std::vector<QWidget*> KeyboardNavigation::focusChain(const std::vector<QWidget*>& after) const {
+    std::vector<QWidget*> chain = pageOrder();
+    for (QWidget* w : after)
+        if (w && w->isVisibleTo(w->parentWidget())) chain.push_back(w);
     return chain;
 }
 

@@ -199,6 +199,19 @@ void SysForm::buildChrome() {
         redoKeys << QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
     for (const QKeySequence& keys : redoKeys)
         connect(new QShortcut(keys, this), &QShortcut::activated, this, &SysForm::redo);
+    // The pages from anywhere in the window, as tabbed windows switch them.
+    const auto pageKeys = [this](std::initializer_list<QKeyCombination> keys, int step) {
+        for (QKeyCombination k : keys)
+            connect(new QShortcut(QKeySequence(k), this), &QShortcut::activated, this,
+                    [this, step] {
+                        switchTabBy(step);
+                        focusFirstControl();
+                    });
+    };
+    pageKeys({Qt::CTRL | Qt::Key_Tab, Qt::CTRL | Qt::Key_PageDown}, 1);
+    pageKeys({Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, Qt::CTRL | Qt::SHIFT | Qt::Key_Tab,
+              Qt::CTRL | Qt::Key_PageUp},
+             -1);
     binding_ = new ValueBinding(
         state_, *pools_, *builder_, views_, *history_, [this] { return currentPage_; },
         [this](const QString& m) {
@@ -213,7 +226,11 @@ void SysForm::buildChrome() {
         *pools_, [this](int i) { runGuarded([this, i] { binding_->switchClicked(i); }); }, this);
     keys_->install();
     focusRing_ = new FocusRing(this);
-    for (QWidget* w : chromeFocusOrder())
+    for (QWidget* w : tabButtons_)
+        focusRing_->watch(w);
+    for (QWidget* w : modeButtons_)
+        focusRing_->watch(w);
+    for (QWidget* w : commandButtons_)
         focusRing_->watch(w);
     for (QWidget* w : pools_->knobs)
         focusRing_->watch(w);
@@ -328,32 +345,81 @@ void SysForm::ShowTab(int page) {
 }
 
 std::vector<QWidget*> SysForm::focusOrder() const {
-    std::vector<QWidget*> trailing;
-    if (grid_ && grid_->isVisible()) trailing = {grid_->cellsWidget(), grid_->autoFillButton()};
-    return keys_->focusChain(chromeFocusOrder(), trailing);
+    std::vector<QWidget*> after;
+    if (grid_ && grid_->isVisible()) after = {grid_->cellsWidget(), grid_->autoFillButton()};
+    const std::vector<QWidget*> chrome = chromeFocusOrder();
+    after.insert(after.end(), chrome.begin(), chrome.end());
+    return keys_->focusChain(after);
+}
+
+void SysForm::focusFirstControl() {
+    const std::vector<QWidget*> chain = focusOrder();
+    if (chain.empty()) return;
+    chain.front()->setFocus(Qt::TabFocusReason);
+    focusRing_->showForKeyboard(chain.front());
+}
+
+void SysForm::showEvent(QShowEvent* e) {
+    QDialog::showEvent(e);
+    // A window opens with the focus on the first control of its content.
+    focusFirstControl();
 }
 
 bool SysForm::focusNextPrevChild(bool next) {
     // Tab and Shift+Tab follow the window's reading order, worked out when they are pressed so
     // that a page switch costs nothing for it.
     const std::vector<QWidget*> chain = focusOrder();
-    const auto at = std::find(chain.begin(), chain.end(), focusWidget());
-    if (chain.empty() || at == chain.end()) return QDialog::focusNextPrevChild(next);
+    if (chain.empty()) return QDialog::focusNextPrevChild(next);
     const auto n = std::ptrdiff_t(chain.size());
-    const std::ptrdiff_t from = at - chain.begin();
+    // From outside the chain (nothing focused yet) Tab starts at the first control.
+    const auto at = std::find(chain.begin(), chain.end(), focusWidget());
+    const std::ptrdiff_t from = at == chain.end() ? (next ? n - 1 : 0) : at - chain.begin();
     const std::ptrdiff_t to = (from + (next ? 1 : n - 1)) % n;
     chain[std::size_t(to)]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
 
 std::vector<QWidget*> SysForm::chromeFocusOrder() const {
-    // The tabs as they stand left to right (the GT-8 and GT-10 move some of them).
-    std::vector<QWidget*> order(tabButtons_.begin(), tabButtons_.end());
-    std::stable_sort(order.begin(), order.end(),
-                     [](const QWidget* a, const QWidget* b) { return a->x() < b->x(); });
-    order.insert(order.end(), modeButtons_.begin(), modeButtons_.end());
+    // A row of buttons of which one is chosen is one stop, at the chosen button.
+    std::vector<QWidget*> order;
+    if (currentTab_ >= 0) order.push_back(tabButtons_[std::size_t(currentTab_)]);
+    order.push_back(modeButtons_[std::size_t(modeButtonIndex())]);
     order.insert(order.end(), commandButtons_.begin(), commandButtons_.end());
     return order;
+}
+
+std::vector<ImageButton*> SysForm::tabBarOrder() const {
+    // The model's tabs as they stand left to right (the GT-8 and GT-10 move some of them).
+    std::vector<ImageButton*> order;
+    for (int i = 0; i < 13; ++i)
+        if (TabAvailable(i, state_.model)) order.push_back(tabButtons_[std::size_t(i)]);
+    std::stable_sort(order.begin(), order.end(),
+                     [](const QWidget* a, const QWidget* b) { return a->x() < b->x(); });
+    return order;
+}
+
+int SysForm::modeButtonIndex() const {
+    for (int i = 0; i < 5; ++i)
+        if (modelForModeButton(i) == state_.model) return i;
+    return 4;
+}
+
+void SysForm::switchTabBy(int step) {
+    const std::vector<ImageButton*> tabs = tabBarOrder();
+    if (tabs.empty() || currentTab_ < 0) return;
+    const auto at = std::find(tabs.begin(), tabs.end(), tabButtons_[std::size_t(currentTab_)]);
+    const auto n = std::ptrdiff_t(tabs.size());
+    const std::ptrdiff_t from = at == tabs.end() ? 0 : at - tabs.begin();
+    const int next = tabs[std::size_t(((from + step) % n + n) % n)]->index();
+    tabPress_->down(next);
+    tabPress_->up(next);
+}
+
+void SysForm::switchModelBy(int step) {
+    const int next = modeButtonIndex() + step;
+    if (next < 0 || next >= 5) return;
+    modePress_->down(next);
+    modePress_->up(next);
 }
 
 void SysForm::Form_Load() {
@@ -384,13 +450,37 @@ void SysForm::unload() {
 }
 
 void SysForm::closeEvent(QCloseEvent* e) {
-    // Closing the window from its frame is a cancel; CancelEdit unloads when it may.
+    // Closing the window from its frame is a cancel that asks first; it unloads when it may.
     e->ignore();
-    if (loaded_) runGuarded([this] { CancelEdit(); });
+    if (loaded_) runGuarded([this] { CancelFromKeyboardOrFrame(); });
 }
 
 void SysForm::reject() {
-    runGuarded([this] { CancelEdit(); });
+    // Escape.
+    runGuarded([this] { CancelFromKeyboardOrFrame(); });
+}
+
+void SysForm::CancelFromKeyboardOrFrame() {
+    // A stray key or click must not cost the edits: the cancel button's own question covers
+    // the case after a transmission; otherwise changed values are asked about here.
+    if (!transmitted_ && differsFromHost()) {
+        QMessageBox box(QMessageBox::Question, QStringLiteral("Marwick"),
+                        QStringLiteral("Discard the changes you made to the GT-%1's system "
+                                       "settings?")
+                            .arg(state_.model),
+                        QMessageBox::NoButton, this);
+        box.setObjectName(QStringLiteral("DiscardQuestion"));
+        QPushButton* discard =
+            box.addButton(QStringLiteral("Discard"), QMessageBox::DestructiveRole);
+        QPushButton* keep = box.addButton(QStringLiteral("Keep editing"), QMessageBox::RejectRole);
+        box.setDefaultButton(keep);
+        box.setEscapeButton(keep);
+        box.exec();
+        if (box.clickedButton() != discard) return;
+        unload();
+        return;
+    }
+    CancelEdit();
 }
 
 void SysForm::UpdateDeviceID() {
@@ -479,11 +569,14 @@ void SysForm::redo() {
     runGuarded([this] { history_->redo(); });
 }
 
+bool SysForm::differsFromHost() const {
+    for (int i = 0; i < SystemImage::kSize; ++i)
+        if (state_.host.sysData(i) != state_.image.at(i)) return true;
+    return false;
+}
+
 void SysForm::CancelEdit() {
-    bool changed = false;
-    for (int i = 0; i < SystemImage::kSize && !changed; ++i)
-        changed = state_.host.sysData(i) != state_.image.at(i);
-    if (transmitted_ && changed) {
+    if (transmitted_ && differsFromHost()) {
         const QString text =
             QStringLiteral("Are you sure you want to cancel?\r\n"
                            "This will discard the changes you made in Tonebench,\r\n"
@@ -618,10 +711,21 @@ void SysForm::buildButtonRows() {
                 showCommandPicture(i, i + 8);
         },
         [this](int i) { showCommandNormal(i); }, [this](int i) { runCommand(i); }});
-    for (ImageButton* b : modeButtons_)
+    for (ImageButton* b : modeButtons_) {
         modePress_->attach(b);
-    for (ImageButton* b : tabButtons_)
+        connect(b, &ImageButton::keyStep, this, [this](int, int step) {
+            switchModelBy(step);
+            modeButtons_[std::size_t(modeButtonIndex())]->setFocus(Qt::TabFocusReason);
+        });
+    }
+    for (ImageButton* b : tabButtons_) {
         tabPress_->attach(b);
+        connect(b, &ImageButton::keyStep, this, [this](int, int step) {
+            switchTabBy(step);
+            if (currentTab_ >= 0)
+                tabButtons_[std::size_t(currentTab_)]->setFocus(Qt::TabFocusReason);
+        });
+    }
     for (ImageButton* b : commandButtons_)
         commandPress_->attach(b);
 }

@@ -63,6 +63,11 @@ public:
     Q_INVOKABLE void redo();
     void CancelEdit();
     void CommitAndClose();
+    // Escape and the window's close box: a cancel that asks before it gives up changed values
+    // ("Discard" or "Keep editing"); after a transmission the cancel's own question asks.
+    void CancelFromKeyboardOrFrame();
+    // Whether the image differs from the host's data.
+    bool differsFromHost() const;
 
     static bool TabAvailable(int tab, int model);
     static int pageForTab(int tab);
@@ -90,8 +95,18 @@ public:
     const ModuleState& state() const { return state_; }
     PageViews& views() { return views_; }
 
-    // The window's focusable controls in the order Tab visits them.
+    // The window's focusable controls in the order Tab visits them: the page's controls in
+    // reading order (and the grid), then the tab bar and the model buttons as one stop each
+    // (their current button), then the command buttons.
     std::vector<QWidget*> focusOrder() const;
+    // The next (step 1) or previous (step -1) tab the model has, in the bar's order, pressed as
+    // a click presses it; Ctrl+Tab, Ctrl+Shift+Tab, Ctrl+PgDown and Ctrl+PgUp do this and put
+    // the focus on the new page's first control, the arrows on the tab bar keep it there.
+    void switchTabBy(int step);
+    // The next or previous model button, pressed as a click presses it (the arrows on them).
+    void switchModelBy(int step);
+    // Puts the keyboard focus on the page's first control, with the focus ring showing.
+    void focusFirstControl();
 
     // Window actions catch errors at their edge and hand them here; the default shows a message
     // box. Tests replace it.
@@ -116,6 +131,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent* e) override;
+    void showEvent(QShowEvent* e) override;
     bool focusNextPrevChild(bool next) override;
     void reject() override;
 
@@ -128,6 +144,8 @@ private:
     void buildButtonRows();
     const ButtonArt& art();
     std::vector<QWidget*> chromeFocusOrder() const;
+    std::vector<ImageButton*> tabBarOrder() const;
+    int modeButtonIndex() const;
     SystemImage readHostImage() const;
     void imageChanged();
     void refreshPage();

@@ -10,6 +10,7 @@
 #include "sysdata/ModuleState.h"
 
 #include <QEvent>
+#include <QLabel>
 #include <QMouseEvent>
 
 #include <exception>
@@ -132,15 +133,25 @@ void ValueBinding::UpdateDeviceID() {
 }
 
 bool ValueBinding::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::MouseButtonPress &&
-        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton) {
-        for (int i = 0; i < ControlPools::kSwitches; ++i)
-            if (watched == pools_.onOff[std::size_t(i)]) {
-                guarded([this, i] { switchClicked(i); });
-                return true;
-            }
+    const QEvent::Type type = event->type();
+    if (type != QEvent::MouseButtonPress && type != QEvent::MouseButtonRelease &&
+        type != QEvent::MouseButtonDblClick)
+        return QObject::eventFilter(watched, event);
+    int index = -1;
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        if (watched == pools_.onOff[std::size_t(i)]) index = i;
+    const auto* mouse = static_cast<QMouseEvent*>(event);
+    if (index < 0 || mouse->button() != Qt::LeftButton) return QObject::eventFilter(watched, event);
+    if (type == QEvent::MouseButtonPress) {
+        pressedSwitch_ = index;
+    } else if (type == QEvent::MouseButtonRelease) {
+        const bool click =
+            pressedSwitch_ == index &&
+            pools_.onOff[std::size_t(index)]->rect().contains(mouse->position().toPoint());
+        pressedSwitch_ = -1;
+        if (click) guarded([this, index] { switchClicked(index); });
     }
-    return QObject::eventFilter(watched, event);
+    return true;
 }
 
 } // namespace ferrule

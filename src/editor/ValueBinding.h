@@ -35,6 +35,9 @@ public:
     void UpdateDeviceID();
 
 protected:
+    // A switch toggles on its click: the left button pressed on it and released over it. A press
+    // dragged off and released elsewhere does nothing, and the second press of a double-click is
+    // no press, so a double-click toggles once.
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -47,6 +50,8 @@ private:
     EditHistory& history_;
     std::function<int()> currentPage_;
     std::function<void(const QString&)> reportError_;
+    // The switch a left press went down on, until its release: -1 for none.
+    int pressedSwitch_ = -1;
 };
 
 } // namespace ferrule

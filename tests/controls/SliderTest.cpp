@@ -139,9 +139,10 @@ TEST_F(SliderTest, MinAndMaxPullTheValueIn) {
     EXPECT_TRUE(spy.isEmpty());
 }
 
-// A value the range does not hold (a device's data may carry one) keeps the thumb in sight at
-// the end it passed, while the stored position stays what the value gives.
-TEST_F(SliderTest, AValueOutsideTheRangeKeepsTheThumbInSight) {
+// A value the range does not hold (a device's data may carry one) puts the thumb outside its
+// travel, and it is drawn where presses are tested: a press on the part in sight drags it, a
+// press below it, where the thumb of the range's end would stand, steps down.
+TEST_F(SliderTest, AValueOutsideTheRangeShowsTheThumbWherePressesFindIt) {
     auto thumbRows = [this] {
         // The thumb's amber line is the only amber in the control.
         const QImage shot = slider.grab().toImage();
@@ -156,16 +157,20 @@ TEST_F(SliderTest, AValueOutsideTheRangeKeepsTheThumbInSight) {
             }
         return rows;
     };
-    slider.setMax(10);
-    slider.setValue(10);
-    const QList<int> top = thumbRows();
-    ASSERT_FALSE(top.isEmpty());
-    slider.setValue(25);
-    EXPECT_LT(slider.thumbTop(), 0);
-    EXPECT_EQ(thumbRows(), top) << "above the range: at the top";
-    slider.setValue(0);
-    const QList<int> bottom = thumbRows();
-    slider.setMin(2);
-    slider.setValue(0);
-    EXPECT_EQ(thumbRows(), bottom) << "below the range: at the bottom";
+    slider.setMax(20);
+    slider.setValue(20);
+    const QList<int> atMax = thumbRows();
+    ASSERT_FALSE(atMax.isEmpty());
+    slider.setValue(21);
+    EXPECT_EQ(slider.thumbTop(), -39);
+    const QList<int> above = thumbRows();
+    ASSERT_FALSE(above.isEmpty()) << "part of the thumb is in sight";
+    EXPECT_LT(above.first(), atMax.first()) << "drawn above the travel, where it is";
+    pressAt(&slider, 645, 15);
+    EXPECT_TRUE(slider.dragging()) << "a press on the thumb in sight";
+    releaseAt(&slider, 645, 15);
+    clickAt(&slider, 645, 120);
+    EXPECT_EQ(changes(), (QList<int>{20})) << "below the thumb: one step down";
+    slider.setValue(30);
+    EXPECT_TRUE(thumbRows().isEmpty()) << "far above the range the thumb is out of sight";
 }

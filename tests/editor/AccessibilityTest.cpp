@@ -87,8 +87,8 @@ TEST(Accessibility, EveryControlOfAPageReadsAsTheUserSeesIt) {
         EXPECT_EQ(tab->role(), QAccessible::PageTab);
         EXPECT_FALSE(tab->text(QAccessible::Name).isEmpty());
 
-        // The Tab key: from the last command button through the page in reading order, and
-        // round to the first tab button; Shift+Tab goes back.
+        // The Tab key: from the last command button round to the page, through it in reading
+        // order, and on to the tab bar; Shift+Tab goes back.
         std::vector<QWidget*> chain;
         f.form->commandButton(3)->setFocus(Qt::TabFocusReason);
         for (int n = 0; n < 200; ++n) {

@@ -12,10 +12,16 @@
 #include "document/DocumentLock.h"
 #include "sysdata/ParameterEncoding.h"
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QFile>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace ferrule;
@@ -210,4 +216,81 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     ASSERT_TRUE(again.save());
     EXPECT_FALSE(again.holdsFileLock());
     EXPECT_EQ(readFile(path), edits);
+}
+
+// A new user's first look: the empty window says what to do first; greyed actions say why; the
+// texts are whole at the default size; the window's dialogs carry the program's name and no
+// command-line words, and a No to "switch model?" is taken as said, not answered by a second box.
+TEST(MainWindow, AnEmptyStartSaysWhatToDoAndItsDialogsSpeakTheWindowsLanguage) {
+    QTemporaryDir dir;
+    const QString gt10 =
+        dir.filePath(QStringLiteral("a-backup-of-the-gt10-in-the-rehearsal-room.syx"));
+    {
+        SystemDocument doc(10, Sysex::defaultHeader(10));
+        QString error;
+        ASSERT_TRUE(doc.saveAs(gt10, DataFormat::Syx, &error)) << qPrintable(error);
+    }
+    MainWindow window(hostOptionsForTests(8), SystemDocument(8, Sysex::defaultHeader(8)));
+    window.show();
+    QApplication::processEvents();
+    const auto* hint = window.findChild<QLabel*>(QStringLiteral("firstStartHint"));
+    ASSERT_NE(hint, nullptr);
+    EXPECT_TRUE(hint->isVisible());
+    for (const char* words : {"MIDI ports", "Request", ".syx", "File &gt; Open"})
+        EXPECT_TRUE(hint->text().contains(QLatin1String(words))) << words;
+
+    int greyed = 0;
+    for (const QAction* a : window.findChildren<QAction*>()) {
+        if (a->isEnabled() || a->text().isEmpty() || a->menu()) continue;
+        ++greyed;
+        EXPECT_TRUE(a->toolTip().startsWith(QLatin1String("Not now: ")))
+            << a->text().toStdString() << ": " << a->toolTip().toStdString();
+    }
+    EXPECT_GE(greyed, 5) << "without ports: Receive, Request, Send, Send Changes, Stop";
+
+    // Every box the window shows is noted and answered No.
+    QStringList titles, texts;
+    QTimer answer;
+    answer.setInterval(5);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+                titles << box->windowTitle();
+                texts << box->text();
+                if (QAbstractButton* no = box->button(QMessageBox::No))
+                    no->click();
+                else
+                    box->reject();
+            }
+    });
+    answer.start();
+    EXPECT_FALSE(window.openFile(gt10));
+    answer.stop();
+    ASSERT_EQ(texts.size(), 1) << texts.join(QLatin1String(" | ")).toStdString();
+    EXPECT_TRUE(texts[0].contains(QLatin1String("Switch to the GT-10 and open it?")));
+    EXPECT_EQ(titles, QStringList{QStringLiteral("Ferrule")});
+    EXPECT_FALSE(window.lastResult().contains(QLatin1String("--")))
+        << qPrintable(window.lastResult());
+    EXPECT_TRUE(window.lastResult().contains(QLatin1String("GT-10")));
+
+    // The long texts are whole at the default size: the wrapped labels have the height their
+    // text needs, the others the width.
+    QApplication::processEvents();
+    for (const QLabel* label : window.centralWidget()->findChildren<QLabel*>()) {
+        if (!label->isVisible() || label->text().isEmpty()) continue;
+        if (label->wordWrap())
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                << label->text().toStdString();
+        else
+            EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+    }
+    EXPECT_TRUE(hint->isVisible()) << "nothing of its own yet";
+    SystemDocument gt8(8, Sysex::defaultHeader(8));
+    QString error;
+    const QString own = dir.filePath(QStringLiteral("gt8.syx"));
+    ASSERT_TRUE(gt8.saveAs(own, DataFormat::Syx, &error));
+    answer.start();
+    EXPECT_TRUE(window.openFile(own));
+    answer.stop();
+    EXPECT_FALSE(hint->isVisible()) << "the window holds a file now";
 }

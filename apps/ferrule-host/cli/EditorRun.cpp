@@ -10,6 +10,7 @@
 #include "io/AtomicFile.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/PlugInEditor.h"
+#include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
 #include "ui/FailedSaveDialog.h"
@@ -62,13 +63,13 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     RegCreateKey(RegRoot::LocalMachine, kEditorKey);
 
     QWidget ownerWindow;
-    ownerWindow.setWindowTitle(QStringLiteral("Tonebench"));
+    ownerWindow.setWindowTitle(programName());
     if (!options.editorHeadless())
         QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
                          [&pipeline, plugIn](const QString& why) {
                              stopEditorTransmission(findEditorWindow(), plugIn);
                              QMessageBox box(
-                                 QMessageBox::Warning, QStringLiteral("Tonebench"),
+                                 QMessageBox::Warning, programName(),
                                  QStringLiteral("The transmission stopped: %1.\nSent %2.")
                                      .arg(why, pipeline.deliveryReport()),
                                  QMessageBox::Ok, QApplication::activeModalWidget());

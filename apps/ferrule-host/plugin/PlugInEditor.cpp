@@ -2,6 +2,7 @@
 
 #include "HostObject.h"
 #include "PlugInLocator.h"
+#include "ProgramName.h"
 #include "host/PlugInInterface.h"
 #include "transport/BlockPipeline.h"
 
@@ -50,7 +51,7 @@ PlugInEditor::Result PlugInEditor::edit(const QByteArray& image, const Run& run)
     pipeline->setQueueEmpty([plugIn] { plugIn->QueueEmpty(); });
     if (run.askAboutRefusal)
         QObject::connect(&host, &HostObject::transmissionRefused, &host, [] {
-            QMessageBox box(QMessageBox::Information, QStringLiteral("Tonebench"),
+            QMessageBox box(QMessageBox::Information, programName(),
                             QStringLiteral("Nothing would leave: no MIDI output port and no .syx "
                                            "file are chosen.\nChoose a MIDI output to transmit."),
                             QMessageBox::Ok, QApplication::activeModalWidget());

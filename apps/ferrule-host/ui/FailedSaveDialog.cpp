@@ -1,5 +1,7 @@
 #include "FailedSaveDialog.h"
 
+#include "plugin/ProgramName.h"
+
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -7,7 +9,7 @@
 namespace ferrule {
 
 SaveChoice askAfterFailedSave(const QString& error, bool changedOnDisk, QWidget* parent) {
-    QMessageBox box(QMessageBox::Warning, QStringLiteral("Tonebench"),
+    QMessageBox box(QMessageBox::Warning, programName(),
                     QStringLiteral("The system data could not be saved.\n%1\n\nYour changes are "
                                    "kept until you choose.")
                         .arg(error),

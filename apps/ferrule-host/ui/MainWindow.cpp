@@ -6,6 +6,7 @@
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 #include "plugin/EditorWindow.h"
+#include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
 
@@ -37,7 +38,7 @@ namespace {
 const QString kHostKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Host");
 constexpr int kRecentFiles = 8;
 // The title of the window's own dialogs.
-const QString kTitle = QStringLiteral("Ferrule");
+const QString kTitle = programName();
 
 QString readSetting(const QString& name) {
     QVariant v = QString();
@@ -105,6 +106,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     summary_ = new QLabel(central);
     summary_->setObjectName(QStringLiteral("summary"));
     summary_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    summary_->setWordWrap(true);
     editButton_ = new QPushButton(QStringLiteral("Edit System Settings…"), central);
     editButton_->setObjectName(QStringLiteral("edit"));
     connect(editButton_, &QPushButton::clicked, this, &MainWindow::edit);
@@ -129,9 +131,25 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         box.exec();
     });
     form->addRow(QStringLiteral("Last:"), result_);
-    for (QLabel* text : {deviceState_, portLabel_, result_})
+    for (QLabel* text : {summary_, deviceState_, portLabel_, result_})
         text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     form->addRow(QString(), editButton_);
+    // What to do first, while the window holds nothing but the default data.
+    hint_ = new QLabel(
+        QStringLiteral("<b>To begin</b>, read the device: choose its MIDI ports In and Out in "
+                       "the MIDI Ports tool bar above, then <b>Device &gt; Request</b>.<br>Or "
+                       "open a .syx file with <b>File &gt; Open…</b>, or drop it on this "
+                       "window."),
+        central);
+    hint_->setObjectName(QStringLiteral("firstStartHint"));
+    hint_->setWordWrap(true);
+    hint_->setFrameShape(QFrame::StyledPanel);
+    hint_->setMargin(8);
+    hint_->setBackgroundRole(QPalette::ToolTipBase);
+    hint_->setForegroundRole(QPalette::ToolTipText);
+    hint_->setAutoFillBackground(true);
+    hint_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    form->insertRow(0, hint_);
     setCentralWidget(central);
 
     monitor_ = new MidiMonitor(this);
@@ -195,10 +213,6 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(920, 560);
-    if (!device_.hasInput() && !device_.hasOutput())
-        result_->setText(QStringLiteral("To begin, choose the device's MIDI ports above and then "
-                                        "Device > Request, or open a .syx file with File > "
-                                        "Open…"));
     refreshState();
 }
 
@@ -251,6 +265,9 @@ void MainWindow::buildActions() {
         QKeySequence(Qt::CTRL | Qt::Key_E));
 
     QMenu* deviceMenu = menuBar()->addMenu(QStringLiteral("&Device"));
+    // A greyed item says why, as on the tool bar.
+    editMenu->setToolTipsVisible(true);
+    deviceMenu->setToolTipsVisible(true);
     receive_ = add(
         deviceMenu, QStringLiteral("&Receive"), [this] { startReceive(false); },
         QKeySequence(Qt::CTRL | Qt::Key_R));
@@ -276,7 +293,7 @@ void MainWindow::buildActions() {
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(help, QStringLiteral("&About ferrule-host"), [this] {
-        QMessageBox::about(this, QStringLiteral("About ferrule-host"),
+        QMessageBox::about(this, QStringLiteral("About %1").arg(kTitle),
                            QStringLiteral("ferrule-host %1\nThe stand-alone host of the Ferrule "
                                           "system-settings editor for GT- devices.")
                                .arg(QCoreApplication::applicationVersion()));
@@ -492,30 +509,39 @@ void MainWindow::refreshState() {
     const QString noOut = device_.chosenOutput().isEmpty()
                               ? QStringLiteral("choose the device's MIDI output port first")
                               : device_.linkProblem();
-    const auto enable = [](QAction* action, const QString& why) {
-        action->setEnabled(why.isEmpty());
-        action->setToolTip(why.isEmpty() ? action->text().remove(QLatin1Char('&'))
-                                         : QStringLiteral("Not now: %1").arg(why));
+    const auto enable = [](auto* item, const QString& why, const QString& what) {
+        item->setEnabled(why.isEmpty());
+        item->setToolTip(why.isEmpty() ? what : QStringLiteral("Not now: %1").arg(why));
+    };
+    const auto enableAction = [&](QAction* action, const QString& why) {
+        enable(action, why, action->text().remove(QLatin1Char('&')));
     };
     const QString inWhy = !idle ? busy : device_.hasInput() ? QString() : noIn;
     const QString outWhy = !idle ? busy : device_.hasOutput() ? QString() : noOut;
-    enable(receive_, inWhy);
-    enable(request_, !inWhy.isEmpty() ? inWhy : outWhy);
-    enable(send_, outWhy);
-    enable(sendChanges_, outWhy);
-    stop_->setEnabled(!idle);
+    enableAction(receive_, inWhy);
+    enableAction(request_, !inWhy.isEmpty() ? inWhy : outWhy);
+    enableAction(send_, outWhy);
+    enableAction(sendChanges_, outWhy);
+    enableAction(stop_,
+                 idle ? QStringLiteral("no transfer with the device is running") : QString());
     // An edit while the device's data arrives would be overwritten by it, and what a transfer
     // learns of the device belongs to the model it started with.
-    modelBox_->setEnabled(idle);
-    edit_->setEnabled(idle);
-    editButton_->setEnabled(idle);
+    enable(modelBox_, idle ? QString() : busy,
+           QStringLiteral("The device model whose data is edited"));
+    enableAction(edit_, idle ? QString() : busy);
+    enable(editButton_, idle ? QString() : busy, edit_->toolTip());
+    // The hint stays until the window holds something of its own: a file, the device's data,
+    // an edit.
+    hint_->setVisible(document_.path().isEmpty() && !document_.modified() &&
+                      device_.knowledge().kind == DeviceSession::Knowledge::Kind::Unknown);
     progress_->setVisible(!idle);
     cancel_->setVisible(!idle);
 }
 
 void MainWindow::say(const QString& message) {
+    // Shown whole on the Last line, which wraps; the status bar, which would cut it, is left to
+    // the progress of a transfer.
     lastResult_ = message;
-    statusBar()->showMessage(message);
     QString shown = message.toHtmlEscaped();
     if (!device_.lastDetails().isEmpty() && message.startsWith(QLatin1String("failed")))
         shown += QStringLiteral(" <a href=\"details\">Details…</a>");
@@ -537,12 +563,18 @@ bool MainWindow::openFile(const QString& path) {
         // Another model's dump: say which, and offer to switch.
         static const QRegularExpression other(QStringLiteral("holds GT-(\\d+) system data"));
         const auto m = other.match(error);
-        if (m.hasMatch() &&
-            QMessageBox::question(this, kTitle,
-                                  QStringLiteral("%1 holds GT-%2 system data.\nSwitch to the "
-                                                 "GT-%2 and open it?")
-                                      .arg(QFileInfo(path).fileName(), m.captured(1))) ==
-                QMessageBox::Yes) {
+        if (m.hasMatch()) {
+            const QString name = QFileInfo(path).fileName();
+            if (QMessageBox::question(this, kTitle,
+                                      QStringLiteral("%1 holds GT-%2 system data.\nSwitch to the "
+                                                     "GT-%2 and open it?")
+                                          .arg(name, m.captured(1))) != QMessageBox::Yes) {
+                // The answer was the user's own: said on the Last line, not asked again.
+                say(QStringLiteral("not opened: %1 holds GT-%2 system data (choose the GT-%2 "
+                                   "in the Model box to open it)")
+                        .arg(name, m.captured(1)));
+                return false;
+            }
             model = m.captured(1).toInt();
             doc = SystemDocument::open(path, model, header(model), &error);
         }

@@ -107,6 +107,7 @@ private:
     QLabel* summary_ = nullptr;
     QLabel* portLabel_ = nullptr;
     QLabel* result_ = nullptr;
+    QLabel* hint_ = nullptr;
     QLabel* deviceState_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QPushButton* cancel_ = nullptr;

@@ -1,0 +1,149 @@
+// The editor window's clicks as a real mouse delivers them (through the window: a double-click's
+// second press comes as a double-click event), and Escape and the close box, which ask before
+// they give up changed values.
+
+#include "EditorFixture.h"
+#include "RealMouse.h"
+#include "editor/ImageButton.h"
+#include "pages/ControlPools.h"
+
+#include <QAbstractButton>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMessageBox>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+using namespace ferrule;
+
+namespace {
+
+// Answers the editor's questions as they appear: clicks the button with `answer` as its text in
+// the box named `box`, and notes each question's name.
+struct Answerer {
+    Answerer(QString box, QString answer) {
+        timer.setInterval(5);
+        QObject::connect(&timer, &QTimer::timeout, [this, box, answer] {
+            for (QWidget* w : QApplication::topLevelWidgets()) {
+                auto* b = qobject_cast<QMessageBox*>(w);
+                if (!b || !b->isVisible()) continue;
+                asked << b->objectName();
+                title = b->windowTitle();
+                for (QAbstractButton* button : b->buttons())
+                    if (b->objectName() == box && button->text() == answer) button->click();
+                if (b->objectName() != box) b->reject();
+            }
+        });
+        timer.start();
+    }
+    QTimer timer;
+    QStringList asked;
+    QString title;
+};
+
+void pressEscape(QWidget* w) {
+    QTest::keyClick(w, Qt::Key_Escape);
+}
+
+} // namespace
+
+// A double-click on Transmit starts one transmission and does not stop it at once.
+TEST(EditorClicks, ADoubleClickOnTransmitStartsOnce) {
+    EditorFixture f;
+    f.form->SetFormat(8);
+    f.form->ShowTab(1);
+    int starts = 0, stops = 0;
+    f.form->setTransmissionControl({[&] {
+                                        ++starts;
+                                        f.state.transmissionStep = 1;
+                                        return true;
+                                    },
+                                    [&] {
+                                        ++stops;
+                                        f.state.transmissionStep = 0;
+                                    }});
+    ImageButton* transmit = f.form->commandButton(0);
+    realMouse::doubleClick(transmit, transmit->rect().center());
+    EXPECT_EQ(starts, 1);
+    EXPECT_EQ(stops, 0);
+    EXPECT_EQ(transmit->pictureName(), QStringLiteral("CButton(13)")) << "as a start leaves it";
+    // A double-click on a tab changes the page once and leaves the pictures as one click does.
+    ImageButton* midi = f.form->tabButton(1);
+    realMouse::doubleClick(midi, midi->rect().center());
+    EXPECT_EQ(f.form->currentPage(), 4);
+    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
+}
+
+// An on/off switch toggles on its click: a press dragged off and released elsewhere leaves it, a
+// double-click toggles it once.
+TEST(EditorClicks, ASwitchTogglesOnTheClickNotThePress) {
+    EditorFixture f;
+    f.open(10, 1);
+    QLabel* sw = nullptr;
+    for (int i = 0; i < ControlPools::kSwitches && !sw; ++i)
+        if (f.form->pools().onOff[std::size_t(i)]->isVisible())
+            sw = f.form->pools().onOff[std::size_t(i)];
+    ASSERT_NE(sw, nullptr);
+    const int address = sw->property("Tag").toString().toInt();
+    f.state.image.set(address, 0);
+    f.rebuild(1);
+    const int before = 0;
+    const QPoint on = sw->rect().center();
+    realMouse::dragOff(sw, on, on + QPoint(0, sw->height() * 3));
+    EXPECT_EQ(f.state.image.at(address), before) << "dragged off: no click";
+    realMouse::click(sw, on);
+    EXPECT_EQ(f.state.image.at(address), 1 - before);
+    realMouse::doubleClick(sw, on);
+    EXPECT_EQ(f.state.image.at(address), before) << "a double-click is one click";
+    EXPECT_EQ(sw->property("picture").toInt(), 10 + before);
+    EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+// Escape and the close box close at once when nothing changed; with changed values they ask
+// "Discard" or "Keep editing"; after a transmission the cancel's own question asks, once.
+TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
+    EditorFixture f;
+    f.open(8, 1);
+    auto change = [&f] { f.state.image.set(10400, (f.state.image.at(10400) + 1) % 128); };
+    {
+        Answerer none{QString(), QString()};
+        pressEscape(f.form.get());
+        EXPECT_FALSE(f.form->isVisible()) << "nothing changed: closed at once";
+        EXPECT_TRUE(none.asked.isEmpty());
+    }
+    for (const bool closeBox : {false, true}) {
+        f.form->Form_Load();
+        f.form->show();
+        change();
+        const auto ask = [&] {
+            if (closeBox)
+                f.form->close();
+            else
+                pressEscape(f.form.get());
+        };
+        {
+            Answerer keep(QStringLiteral("DiscardQuestion"), QStringLiteral("Keep editing"));
+            ask();
+            EXPECT_EQ(keep.asked, QStringList{QStringLiteral("DiscardQuestion")});
+            EXPECT_EQ(keep.title, QStringLiteral("Marwick"));
+            EXPECT_TRUE(f.form->isVisible()) << "kept editing";
+            EXPECT_TRUE(f.form->differsFromHost()) << "the change is still there";
+        }
+        {
+            Answerer discard(QStringLiteral("DiscardQuestion"), QStringLiteral("Discard"));
+            ask();
+            EXPECT_FALSE(f.form->isVisible());
+        }
+        f.form->Setup(); // the host's data again
+    }
+    // After a transmission with changed data: the cancel's own question, no second one.
+    f.form->Form_Load();
+    f.form->show();
+    f.form->setTransmissionControl({[] { return true; }, [] {}});
+    f.form->ToggleTransmission();
+    change();
+    Answerer yes(QStringLiteral("CancelQuestion"), QStringLiteral("&Yes"));
+    pressEscape(f.form.get());
+    EXPECT_EQ(yes.asked, QStringList{QStringLiteral("CancelQuestion")});
+    EXPECT_FALSE(f.form->isVisible());
+}
