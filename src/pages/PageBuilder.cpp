@@ -2,11 +2,10 @@
 
 #include "CaptionFit.h"
 #include "ControlPools.h"
-#include "PageCatalogue.h"
+#include "catalogue/PageCatalogue.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
-#include "device/ModelMap.h"
 #include "sysdata/ParameterEncoding.h"
 #include "sysdata/SystemImage.h"
 
@@ -40,46 +39,6 @@ PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
     , image_(image)
     , primitives_(pools, image) {}
-
-int PageBuilder::tabForPage(int page, int model) {
-    switch (page) {
-    case 1:
-    case 2:
-    case 3:
-        return 0;
-    case 4:
-        return 1;
-    case 5:
-        return 2;
-    case 6:
-        return 3;
-    case 7:
-        return model == 8 ? 7 : 0;
-    case 8:
-        return 4;
-    case 9:
-        return 5;
-    case 10:
-        return 6;
-    case 11:
-        return 8;
-    case 12:
-    case 13:
-    case 14:
-    case 15:
-        return page - 3;
-    default:
-        return -1;
-    }
-}
-
-int PageBuilder::scaleBase(int model) {
-    return harmonistScaleBase(model);
-}
-
-int PageBuilder::phraseBase(int model) {
-    return autoRiffPhraseBase(model);
-}
 
 void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, int currentPage) {
     for (const PageRow& r : rows) {
@@ -120,39 +79,15 @@ void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, in
 }
 
 int PageBuilder::customPreampBase(int n) const {
-    using namespace PageCatalogue;
-    switch (model_) {
-    case 6:
-        return kGt6CustomTones.preamp + kGt6CustomTones.preampStep * (n - 1);
-    case 8:
-        return kGt8CustomTones.preamp + kGt8CustomTones.preampStep * (n - 1);
-    case 10: {
-        // The custom preamp lies in the block of system preamp n's current channel.
-        const SystemPreampLayout& preamp = kGt10SystemPreamps[std::size_t(n - 1)];
-        const int channel = image_.at(preamp.channelByte) == 0 ? 0 : 1;
-        return preamp.channel(channel) + kGt10CustomPreampInChannel;
-    }
-    default:
-        return -1;
-    }
+    return PageCatalogue::customPreampBase(model_, n, image_.bytes());
 }
 
 int PageBuilder::customSpeakerBase(int n) const {
-    using namespace PageCatalogue;
-    if (model_ == 8) return kGt8CustomTones.speaker + kGt8CustomTones.speakerStep * (n - 1);
-    if (model_ == 10) return customPreampBase(n) + kGt10CustomSpeakerAfterPreamp;
-    return -1;
+    return PageCatalogue::customSpeakerBase(model_, n, image_.bytes());
 }
 
 int PageBuilder::systemPreampSelection() const {
-    switch (image_.at(PageCatalogue::kGt10PreampMode)) {
-    case 2:
-        return 1;
-    case 3:
-        return 2;
-    default:
-        return 0; // Patch, System 1, and values the editor cannot set
-    }
+    return PageCatalogue::systemPreampSelection(image_.bytes());
 }
 
 void PageBuilder::build(int page, const PageViews& views) {
@@ -217,9 +152,8 @@ void PageBuilder::build(int page, const PageViews& views) {
             list->setSelected(systemPreampSelection());
         }
         {
-            const PageCatalogue::SystemPreampLayout& preamp =
-                model == 8 ? PageCatalogue::kGt8SystemPreamp
-                           : PageCatalogue::kGt10SystemPreamps[systemPreampSelection()];
+            const SystemPreampLayout& preamp =
+                PageCatalogue::systemPreamp(model, model == 8 ? 0 : systemPreampSelection());
             bases.preampSwitch = preamp.onOff;
             bases.preampBlock = preamp.shared;
         }
@@ -302,16 +236,12 @@ void PageBuilder::RebindCustomTone(int n) {
 
 void PageBuilder::PlaceSystemPreampRows() {
     RowBases bases;
-    using PageCatalogue::SystemPreampLayout;
     if (model_ == 8) {
-        const SystemPreampLayout& preamp = PageCatalogue::kGt8SystemPreamp;
-        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
+        bases.preampChannel = PageCatalogue::systemPreampChannelBase(model_, 0, image_.bytes());
     } else {
-        const int k = pools_.groups[ControlPools::kSelectorList]->Selected();
-        const auto i = std::size_t(std::clamp(k, 0, 2));
-        const SystemPreampLayout& preamp = PageCatalogue::kGt10SystemPreamps[i];
-        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
-        pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(i + 1));
+        const int k = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 2);
+        bases.preampChannel = PageCatalogue::systemPreampChannelBase(model_, k, image_.bytes());
+        pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(k + 1));
     }
     place(PageCatalogue::systemPreampChannel(), bases, 11);
     fitCaptions(pools_);

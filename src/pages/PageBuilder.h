@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PagePrimitives.h"
-#include "PageRow.h"
+#include "catalogue/PageRow.h"
 
 #include <functional>
 #include <span>
@@ -52,12 +52,6 @@ public:
 
     // Builds `page` on a cleared page area.
     void build(int page, const PageViews& views);
-
-    // The tab button that belongs to a page on a model, or -1 for a page without one.
-    static int tabForPage(int page, int model);
-    // The scale (page 5) or phrase (page 6) data base of a model, or -1.
-    static int scaleBase(int model);
-    static int phraseBase(int model);
 
     void RebindCustomTone(int n);
     void PlaceSystemPreampRows();
