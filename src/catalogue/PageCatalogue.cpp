@@ -651,4 +651,60 @@ int PageCatalogue::systemPreampChannelBase(int model, int k, ImageBytes image) {
     return preamp.channel(image[std::size_t(preamp.channelByte)]);
 }
 
+int PageCatalogue::RowBases::resolve(const Address& a) const {
+    switch (a.base) {
+    case Base::None:
+        return a.offset;
+    case Base::ModelBlock:
+        return modelBlock + a.offset;
+    case Base::CustomPreamp:
+        return customPreamp + a.offset;
+    case Base::CustomSpeaker:
+        return customSpeaker + a.offset;
+    case Base::PreampBlock:
+        return preampBlock + a.offset;
+    case Base::PreampSwitch:
+        return preampSwitch + a.offset;
+    case Base::PreampChannel:
+        return preampChannel + a.offset;
+    case Base::PedalPair:
+        return pedalPair + a.offset;
+    case Base::PedalPairModes:
+        return pedalPairModes + a.offset;
+    }
+    return a.offset;
+}
+
+PageCatalogue::RowBases PageCatalogue::pageBases(int page, int model, int instance,
+                                                 ImageBytes image) {
+    RowBases bases;
+    switch (page) {
+    case 4:
+    case 8:
+    case 10:
+        bases.modelBlock = modelBlock(page, model);
+        break;
+    case 9:
+        bases.customPreamp = customPreampBase(model, instance + 1, image);
+        bases.customSpeaker = customSpeakerBase(model, instance + 1, image);
+        bases.headingWidth = preampHeadingWidth(model);
+        break;
+    case 11:
+        if (describeModel(model).systemPreamps.empty()) break;
+        bases.preampSwitch = systemPreamp(model, instance).onOff;
+        bases.preampBlock = systemPreamp(model, instance).shared;
+        bases.preampChannel = systemPreampChannelBase(model, instance, image);
+        break;
+    case 15:
+        // A control pedal pair's settings lie 48 bytes after the pair before, its Patch/System
+        // bytes 3 bytes after.
+        bases.pedalPair = 48 * instance;
+        bases.pedalPairModes = 3 * instance;
+        break;
+    default:
+        break;
+    }
+    return bases;
+}
+
 } // namespace ferrule

@@ -27,6 +27,20 @@ const SystemPreampLayout& systemPreamp(int model, int k);
 // Page 11's channel base: the current channel of system preamp k, as `image` holds it.
 int systemPreampChannelBase(int model, int k, ImageBytes image);
 
+// The addresses a page's rows are offset from (see Base), and the width of a heading that takes
+// it from the model.
+struct RowBases {
+    int modelBlock = 0, customPreamp = 0, customSpeaker = 0, preampBlock = 0, preampSwitch = 0,
+        preampChannel = 0, pedalPair = 0, pedalPairModes = 0, headingWidth = 0;
+    int resolve(const Address& a) const;
+};
+
+// The bases of a page's rows on a model for one instance of its selector: custom tone n - 1
+// (page 9), system preamp k (page 11: 0 on the GT-8, 0-2 on the GT-10), control pedal pair m
+// (page 15); the bases that follow the image (a GT-10 custom tone's channel, a system preamp's
+// channel) as `image` holds them. A page's absolute rows need none of them.
+RowBases pageBases(int page, int model, int instance, ImageBytes image);
+
 // The width of page 9's first heading: wider on the GT-10.
 inline constexpr int preampHeadingWidth(int model) {
     return model == 10 ? 8895 : 7530;

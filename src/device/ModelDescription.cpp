@@ -433,6 +433,14 @@ const ModelDescription& describeModel(int model) {
     return it == std::end(kDescriptions) ? kUnknown : *it;
 }
 
+std::vector<int> pagesOf(int model) {
+    std::vector<int> pages;
+    const ModelTabs& tabs = describeModel(model).tabs;
+    for (int t = 0; t < kTabCount; ++t)
+        if (tabs.opens[std::size_t(t)]) pages.push_back(kTabPages[std::size_t(t)]);
+    return pages;
+}
+
 int tabForPage(int page, int model) {
     const ModelTabs& tabs = describeModel(model).tabs;
     for (int t = 0; t < kTabCount; ++t)

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <span>
+#include <vector>
 
 namespace ferrule {
 
@@ -154,6 +155,9 @@ struct ModelDescription {
 std::span<const ModelDescription> modelDescriptions();
 // A model's description; one with model 0 and nothing in it for an unknown model.
 const ModelDescription& describeModel(int model);
+
+// The pages a model has: those its tabs open, in the tabs' order.
+std::vector<int> pagesOf(int model);
 
 // The tab that belongs to a page on a model: the tab that opens it there, else the System tab
 // for a system page, else the tab that opens it on other models; -1 for a page without one.

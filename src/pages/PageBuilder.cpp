@@ -11,36 +11,13 @@
 
 namespace ferrule {
 
-int PageBuilder::RowBases::resolve(const Address& a) const {
-    switch (a.base) {
-    case Base::None:
-        return a.offset;
-    case Base::ModelBlock:
-        return modelBlock + a.offset;
-    case Base::CustomPreamp:
-        return customPreamp + a.offset;
-    case Base::CustomSpeaker:
-        return customSpeaker + a.offset;
-    case Base::PreampBlock:
-        return preampBlock + a.offset;
-    case Base::PreampSwitch:
-        return preampSwitch + a.offset;
-    case Base::PreampChannel:
-        return preampChannel + a.offset;
-    case Base::PedalPair:
-        return pedalPair + a.offset;
-    case Base::PedalPairModes:
-        return pedalPairModes + a.offset;
-    }
-    return a.offset;
-}
-
 PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
     , image_(image)
     , primitives_(pools, image) {}
 
-void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, int currentPage) {
+void PageBuilder::place(std::span<const PageRow> rows, const PageCatalogue::RowBases& bases,
+                        int currentPage) {
     for (const PageRow& r : rows) {
         if ((r.flags & Gt8Only) && model_ != 8) continue;
         if ((r.flags & Gt10Only) && model_ != 10) continue;
@@ -92,7 +69,12 @@ int PageBuilder::systemPreampSelection() const {
 
 void PageBuilder::build(int page, const PageViews& views) {
     const int model = model_;
-    RowBases bases;
+    // The selector's instance the rows are placed for: custom tone n - 1, system preamp k.
+    const int instance = page == 9    ? views.preampView
+                         : page == 11 ? (model == 8 ? 0 : systemPreampSelection())
+                                      : 0;
+    const PageCatalogue::RowBases bases =
+        PageCatalogue::pageBases(page, model, instance, image_.bytes());
     cCheckRadio* list = pools_.groups[ControlPools::kSelectorList];
     switch (page) {
     case 1:
@@ -102,7 +84,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         place(PageCatalogue::systemPage(model, page == 7), bases, page);
         break;
     case 4:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::midiPage(model), bases, page);
         break;
     case 5:
@@ -121,14 +102,10 @@ void PageBuilder::build(int page, const PageViews& views) {
         if (grids_.showPhraseGrid) grids_.showPhraseGrid(true);
         break;
     case 8:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::overdrivePage(model), bases, page);
         break;
     case 9: {
         const int n = views.preampView + 1;
-        bases.customPreamp = customPreampBase(n);
-        bases.customSpeaker = customSpeakerBase(n);
-        bases.headingWidth = PageCatalogue::preampHeadingWidth(model);
         const auto rows = PageCatalogue::preampPage(model);
         place(rows, bases, page);
         if (model == 6 || model == 8 || model == 10) {
@@ -141,7 +118,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         break;
     }
     case 10:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::wahPage(model), bases, page);
         break;
     case 11:
@@ -150,12 +126,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         if (model == 10) {
             primitives_.PlaceCheckList(6660, 4530, 3, QStringLiteral("Edit Preamp!1!2!3"), true);
             list->setSelected(systemPreampSelection());
-        }
-        {
-            const SystemPreampLayout& preamp =
-                PageCatalogue::systemPreamp(model, model == 8 ? 0 : systemPreampSelection());
-            bases.preampSwitch = preamp.onOff;
-            bases.preampBlock = preamp.shared;
         }
         place(PageCatalogue::systemPreampShared(), bases, page);
         PlaceSystemPreampRows();
@@ -235,15 +205,13 @@ void PageBuilder::RebindCustomTone(int n) {
 }
 
 void PageBuilder::PlaceSystemPreampRows() {
-    RowBases bases;
-    if (model_ == 8) {
-        bases.preampChannel = PageCatalogue::systemPreampChannelBase(model_, 0, image_.bytes());
-    } else {
-        const int k = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 2);
-        bases.preampChannel = PageCatalogue::systemPreampChannelBase(model_, k, image_.bytes());
+    int k = 0;
+    if (model_ != 8) {
+        k = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 2);
         pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(k + 1));
     }
-    place(PageCatalogue::systemPreampChannel(), bases, 11);
+    place(PageCatalogue::systemPreampChannel(),
+          PageCatalogue::pageBases(11, model_, k, image_.bytes()), 11);
     fitCaptions(pools_);
 }
 
@@ -253,10 +221,8 @@ void PageBuilder::PlaceCtlPedalRows() {
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
     primitives_.PlaceHeading(1, 150, 2145, 7980, 2010,
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
-    RowBases bases;
-    bases.pedalPair = 48 * m;
-    bases.pedalPairModes = 3 * m;
-    place(PageCatalogue::ctlPedalRows(), bases, 15);
+    place(PageCatalogue::ctlPedalRows(), PageCatalogue::pageBases(15, model_, m, image_.bytes()),
+          15);
     fitCaptions(pools_);
 }
 

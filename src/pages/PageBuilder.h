@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PagePrimitives.h"
-#include "catalogue/PageRow.h"
+#include "catalogue/PageCatalogue.h"
 
 #include <functional>
 #include <span>
@@ -31,14 +31,6 @@ struct GridHooks {
 // their selector list changes.
 class PageBuilder {
 public:
-    // The addresses a page's rows are offset from (see Base), and the width of a heading that
-    // takes it from the model.
-    struct RowBases {
-        int modelBlock = 0, customPreamp = 0, customSpeaker = 0, preampBlock = 0, preampSwitch = 0,
-            preampChannel = 0, pedalPair = 0, pedalPairModes = 0, headingWidth = 0;
-        int resolve(const Address& a) const;
-    };
-
     PageBuilder(ControlPools& pools, const SystemImage& image);
 
     // The model whose pages are built (SetFormat sets it).
@@ -65,7 +57,8 @@ public:
     int systemPreampSelection() const;
 
 private:
-    void place(std::span<const PageRow> rows, const RowBases& bases, int currentPage);
+    void place(std::span<const PageRow> rows, const PageCatalogue::RowBases& bases,
+               int currentPage);
     void neutralSpeaker();
 
     ControlPools& pools_;
