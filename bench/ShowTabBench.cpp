@@ -52,13 +52,8 @@ static void BM_ShowTabPainted(benchmark::State& st) {
 }
 
 static void pages(benchmark::internal::Benchmark* b) {
-    const std::pair<int, std::vector<int>> all[] = {{3, {1, 4, 5, 6}},
-                                                    {5, {1, 4, 5, 8, 9}},
-                                                    {6, {1, 4, 5, 6, 8, 9, 10}},
-                                                    {8, {1, 4, 5, 6, 7, 8, 9, 10, 11}},
-                                                    {10, {1, 4, 9, 11, 12, 13, 14, 15}}};
-    for (const auto& [model, list] : all)
-        for (int page : list)
+    for (int model : ferrule::kModels)
+        for (int page : ferrule::pagesOf(model))
             b->Args({model, page});
 }
 BENCHMARK(BM_ShowTabPainted)->Apply(pages)->UseManualTime()->Unit(benchmark::kMicrosecond);

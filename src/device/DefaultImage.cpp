@@ -1,6 +1,6 @@
 #include "DefaultImage.h"
 
-#include "ModelMap.h"
+#include "ModelDescription.h"
 
 namespace ferrule {
 
@@ -27,26 +27,13 @@ void fillPhrases(QByteArray& image, int base) {
 
 QByteArray makeDefaultImage() {
     QByteArray image(kImageSize, char(0));
-    for (int model : kModels) {
-        if (harmonistScaleBase(model) >= 0) fillScales(image, harmonistScaleBase(model));
-        if (autoRiffPhraseBase(model) >= 0) fillPhrases(image, autoRiffPhraseBase(model));
+    for (const ModelDescription& model : modelDescriptions()) {
+        if (model.scaleBase >= 0) fillScales(image, model.scaleBase);
+        if (model.phraseBase >= 0) fillPhrases(image, model.phraseBase);
+        // A few system values away from zero so that a first look shows the controls at work.
+        for (const DefaultValue& v : model.defaults)
+            image[v.index] = char(v.value);
     }
-    // A few system values away from zero so that a first look shows the controls at work: tuner
-    // pitch, equaliser levels at their middle, reverb level and LCD contrast.
-    const struct {
-        int index;
-        int value;
-    } values[] = {
-        {0, 5},      {3, 20},     {4, 20},     {5, 20},     {6, 50},     {7, 8},    // GT-3
-        {4362, 5},   {4366, 20},  {4367, 20},  {4368, 20},  {4369, 50},             // GT-5
-        {7022, 5},   {7025, 20},  {7026, 20},  {7027, 20},  {7028, 50},  {7029, 8}, // GT-6
-        {10400, 5},  {10403, 20}, {10404, 20}, {10406, 20}, {10407, 20}, {10408, 50},
-        {10409, 8}, // GT-8
-        {19105, 8},  {19153, 5},  {19127, 99}, {19169, 20}, {19171, 20}, {19173, 20},
-        {19175, 20}, {19177, 12}, {19178, 12}, {19181, 12}, // GT-10
-    };
-    for (const auto& v : values)
-        image[v.index] = char(v.value);
     return image;
 }
 

@@ -1,38 +1,13 @@
 #include "ModelMap.h"
 
-#include <algorithm>
-
 namespace ferrule {
 
-namespace {
-
-struct ModelRow {
-    int model;
-    ModelStretch stretch;
-    int scaleBase;
-    int phraseBase;
-};
-
-constexpr ModelRow kRows[] = {
-    {3, {0, 4362}, 1048, 1396},        {5, {4362, 7022}, 5150, -1},
-    {6, {7022, 10400}, 8074, 8422},    {8, {10400, 19105}, 11511, 11859},
-    {10, {19105, kImageSize}, -1, -1},
-};
-
-const ModelRow* rowOf(int model) {
-    const auto* it = std::ranges::find(kRows, model, &ModelRow::model);
-    return it == std::end(kRows) ? nullptr : it;
-}
-
-} // namespace
-
 bool isKnownModel(int model) {
-    return rowOf(model) != nullptr;
+    return describeModel(model).model != 0;
 }
 
 ModelStretch modelStretch(int model) {
-    const ModelRow* row = rowOf(model);
-    return row ? row->stretch : ModelStretch{};
+    return describeModel(model).stretch;
 }
 
 int modelStretchStart(int model) {
@@ -40,13 +15,11 @@ int modelStretchStart(int model) {
 }
 
 int harmonistScaleBase(int model) {
-    const ModelRow* row = rowOf(model);
-    return row ? row->scaleBase : -1;
+    return describeModel(model).scaleBase;
 }
 
 int autoRiffPhraseBase(int model) {
-    const ModelRow* row = rowOf(model);
-    return row ? row->phraseBase : -1;
+    return describeModel(model).phraseBase;
 }
 
 } // namespace ferrule

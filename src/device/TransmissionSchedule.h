@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DeviceAddress.h"
+
 #include <QByteArray>
 
 #include <cstdint>
@@ -10,21 +12,6 @@ namespace ferrule {
 
 // The system data image as bytes (SystemImage::bytes(), or a host's copy).
 using ImageBytes = std::span<const std::uint8_t>;
-
-// A device address: four 7-bit bytes packed into a 32-bit integer, most significant first.
-// Arithmetic works on the linear value A × 2^21 + B × 2^14 + C × 2^7 + D.
-constexpr int linearAddress(int packed) {
-    return ((packed >> 24) & 0x7F) * (1 << 21) + ((packed >> 16) & 0x7F) * (1 << 14) +
-           ((packed >> 8) & 0x7F) * (1 << 7) + (packed & 0x7F);
-}
-constexpr int packedAddress(int linear) {
-    return (((linear >> 21) & 0x7F) << 24) | (((linear >> 14) & 0x7F) << 16) |
-           (((linear >> 7) & 0x7F) << 8) | (linear & 0x7F);
-}
-// The packed address advanced by count × size linear units.
-constexpr int AddressAdd(int address, int count, int size) {
-    return packedAddress(linearAddress(address) + count * size);
-}
 
 // Each byte of image[start, start + count) as two data bytes, high nibble first, appended to
 // `destination`.
@@ -43,8 +30,8 @@ struct ScheduledMessage {
     QByteArray data(ImageBytes image) const;
 };
 
-// The transmission schedules of the five models: step 0 (sent by the start) and the steps
-// that each QueueEmpty performs.
+// The transmission schedules of the five models, expanded from their descriptions' rows: step 0
+// (sent by the start) and the steps that each QueueEmpty performs.
 namespace TransmissionSchedule {
 
 // Steps of a model's transmission (68, 46, 69, 160, 109), or 0 for another model.

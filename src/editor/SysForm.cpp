@@ -33,25 +33,6 @@
 namespace ferrule {
 namespace {
 
-// Tab positions and visibility as the window is designed; SetFormat moves and shows them per
-// model. Tabs stand 495 twips apart.
-struct TabDesign {
-    int left;
-    bool visible;
-};
-constexpr std::array<TabDesign, 13> kTabDesign = {{{60, true},
-                                                   {555, true},
-                                                   {1050, true},
-                                                   {1545, true},
-                                                   {2040, true},
-                                                   {2535, true},
-                                                   {3030, true},
-                                                   {555, false},
-                                                   {1050, false},
-                                                   {2040, false},
-                                                   {2535, false},
-                                                   {3030, false},
-                                                   {3525, false}}};
 constexpr int kTabTop = 120;
 constexpr int kModeTop = 120;
 constexpr int kModeLeft = 4620;
@@ -60,42 +41,20 @@ constexpr int kCommandTop = 630;
 constexpr int kCommandLeft = 4620;
 constexpr int kCommandStep = 1125;
 
-// What SetFormat does to each tab for a model: keep it as it is, or show or hide it, with an
-// optional new left position.
-struct TabPlacement {
-    enum Visibility { Keep, Show, Hide } visibility = Keep;
-    int left = -1;
+// The window as designed shows each tab where the first model that shows it puts it, and the
+// first model's tabs only; SetFormat moves and shows them per model.
+struct TabDesign {
+    int left = kHiddenTab;
+    bool visible = false;
 };
-
-std::array<TabPlacement, 13> tabPlacementsFor(int model) {
-    std::array<TabPlacement, 13> t{};
-    switch (model) {
-    case 3:
-    case 5:
-    case 6:
-        for (int i = 1; i <= 6; ++i)
-            t[std::size_t(i)] = {TabPlacement::Show, 495 * i + 60};
-        for (int i = 7; i <= 12; ++i)
-            t[std::size_t(i)] = {TabPlacement::Hide, -1};
-        break;
-    case 8:
-        for (int i = 1; i <= 6; ++i)
-            t[std::size_t(i)] = {TabPlacement::Show, 495 * i + 1050};
-        t[7] = t[8] = {TabPlacement::Show, -1};
-        for (int i = 9; i <= 12; ++i)
-            t[std::size_t(i)] = {TabPlacement::Hide, -1};
-        break;
-    default: // 10
-        t[1] = {TabPlacement::Keep, 555};
-        t[5] = {TabPlacement::Keep, 1545};
-        for (int i : {2, 3, 4, 6, 7})
-            t[std::size_t(i)] = {TabPlacement::Hide, -1};
-        t[8] = {TabPlacement::Show, -1};
-        for (int i = 9; i <= 12; ++i)
-            t[std::size_t(i)] = {TabPlacement::Show, 495 * (i - 9) + 2040};
-        break;
+TabDesign tabDesign(int tab) {
+    TabDesign design;
+    for (const ModelDescription& d : modelDescriptions()) {
+        const int left = d.tabs.left[std::size_t(tab)];
+        if (design.left == kHiddenTab) design.left = left;
     }
-    return t;
+    design.visible = modelDescriptions().front().tabs.left[std::size_t(tab)] != kHiddenTab;
+    return design;
 }
 
 } // namespace
@@ -139,8 +98,9 @@ void SysForm::buildChrome() {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("TabButton%1").arg(i));
         b->setPicture(art().Img(i), QStringLiteral("Img(%1)").arg(i));
-        b->move(twipsToPx(kTabDesign[std::size_t(i)].left), twipsToPx(kTabTop));
-        b->setVisible(kTabDesign[std::size_t(i)].visible);
+        const TabDesign design = tabDesign(i);
+        b->move(twipsToPx(design.left), twipsToPx(kTabTop));
+        b->setVisible(design.visible);
         b->setToolTip(ButtonArt::tabCaption(i));
         b->setAccessibleName(ButtonArt::tabCaption(i));
         tabButtons_[std::size_t(i)] = b;
@@ -306,12 +266,13 @@ void SysForm::SetFormat(int model) {
     builder_->setModel(state_.model);
     showModePicture(button, 20 + button);
 
-    const auto placements = tabPlacementsFor(state_.model);
-    for (int i = 0; i < 13; ++i) {
-        const TabPlacement& t = placements[std::size_t(i)];
+    // A tab the model shows goes where the model puts it; a hidden one stays where it stands.
+    const ModelTabs& tabs = describeModel(state_.model).tabs;
+    for (int i = 0; i < kTabCount; ++i) {
+        const int left = tabs.left[std::size_t(i)];
         ImageButton* b = tabButtons_[std::size_t(i)];
-        if (t.left >= 0) b->move(twipsToPx(t.left), b->y());
-        if (t.visibility != TabPlacement::Keep) b->setVisible(t.visibility == TabPlacement::Show);
+        if (left != kHiddenTab) b->move(twipsToPx(left), b->y());
+        b->setVisible(left != kHiddenTab);
     }
     setWindowTitle(QStringLiteral("System: GT-%1").arg(state_.model));
 }
@@ -330,7 +291,7 @@ void SysForm::ShowTab(int page) {
         if (oldPage == 5 && grids.showHarmonistGrid) grids.showHarmonistGrid(false);
         if (oldPage == 6 && grids.showPhraseGrid) grids.showPhraseGrid(false);
     }
-    const int tab = PageBuilder::tabForPage(page, state_.model);
+    const int tab = tabForPage(page, state_.model);
     if (tab >= 0) currentTab_ = tab;
     // The grid pages show the model's scales or phrases; a model without them keeps the last.
     const int gridData = page == 5   ? harmonistScaleBase(state_.model)
@@ -601,26 +562,15 @@ void SysForm::CommitAndClose() {
 // ---------------------------------------------------------------
 
 bool SysForm::TabAvailable(int tab, int model) {
-    // Columns: GT-3, GT-5, GT-6, GT-8, GT-10.
-    static constexpr bool table[13][5] = {
-        {true, true, true, true, true},     {true, true, true, true, true},
-        {true, true, true, true, false},    {true, false, true, true, false},
-        {false, true, true, true, false},   {false, true, true, true, true},
-        {false, false, true, true, false},  {false, false, false, true, false},
-        {false, false, false, true, true},  {false, false, false, false, true},
-        {false, false, false, false, true}, {false, false, false, false, true},
-        {false, false, false, false, true}};
-    if (tab >= 13) return true;
+    if (tab >= kTabCount) return true;
     if (tab < 0) return false;
-    int column = 4;
-    for (int i = 0; i < 4; ++i)
-        if (modelForModeButton(i) == model) column = i;
-    return table[tab][column];
+    // A model other than the four before the GT-10 has the GT-10's tabs.
+    const int column = isKnownModel(model) ? model : 10;
+    return describeModel(column).tabs.opens[std::size_t(tab)];
 }
 
 int SysForm::pageForTab(int tab) {
-    static constexpr int pages[13] = {1, 4, 5, 6, 8, 9, 10, 7, 11, 12, 13, 14, 15};
-    return tab >= 0 && tab < 13 ? pages[tab] : -1;
+    return tab >= 0 && tab < kTabCount ? kTabPages[std::size_t(tab)] : -1;
 }
 
 int SysForm::modelForModeButton(int index) {

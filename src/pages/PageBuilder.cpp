@@ -2,86 +2,22 @@
 
 #include "CaptionFit.h"
 #include "ControlPools.h"
-#include "PageCatalogue.h"
+#include "catalogue/PageCatalogue.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
-#include "device/ModelMap.h"
 #include "sysdata/ParameterEncoding.h"
 #include "sysdata/SystemImage.h"
 
 namespace ferrule {
-
-int PageBuilder::RowBases::resolve(const Address& a) const {
-    switch (a.base) {
-    case Base::None:
-        return a.offset;
-    case Base::ModelBlock:
-        return modelBlock + a.offset;
-    case Base::CustomPreamp:
-        return customPreamp + a.offset;
-    case Base::CustomSpeaker:
-        return customSpeaker + a.offset;
-    case Base::PreampBlock:
-        return preampBlock + a.offset;
-    case Base::PreampSwitch:
-        return preampSwitch + a.offset;
-    case Base::PreampChannel:
-        return preampChannel + a.offset;
-    case Base::PedalPair:
-        return pedalPair + a.offset;
-    case Base::PedalPairModes:
-        return pedalPairModes + a.offset;
-    }
-    return a.offset;
-}
 
 PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
     , image_(image)
     , primitives_(pools, image) {}
 
-int PageBuilder::tabForPage(int page, int model) {
-    switch (page) {
-    case 1:
-    case 2:
-    case 3:
-        return 0;
-    case 4:
-        return 1;
-    case 5:
-        return 2;
-    case 6:
-        return 3;
-    case 7:
-        return model == 8 ? 7 : 0;
-    case 8:
-        return 4;
-    case 9:
-        return 5;
-    case 10:
-        return 6;
-    case 11:
-        return 8;
-    case 12:
-    case 13:
-    case 14:
-    case 15:
-        return page - 3;
-    default:
-        return -1;
-    }
-}
-
-int PageBuilder::scaleBase(int model) {
-    return harmonistScaleBase(model);
-}
-
-int PageBuilder::phraseBase(int model) {
-    return autoRiffPhraseBase(model);
-}
-
-void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, int currentPage) {
+void PageBuilder::place(std::span<const PageRow> rows, const PageCatalogue::RowBases& bases,
+                        int currentPage) {
     for (const PageRow& r : rows) {
         if ((r.flags & Gt8Only) && model_ != 8) continue;
         if ((r.flags & Gt10Only) && model_ != 10) continue;
@@ -120,44 +56,25 @@ void PageBuilder::place(std::span<const PageRow> rows, const RowBases& bases, in
 }
 
 int PageBuilder::customPreampBase(int n) const {
-    using namespace PageCatalogue;
-    switch (model_) {
-    case 6:
-        return kGt6CustomTones.preamp + kGt6CustomTones.preampStep * (n - 1);
-    case 8:
-        return kGt8CustomTones.preamp + kGt8CustomTones.preampStep * (n - 1);
-    case 10: {
-        // The custom preamp lies in the block of system preamp n's current channel.
-        const SystemPreampLayout& preamp = kGt10SystemPreamps[std::size_t(n - 1)];
-        const int channel = image_.at(preamp.channelByte) == 0 ? 0 : 1;
-        return preamp.channel(channel) + kGt10CustomPreampInChannel;
-    }
-    default:
-        return -1;
-    }
+    return PageCatalogue::customPreampBase(model_, n, image_.bytes());
 }
 
 int PageBuilder::customSpeakerBase(int n) const {
-    using namespace PageCatalogue;
-    if (model_ == 8) return kGt8CustomTones.speaker + kGt8CustomTones.speakerStep * (n - 1);
-    if (model_ == 10) return customPreampBase(n) + kGt10CustomSpeakerAfterPreamp;
-    return -1;
+    return PageCatalogue::customSpeakerBase(model_, n, image_.bytes());
 }
 
 int PageBuilder::systemPreampSelection() const {
-    switch (image_.at(PageCatalogue::kGt10PreampMode)) {
-    case 2:
-        return 1;
-    case 3:
-        return 2;
-    default:
-        return 0; // Patch, System 1, and values the editor cannot set
-    }
+    return PageCatalogue::systemPreampSelection(image_.bytes());
 }
 
 void PageBuilder::build(int page, const PageViews& views) {
     const int model = model_;
-    RowBases bases;
+    // The selector's instance the rows are placed for: custom tone n - 1, system preamp k.
+    const int instance = page == 9    ? views.preampView
+                         : page == 11 ? (model == 8 ? 0 : systemPreampSelection())
+                                      : 0;
+    const PageCatalogue::RowBases bases =
+        PageCatalogue::pageBases(page, model, instance, image_.bytes());
     cCheckRadio* list = pools_.groups[ControlPools::kSelectorList];
     switch (page) {
     case 1:
@@ -167,7 +84,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         place(PageCatalogue::systemPage(model, page == 7), bases, page);
         break;
     case 4:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::midiPage(model), bases, page);
         break;
     case 5:
@@ -186,14 +102,10 @@ void PageBuilder::build(int page, const PageViews& views) {
         if (grids_.showPhraseGrid) grids_.showPhraseGrid(true);
         break;
     case 8:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::overdrivePage(model), bases, page);
         break;
     case 9: {
         const int n = views.preampView + 1;
-        bases.customPreamp = customPreampBase(n);
-        bases.customSpeaker = customSpeakerBase(n);
-        bases.headingWidth = PageCatalogue::preampHeadingWidth(model);
         const auto rows = PageCatalogue::preampPage(model);
         place(rows, bases, page);
         if (model == 6 || model == 8 || model == 10) {
@@ -206,7 +118,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         break;
     }
     case 10:
-        bases.modelBlock = PageCatalogue::modelBlock(page, model);
         place(PageCatalogue::wahPage(model), bases, page);
         break;
     case 11:
@@ -215,13 +126,6 @@ void PageBuilder::build(int page, const PageViews& views) {
         if (model == 10) {
             primitives_.PlaceCheckList(6660, 4530, 3, QStringLiteral("Edit Preamp!1!2!3"), true);
             list->setSelected(systemPreampSelection());
-        }
-        {
-            const PageCatalogue::SystemPreampLayout& preamp =
-                model == 8 ? PageCatalogue::kGt8SystemPreamp
-                           : PageCatalogue::kGt10SystemPreamps[systemPreampSelection()];
-            bases.preampSwitch = preamp.onOff;
-            bases.preampBlock = preamp.shared;
         }
         place(PageCatalogue::systemPreampShared(), bases, page);
         PlaceSystemPreampRows();
@@ -301,19 +205,13 @@ void PageBuilder::RebindCustomTone(int n) {
 }
 
 void PageBuilder::PlaceSystemPreampRows() {
-    RowBases bases;
-    using PageCatalogue::SystemPreampLayout;
-    if (model_ == 8) {
-        const SystemPreampLayout& preamp = PageCatalogue::kGt8SystemPreamp;
-        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
-    } else {
-        const int k = pools_.groups[ControlPools::kSelectorList]->Selected();
-        const auto i = std::size_t(std::clamp(k, 0, 2));
-        const SystemPreampLayout& preamp = PageCatalogue::kGt10SystemPreamps[i];
-        bases.preampChannel = preamp.channel(image_.at(preamp.channelByte));
-        pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(i + 1));
+    int k = 0;
+    if (model_ != 8) {
+        k = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 2);
+        pools_.setHeadingCaption(0, QStringLiteral("System Preamp %1").arg(k + 1));
     }
-    place(PageCatalogue::systemPreampChannel(), bases, 11);
+    place(PageCatalogue::systemPreampChannel(),
+          PageCatalogue::pageBases(11, model_, k, image_.bytes()), 11);
     fitCaptions(pools_);
 }
 
@@ -323,10 +221,8 @@ void PageBuilder::PlaceCtlPedalRows() {
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
     primitives_.PlaceHeading(1, 150, 2145, 7980, 2010,
                              QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
-    RowBases bases;
-    bases.pedalPair = 48 * m;
-    bases.pedalPairModes = 3 * m;
-    place(PageCatalogue::ctlPedalRows(), bases, 15);
+    place(PageCatalogue::ctlPedalRows(), PageCatalogue::pageBases(15, model_, m, image_.bytes()),
+          15);
     fitCaptions(pools_);
 }
 

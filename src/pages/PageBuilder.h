@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PagePrimitives.h"
-#include "PageRow.h"
+#include "catalogue/PageCatalogue.h"
 
 #include <functional>
 #include <span>
@@ -31,14 +31,6 @@ struct GridHooks {
 // their selector list changes.
 class PageBuilder {
 public:
-    // The addresses a page's rows are offset from (see Base), and the width of a heading that
-    // takes it from the model.
-    struct RowBases {
-        int modelBlock = 0, customPreamp = 0, customSpeaker = 0, preampBlock = 0, preampSwitch = 0,
-            preampChannel = 0, pedalPair = 0, pedalPairModes = 0, headingWidth = 0;
-        int resolve(const Address& a) const;
-    };
-
     PageBuilder(ControlPools& pools, const SystemImage& image);
 
     // The model whose pages are built (SetFormat sets it).
@@ -53,12 +45,6 @@ public:
     // Builds `page` on a cleared page area.
     void build(int page, const PageViews& views);
 
-    // The tab button that belongs to a page on a model, or -1 for a page without one.
-    static int tabForPage(int page, int model);
-    // The scale (page 5) or phrase (page 6) data base of a model, or -1.
-    static int scaleBase(int model);
-    static int phraseBase(int model);
-
     void RebindCustomTone(int n);
     void PlaceSystemPreampRows();
     void PlaceCtlPedalRows();
@@ -71,7 +57,8 @@ public:
     int systemPreampSelection() const;
 
 private:
-    void place(std::span<const PageRow> rows, const RowBases& bases, int currentPage);
+    void place(std::span<const PageRow> rows, const PageCatalogue::RowBases& bases,
+               int currentPage);
     void neutralSpeaker();
 
     ControlPools& pools_;

@@ -101,18 +101,24 @@ TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel) {
     }
 }
 
-TEST_F(SysFormTest, TabAvailabilityFollowsTheModelTable) {
-    const std::map<int, std::vector<int>> available = {{3, {0, 1, 2, 3}},
-                                                       {5, {0, 1, 2, 4, 5}},
-                                                       {6, {0, 1, 2, 3, 4, 5, 6}},
-                                                       {8, {0, 1, 2, 3, 4, 5, 6, 7, 8}},
-                                                       {10, {0, 1, 5, 8, 9, 10, 11, 12}}};
-    for (const auto& [model, tabs] : available) {
-        for (int t = 0; t < 13; ++t)
-            EXPECT_EQ(SysForm::TabAvailable(t, model),
-                      std::find(tabs.begin(), tabs.end(), t) != tabs.end())
+TEST_F(SysFormTest, ATabOpensItsPageExactlyWhereTheModelHasIt) {
+    for (int model : kModels) {
+        for (int t = 0; t < kTabCount; ++t) {
+            form->SetFormat(model);
+            const int from = t == 0 ? 4 : 1;
+            form->ShowTab(from);
+            QTest::mouseClick(form->tabButton(t), Qt::LeftButton);
+            const bool opens = SysForm::TabAvailable(t, model);
+            EXPECT_EQ(form->currentPage(), opens ? SysForm::pageForTab(t) : from)
                 << "model " << model << " tab " << t;
-        EXPECT_TRUE(SysForm::TabAvailable(13, model));
+            if (!opens) continue;
+            EXPECT_EQ(form->currentTab(), t);
+            EXPECT_FALSE(form->tabButton(t)->isHidden()) << "model " << model << " tab " << t;
+            // The page's own tab is the one that opened it.
+            EXPECT_EQ(tabForPage(SysForm::pageForTab(t), model), t);
+        }
+        EXPECT_TRUE(SysForm::TabAvailable(kTabCount, model));
+        EXPECT_FALSE(SysForm::TabAvailable(-1, model));
     }
 }
 

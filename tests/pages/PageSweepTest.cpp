@@ -302,11 +302,6 @@ TEST(PageSweep, ADragOrATrackClickIsOneUndoStepThatRestoresImageAndDisplay) {
 TEST(PageSweep, NoCaptionRunsIntoAnotherOrOverItsFrameOnAnyPage) {
     EditorFixture f;
     ControlPools& pools = f.form->pools();
-    const std::map<int, std::vector<int>> pages = {{3, {1, 4, 5, 6}},
-                                                   {5, {1, 4, 5, 8, 9}},
-                                                   {6, {1, 4, 5, 6, 8, 9, 10}},
-                                                   {8, {1, 4, 5, 6, 7, 8, 9, 10, 11}},
-                                                   {10, {1, 4, 9, 11, 12, 13, 14, 15}}};
     auto shown = [](const QWidget* w) { return w->isVisibleTo(w->parentWidget()); };
     // The drawn extent of a caption's text in the page area.
     auto ink = [](const QLabel* l) {
@@ -316,8 +311,8 @@ TEST(PageSweep, NoCaptionRunsIntoAnotherOrOverItsFrameOnAnyPage) {
             (l->alignment() & Qt::AlignHCenter) ? r.center().x() - width / 2 : r.left();
         return QRect(left, r.top() + 2, width, r.height() - 4);
     };
-    for (const auto& [model, list] : pages)
-        for (int page : list) {
+    for (int model : kModels)
+        for (int page : pagesOf(model)) {
             f.open(model, page);
             const std::string where =
                 "GT-" + std::to_string(model) + " page " + std::to_string(page);

@@ -1,5 +1,7 @@
 #include "PageCatalogue.h"
 
+#include <algorithm>
+
 // Every page of every model as rows of primitive calls, in call order. Positions are twips in
 // the page area; ranges start at 0; addresses are image indexes, or offsets from a base that
 // the builder computes (see Base).
@@ -24,7 +26,7 @@ constexpr PageRow kPage1Gt3[] = {
     heading(1, "Output / Global", 6255, 2010, 2805, 105),
     heading(2, "System", 8910, 2010, 150, 2145),
     heading(3, "Manual", 6315, 2010, 150, 4185),
-    knob(0, "Pitch", 0, 10, 175, 0, 120, 615),
+    knob(0, "Pitch", kGt3Start, 10, 175, 0, 120, 615),
     options(0, "Tuner out!Mute!Bypass", 1, 1290, 1215),
     slider(0, "Your setting", 2, 4, 93, 4, 2880, 435),
     knob(1, "Low EQ", 3, 40, 6, 1, 4425, 600),
@@ -52,7 +54,7 @@ constexpr PageRow kPage1Gt5[] = {
     heading(1, "Output / Global", 7425, 2010, 150, 2145),
     heading(2, "System", 5175, 2010, 3885, 105),
     heading(3, "Manual", 5295, 2010, 150, 4185),
-    knob(0, "Pitch", 4362, 10, 175, 0, 120, 600),
+    knob(0, "Pitch", kGt5Start, 10, 175, 0, 120, 600),
     slider(8, "String", 4363, 3, 176, 4, 1200, 420),
     options(0, "Tuner out!Mute!Bypass", 4364, 2700, 1200),
     slider(0, "Your setting", 4365, 4, 93, 4, 150, 2460),
@@ -79,7 +81,7 @@ constexpr PageRow kPage1Gt6[] = {
     heading(1, "Output / Global", 6255, 2010, 2805, 105),
     heading(2, "System", 8910, 2010, 150, 2145),
     heading(3, "Manual", 6315, 2010, 150, 4185),
-    knob(0, "Pitch", 7022, 10, 175, 0, 120, 600),
+    knob(0, "Pitch", kGt6Start, 10, 175, 0, 120, 600),
     options(0, "Tuner out!Mute!Bypass", 7023, 1290, 1200),
     slider(0, "Output select", 7024, 7, 94, 4, 2880, 420),
     knob(1, "Low EQ", 7025, 40, 6, 1, 4425, 600),
@@ -110,7 +112,7 @@ constexpr PageRow kPage1Gt8[] = {
     heading(1, "System", 8910, 2010, 150, 105),
     heading(2, "Output", 1725, 2010, 150, 4185),
     heading(3, "Pedal Function", 8910, 2010, 150, 2145),
-    knob(0, "Pitch", 10400, 10, 175, 0, 1845, 4680),
+    knob(0, "Pitch", kGt8Start, 10, 175, 0, 1845, 4680),
     options(0, "Tuner out!Mute!Bypass", 10401, 3015, 5280),
     slider(0, "Output select", 10402, 7, 181, 4, 255, 4500),
     knob(1, "LCD Contrast", 10409, 15, 5, 0, 150, 600),
@@ -163,7 +165,7 @@ constexpr PageRow kPage1Gt10[] = {
     heading(4, "Pedals", 2490, 2010, 6570, 4185),
     knob(0, "Pitch", 19153, 10, 175, 0, 120, 600),
     options(0, "Tuner out!Mute!Bypass", 19154, 1290, 1200),
-    knob(1, "LCD Contrast", 19105, 15, 5, 0, 2580, 600),
+    knob(1, "LCD Contrast", kGt10Start, 15, 5, 0, 2580, 600),
     knob(2, "Bank Low", 19124, 99, 18, 0, 3705, 600),
     knob(3, "Bank High", 19126, 99, 18, 0, 4710, 600),
     options(1, "Bank Change!Immediate!Wait for num", 19123, 6000, 600),
@@ -336,7 +338,8 @@ constexpr PageRow kPage9Gt6[] = {
 constexpr PageRow kPage9Gt8Gt10[] = {
     selector("Edit Preamp/Speaker!1!2!3", 3, 150, 4410),
     heading(0, "Custom Preamp ", kWidthW, 2010, 150, 105),
-    only(Gt10Only, options(8, "Preamp Mode!Patch!System 1!System 2!System 3", 19121, 7800, 600)),
+    only(Gt10Only,
+         options(8, "Preamp Mode!Patch!System 1!System 2!System 3", kGt10PreampMode, 7800, 600)),
     slider(0, "Type", CustomPreamp, 6, 172, 4, 210, 420),
     knob(0, "Bottom", CustomPreamp + 1, 10, 178, 0, 1590, 600),
     knob(1, "Edge", CustomPreamp + 2, 10, 178, 1, 2550, 600),
@@ -597,17 +600,111 @@ std::span<const PageRow> ctlPedalRows() {
 
 } // namespace PageCatalogue
 int PageCatalogue::modelBlock(int page, int model) {
-    const bool gt6 = model == 6;
+    const ModelDescription& d = describeModel(model);
     switch (page) {
     case 4:
-        return gt6 ? 7039 : 10428;
+        return d.midiBlock;
     case 8:
-        return gt6 ? 10369 : 13810;
+        return d.overdriveBlock;
     case 10:
-        return gt6 ? 10379 : 13825;
+        return d.wahBlock;
     default:
         return 0;
     }
+}
+
+int PageCatalogue::customPreampBase(int model, int n, ImageBytes image) {
+    const CustomToneLayout& tones = describeModel(model).customTones;
+    if (model == 10) {
+        // The custom preamp lies in the block of system preamp n's current channel.
+        const SystemPreampLayout& preamp = systemPreamp(model, n - 1);
+        const int channel = image[std::size_t(preamp.channelByte)] == 0 ? 0 : 1;
+        return preamp.channel(channel) + kGt10CustomPreampInChannel;
+    }
+    return tones.preamp < 0 ? -1 : tones.preamp + tones.preampStep * (n - 1);
+}
+
+int PageCatalogue::customSpeakerBase(int model, int n, ImageBytes image) {
+    if (model == 10) return customPreampBase(model, n, image) + kGt10CustomSpeakerAfterPreamp;
+    const CustomToneLayout& tones = describeModel(model).customTones;
+    return tones.speaker < 0 ? -1 : tones.speaker + tones.speakerStep * (n - 1);
+}
+
+int PageCatalogue::systemPreampSelection(ImageBytes image) {
+    switch (image[std::size_t(kGt10PreampMode)]) {
+    case 2:
+        return 1;
+    case 3:
+        return 2;
+    default:
+        return 0; // Patch, System 1, and values the editor cannot set
+    }
+}
+
+const SystemPreampLayout& PageCatalogue::systemPreamp(int model, int k) {
+    const auto preamps = describeModel(model).systemPreamps;
+    return preamps[std::size_t(std::clamp(k, 0, int(preamps.size()) - 1))];
+}
+
+int PageCatalogue::systemPreampChannelBase(int model, int k, ImageBytes image) {
+    const SystemPreampLayout& preamp = systemPreamp(model, k);
+    return preamp.channel(image[std::size_t(preamp.channelByte)]);
+}
+
+int PageCatalogue::RowBases::resolve(const Address& a) const {
+    switch (a.base) {
+    case Base::None:
+        return a.offset;
+    case Base::ModelBlock:
+        return modelBlock + a.offset;
+    case Base::CustomPreamp:
+        return customPreamp + a.offset;
+    case Base::CustomSpeaker:
+        return customSpeaker + a.offset;
+    case Base::PreampBlock:
+        return preampBlock + a.offset;
+    case Base::PreampSwitch:
+        return preampSwitch + a.offset;
+    case Base::PreampChannel:
+        return preampChannel + a.offset;
+    case Base::PedalPair:
+        return pedalPair + a.offset;
+    case Base::PedalPairModes:
+        return pedalPairModes + a.offset;
+    }
+    return a.offset;
+}
+
+PageCatalogue::RowBases PageCatalogue::pageBases(int page, int model, int instance,
+                                                 ImageBytes image) {
+    RowBases bases;
+    switch (page) {
+    case 4:
+    case 8:
+    case 10:
+        bases.modelBlock = modelBlock(page, model);
+        break;
+    case 9:
+        bases.customPreamp = customPreampBase(model, instance + 1, image);
+        bases.customSpeaker = customSpeakerBase(model, instance + 1, image);
+        bases.headingWidth = preampHeadingWidth(model);
+        break;
+    case 11:
+        if (describeModel(model).systemPreamps.empty()) break;
+        bases.preampSwitch = systemPreamp(model, instance).onOff;
+        bases.preampBlock = systemPreamp(model, instance).shared;
+        bases.preampChannel = systemPreampChannelBase(model, instance, image);
+        break;
+    case 15:
+        // A control pedal pair's settings lie 48 bytes after the pair before, its Patch/System
+        // bytes 3 bytes after.
+        bases.pedalPair = 48 * instance;
+        bases.pedalPairModes = 3 * instance;
+        break;
+    default:
+        break;
+    }
+    return bases;
 }
 
 } // namespace ferrule
