@@ -116,6 +116,7 @@ int run(int argc, char** argv) {
     if (options.mainWindow()) {
         MainWindow window(options, std::move(*document));
         window.show();
+        window.offerRecovery();
         return QApplication::exec();
     }
     return runEditor(options, *document);
