@@ -81,7 +81,9 @@ bool RecoveryJournal::write(const JournalEntry& entry, QString* error) const {
     }
     JournalEntry kept = entry;
     if (!kept.path.isEmpty()) kept.path = canonical(kept.path);
-    return AtomicFile::write(fileFor(entry.path, entry.model), encode(kept), error);
+    // Whole in the system's cache is enough for any death of the process; the disk follows.
+    return AtomicFile::write(fileFor(entry.path, entry.model), encode(kept), error,
+                             AtomicFile::Flush::Cache);
 }
 
 std::optional<JournalEntry> RecoveryJournal::read(const QString& documentPath, int model) const {

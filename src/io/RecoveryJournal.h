@@ -25,8 +25,9 @@ struct JournalEntry {
 
 // The journals of unsaved documents, one file each in a folder: a document with a file is known
 // by its file's canonical path, one without by its model. A journal is replaced all at once, so
-// a process that dies while writing leaves the previous one whole. A file there that is damaged,
-// foreign or of another document reads as no journal, and is left where it is.
+// a process that dies while writing leaves the previous one whole; a write returns once the
+// journal is in the system's cache (AtomicFile::flushToDisk takes it to the disk). A file there
+// that is damaged, foreign or of another document reads as no journal, and is left where it is.
 class RecoveryJournal {
 public:
     explicit RecoveryJournal(QString folder = defaultFolder());

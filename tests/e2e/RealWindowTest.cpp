@@ -294,7 +294,7 @@ QByteArray journaledEdit(const QString& dataHome, const QByteArray& from, QProce
 // value stepped up from the keyboard; once the edit is journaled the program is killed with
 // SIGKILL, started again, and the question on that start is answered with Return (Recover is
 // the default button). The test goes on from there with `host` running again.
-class KilledAfterAnEdit : public ::testing::Test {
+class RealWindowJournal : public ::testing::Test {
 protected:
     void killAndRecover(bool mainWindow) {
         if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
@@ -357,7 +357,7 @@ protected:
 } // namespace
 
 // `--edit`: the question comes first, the editor opens on the recovered data, OK saves it.
-TEST_F(KilledAfterAnEdit, TheEditorOpensOnTheRecoveredDataAndOkSavesIt) {
+TEST_F(RealWindowJournal, TheEditorOpensOnTheRecoveredDataAndOkSavesIt) {
     killAndRecover(false);
     if (HasFatalFailure() || IsSkipped()) return;
     const QString editor = x.window(QStringLiteral("System: GT-8"), host);
@@ -370,7 +370,7 @@ TEST_F(KilledAfterAnEdit, TheEditorOpensOnTheRecoveredDataAndOkSavesIt) {
 
 // The main window, killed with its editor open before OK: the recovered data is marked changed
 // and Ctrl+S saves it.
-TEST_F(KilledAfterAnEdit, TheMainWindowShowsTheRecoveredDataChangedAndSavesIt) {
+TEST_F(RealWindowJournal, TheMainWindowShowsTheRecoveredDataChangedAndSavesIt) {
     killAndRecover(true);
     if (HasFatalFailure() || IsSkipped()) return;
     const QString main = x.window(QStringLiteral("crash.bin"), host);

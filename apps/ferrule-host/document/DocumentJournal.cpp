@@ -3,7 +3,10 @@
 #include "DocumentLock.h"
 #include "SystemDocument.h"
 
+#include "io/AtomicFile.h"
+
 #include <QFileInfo>
+#include <QThreadPool>
 
 #include <cstdio>
 
