@@ -2,7 +2,6 @@
 
 #include "DocumentLock.h"
 #include "SystemDocument.h"
-
 #include "io/AtomicFile.h"
 
 #include <QFileInfo>
@@ -59,7 +58,14 @@ void DocumentJournal::flush() {
     timer_.stop();
     pending_.written = QDateTime::currentDateTime();
     QString error;
-    if (!journal_.write(pending_, &error) && !warned_) {
+    if (journal_.write(pending_, &error)) {
+        // The journal survives any death of the process now, and a power cut once a worker
+        // has put it on the disk: that wait would hold up the window.
+        QThreadPool::globalInstance()->start(
+            [file = journal_.fileFor(pending_.path, pending_.model)] {
+                AtomicFile::flushToDisk(file);
+            });
+    } else if (!warned_) {
         // Said once: the edits themselves are not touched by this.
         warned_ = true;
         std::fprintf(stderr, "ferrule-host: warning: the recovery journal %s\n", qPrintable(error));
