@@ -163,6 +163,10 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
     EXPECT_FALSE(QFile::exists(journalFile)) << "Discard removes the journal";
     EXPECT_TRUE(readFile(path) == original);
     discard.window.reset();
+    // A damaged journal is not asked about, and is left where it is.
+    ASSERT_TRUE(writeFile(journalFile, QByteArray("Ferrule recovery journal 1\n") + "cut"));
+    EXPECT_TRUE(nextStart(true).asked.isEmpty());
+    EXPECT_TRUE(QFile::exists(journalFile));
 
     editAndDie(edited);
     Next recover = nextStart(true);
