@@ -135,6 +135,7 @@ int run(int argc, char** argv) {
         window.show();
         // A file that cannot be opened is said in the window, over the default data.
         if (!options.openFile.isEmpty()) window.openFile(options.openFile);
+        window.offerRecovery();
         return QApplication::exec();
     }
     return runEditor(options, *document);

@@ -57,14 +57,19 @@ void EditHistory::end() {
     }
     if (before.empty()) return;
     stack_->push(new ImageEdit(image_, std::move(before), std::move(after)));
+    emit committed();
 }
 
 void EditHistory::undo() {
-    if (!inGesture()) stack_->undo();
+    if (inGesture() || !stack_->canUndo()) return;
+    stack_->undo();
+    emit committed();
 }
 
 void EditHistory::redo() {
-    if (!inGesture()) stack_->redo();
+    if (inGesture() || !stack_->canRedo()) return;
+    stack_->redo();
+    emit committed();
 }
 
 void EditHistory::clear() {

@@ -52,6 +52,10 @@ public:
     int position() const;
     QUndoStack* stack() const { return stack_; }
 
+signals:
+    // A gesture changed the image, or an undo or a redo did: the image is settled again.
+    void committed();
+
 private:
     SystemImage& image_;
     QUndoStack* stack_;

@@ -1,6 +1,7 @@
 #include "PlugIn.h"
 
 #include "Transmission.h"
+#include "editor/EditHistory.h"
 #include "editor/SysForm.h"
 #include "settings/SettingsStore.h"
 #include "sysdata/FerruleError.h"
@@ -80,6 +81,9 @@ SysForm& PlugIn::ensureEditor() {
                          &SysForm::showTransmissionProgress);
         QObject::connect(transmission.get(), &Transmission::ended, window,
                          &SysForm::transmissionEnded);
+        QObject::connect(&form->history(), &EditHistory::committed, this, [this] {
+            if (editListener_) editListener_();
+        });
         editor_ = std::move(form);
         transmission_ = std::move(transmission);
     }
@@ -138,6 +142,10 @@ void PlugIn::Quit() {
     transmission_.reset();
     editor_.reset();
     state_->host.setHost(nullptr);
+}
+
+QByteArray PlugIn::workingImage() const {
+    return editor_ ? state_->image.toByteArray() : QByteArray();
 }
 
 void PlugIn::QueueEmpty() {

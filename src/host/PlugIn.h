@@ -15,10 +15,10 @@ class Transmission;
 
 // The plug-in object the host creates: it keeps the host, creates and sets up the editor window
 // on first need, and forwards the host's calls.
-class PlugIn : public QObject, public PlugInInterface {
+class PlugIn : public QObject, public PlugInInterface, public EditorWorkingCopy {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID FerrulePlugInInterface_iid FILE "ferrule.json")
-    Q_INTERFACES(ferrule::PlugInInterface)
+    Q_INTERFACES(ferrule::PlugInInterface ferrule::EditorWorkingCopy)
     Q_PROPERTY(QObject* Interface READ hostObject WRITE Interface)
     Q_PROPERTY(QObject* Owner READ ownerWindow WRITE Owner)
     Q_PROPERTY(QString Title READ title WRITE Title)
@@ -52,6 +52,11 @@ public:
     void EditValue(uchar) override {}
     Q_INVOKABLE void QueueEmpty() override;
 
+    void setEditListener(std::function<void()> listener) override {
+        editListener_ = std::move(listener);
+    }
+    QByteArray workingImage() const override;
+
     QObject* hostObject() const;
     QObject* ownerWindow() const;
     QString title() const;
@@ -72,6 +77,7 @@ private:
     std::unique_ptr<ModuleState> state_;
     std::unique_ptr<SysForm> editor_;
     std::unique_ptr<Transmission> transmission_;
+    std::function<void()> editListener_;
 };
 
 } // namespace ferrule

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QByteArray>
 #include <QObject>
 #include <QString>
 #include <QtPlugin>
+
+#include <functional>
 
 namespace ferrule {
 
@@ -30,7 +33,23 @@ public:
     virtual void QueueEmpty() = 0;
 };
 
+// Beyond the members above, for a host that keeps unsaved work safe: the open editor's working
+// image, which the editor hands to the host only on OK, and a call after each gesture that
+// changed it. The editor does the same whether a host uses this or not.
+class EditorWorkingCopy {
+public:
+    virtual ~EditorWorkingCopy() = default;
+
+    // Called on the GUI thread after each committed edit, undo or redo in the open editor; an
+    // empty function stops the calls.
+    virtual void setEditListener(std::function<void()> listener) = 0;
+    // The open editor's 43,252 bytes as they are now; empty when no editor is open.
+    virtual QByteArray workingImage() const = 0;
+};
+
 } // namespace ferrule
 
 #define FerrulePlugInInterface_iid "org.tonebench.PlugIn/4.2"
 Q_DECLARE_INTERFACE(ferrule::PlugInInterface, FerrulePlugInInterface_iid)
+#define FerruleEditorWorkingCopy_iid "org.tonebench.PlugIn.WorkingCopy/1"
+Q_DECLARE_INTERFACE(ferrule::EditorWorkingCopy, FerruleEditorWorkingCopy_iid)

@@ -29,6 +29,14 @@ void removeStaleTemps(const QFileInfo& target) {
         ::unlink(QFile::encodeName(dir.filePath(name)).constData());
 }
 
+// Flushes a file or a folder to the disk.
+void syncPath(const QString& path) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return;
+    ::fsync(fd);
+    ::close(fd);
+}
+
 } // namespace
 
 int writeAll(int fd, const QByteArray& bytes) {
@@ -62,7 +70,13 @@ bool writable(const QString& path, QString* error) {
     return true;
 }
 
-bool write(const QString& path, const QByteArray& bytes, QString* error) {
+void flushToDisk(const QString& path) {
+    const QFileInfo target(path);
+    syncPath(target.absoluteFilePath());
+    syncPath(target.absolutePath());
+}
+
+bool write(const QString& path, const QByteArray& bytes, QString* error, Flush flush) {
     const QFileInfo target(path);
     const auto fail = [&](int code) {
         if (error)
@@ -86,7 +100,8 @@ bool write(const QString& path, const QByteArray& bytes, QString* error) {
                                   return m;
                               }());
     ::fchmod(fd, mode);
-    if (const int written = writeAll(fd, bytes); written != 0 || ::fsync(fd) != 0) {
+    if (const int written = writeAll(fd, bytes);
+        written != 0 || (flush == Flush::Disk && ::fsync(fd) != 0)) {
         const int code = written != 0 ? written : errno;
         ::close(fd);
         ::unlink(temp.constData());
@@ -103,12 +118,7 @@ bool write(const QString& path, const QByteArray& bytes, QString* error) {
         return fail(code);
     }
     // The rename is durable once the folder is on the disk too.
-    const int dir = ::open(QFile::encodeName(target.absolutePath()).constData(),
-                           O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (dir >= 0) {
-        ::fsync(dir);
-        ::close(dir);
-    }
+    if (flush == Flush::Disk) syncPath(target.absolutePath());
     return true;
 }
 

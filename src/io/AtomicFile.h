@@ -12,7 +12,12 @@ namespace ferrule {
 // target are removed first.
 namespace AtomicFile {
 
-bool write(const QString& path, const QByteArray& bytes, QString* error);
+// How far a write has gone when it returns: to the disk, or only to the system's cache, which
+// any death of the process leaves whole but a power cut may not.
+enum class Flush { Disk, Cache };
+bool write(const QString& path, const QByteArray& bytes, QString* error, Flush flush = Flush::Disk);
+// Puts a file written to the cache on the disk, with its folder.
+void flushToDisk(const QString& path);
 // Writes all of `bytes` to a file descriptor, through short writes and interruptions; 0, or the
 // errno of the failure.
 int writeAll(int fd, const QByteArray& bytes);

@@ -1,5 +1,8 @@
 // The editor in a real X window (Xvfb), driven with xdotool as a person would: a tab, a knob
-// drag, a switch, an option item, then OK. The data file must change by exactly those bytes.
+// drag, a switch, an option item, then OK. The data file must change by exactly those bytes. And
+// a process killed after an edit: the next start recovers it.
+
+#include "io/RecoveryJournal.h"
 
 #include "XDisplay.h"
 
@@ -9,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -166,4 +171,119 @@ TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
     QByteArray expected(43252, char(0));
     expected[10428] = char(2); // Rx channel: three steps up, one undone
     expectSameBytes(after, expected);
+}
+
+namespace {
+
+// The image in the one recovery journal of a run whose data folder is `dataHome`, once it
+// differs from `from`; empty when `host` ended first or no such journal came within a minute.
+QByteArray journaledEdit(const QString& dataHome, const QByteArray& from, QProcess& host) {
+    const QDir folder(dataHome + QStringLiteral("/ferrule-host/recovery"));
+    for (int i = 0; i < 1200 && host.state() != QProcess::NotRunning; ++i) {
+        for (const QString& name : folder.entryList({QStringLiteral("*.journal")}, QDir::Files)) {
+            QFile f(folder.filePath(name));
+            const auto entry = f.open(QIODevice::ReadOnly)
+                                   ? ferrule::RecoveryJournal::decode(f.readAll())
+                                   : std::nullopt;
+            if (entry && entry->image != from) return entry->image;
+        }
+        host.waitForFinished(50);
+    }
+    return {};
+}
+
+// A GT-8 editor on a file of zeros, opened at once (`--edit`) or from the main window, gets one
+// value stepped up from the keyboard; once the edit is journaled the program is killed with
+// SIGKILL, started again, and the question on that start is answered with Return (Recover is
+// the default button). The test goes on from there with `host` running again.
+class RealWindowJournal : public ::testing::Test {
+protected:
+    void killAndRecover(bool mainWindow) {
+        if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
+        ASSERT_TRUE(x.running()) << "Xvfb did not start";
+        data = zeroImage(dir, QStringLiteral("crash.bin"));
+        ASSERT_FALSE(data.isEmpty());
+        QStringList args{QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"),
+                         data};
+        if (!mainWindow) args.prepend(QStringLiteral("--edit"));
+        x.startHost(host, args, dir.path());
+        if (mainWindow) {
+            const QString main = x.window(QStringLiteral("crash.bin"), host);
+            ASSERT_FALSE(main.isEmpty()) << "the main window did not appear" << ended(host);
+            x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
+            x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+e")});
+        }
+        const QString editor = x.window(QStringLiteral("System: GT-8"), host);
+        ASSERT_FALSE(editor.isEmpty()) << "the editor did not appear" << ended(host);
+        x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), editor});
+        // From the System tab to the page's first control, and one step up: keys reach the
+        // window in order, and nothing is rebuilt on the way.
+        QStringList keys{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40")};
+        for (int i = 0; i < 18; ++i)
+            keys << QStringLiteral("Tab");
+        x.xdotool(keys << QStringLiteral("Up"));
+        edit = journaledEdit(dir.path(), QByteArray(43252, char(0)), host);
+        ASSERT_EQ(edit.size(), 43252) << "no journal of the edit" << ended(host);
+        // One value, one step: a byte, or the two of a double-byte value.
+        const auto stepped = std::count_if(edit.begin(), edit.end(), [](char b) { return b; });
+        EXPECT_TRUE(stepped == 1 || stepped == 2) << stepped << " bytes journaled as changed";
+        host.kill();
+        host.waitForFinished();
+        ASSERT_EQ(QFile(data).size(), 43252);
+
+        x.startHost(host, args, dir.path());
+        const QString question = x.window(QStringLiteral("Recover Changes"), host);
+        ASSERT_FALSE(question.isEmpty()) << "no question on the next start" << ended(host);
+        x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), question});
+        x.xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+    }
+    // The file, once the program has ended well, holds the edit.
+    void expectTheEditSaved() {
+        EXPECT_TRUE(host.waitForFinished(60000));
+        EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        expectSameBytes(f.readAll(), edit);
+        EXPECT_TRUE(QDir(dir.filePath(QStringLiteral("ferrule-host/recovery")))
+                        .entryList({QStringLiteral("*.journal")}, QDir::Files)
+                        .isEmpty());
+    }
+
+    XDisplay x;
+    QTemporaryDir dir;
+    QString data;
+    QProcess host;
+    QByteArray edit;
+};
+
+} // namespace
+
+// `--edit`: the question comes first, the editor opens on the recovered data, OK saves it.
+TEST_F(RealWindowJournal, TheEditorOpensOnTheRecoveredDataAndOkSavesIt) {
+    killAndRecover(false);
+    if (HasFatalFailure() || IsSkipped()) return;
+    const QString editor = x.window(QStringLiteral("System: GT-8"), host);
+    ASSERT_FALSE(editor.isEmpty()) << "the editor did not open after Recover" << ended(host);
+    const QPoint origin = x.origin(editor);
+    x.xdotool({QStringLiteral("mousemove"), QString::number(origin.x() + 586),
+               QString::number(origin.y() + 56), QStringLiteral("click"), QStringLiteral("1")});
+    expectTheEditSaved();
+}
+
+// The main window, killed with its editor open before OK: the recovered data is marked changed
+// and Ctrl+S saves it.
+TEST_F(RealWindowJournal, TheMainWindowShowsTheRecoveredDataChangedAndSavesIt) {
+    killAndRecover(true);
+    if (HasFatalFailure() || IsSkipped()) return;
+    const QString main = x.window(QStringLiteral("crash.bin"), host);
+    QString title;
+    for (int i = 0; i < 1200 && !title.contains(QLatin1Char('*')); ++i) {
+        title = x.xdotool({QStringLiteral("getwindowname"), main});
+        if (!title.contains(QLatin1Char('*'))) host.waitForFinished(50);
+    }
+    ASSERT_TRUE(title.contains(QLatin1Char('*'))) << qPrintable(title) << ended(host);
+    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
+    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+s")});
+    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+q")});
+    expectTheEditSaved();
 }

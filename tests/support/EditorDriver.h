@@ -1,17 +1,22 @@
 #pragma once
 
 // Drives the plug-in's modal editor as a person would, from inside the running dialog: a left
-// click on a knob's value steps it down by one, then OK. Arm it just before the editor opens.
+// click on a knob's value steps it down by one, then OK (or Cancel). Arm it just before the
+// editor opens.
 
 #include <QApplication>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
 
+#include <functional>
+
 struct EditorDriver {
     int memLoc = -1; // the knob's image index
     int before = -1; // its value before the click
     bool done = false;
+    std::function<void()> beforeClose; // runs between the click and closing the editor
+    bool cancel = false;               // close with Cancel instead of OK
 
     void arm() {
         auto* timer = new QTimer;
@@ -36,7 +41,9 @@ struct EditorDriver {
                                   knob->property("valueLabelRect").toRect().center());
                 break;
             }
-            QWidget* ok = editor->findChild<QWidget*>(QStringLiteral("CButton3"));
+            if (beforeClose) beforeClose();
+            QWidget* ok = editor->findChild<QWidget*>(cancel ? QStringLiteral("CButton2")
+                                                             : QStringLiteral("CButton3"));
             if (ok) QTest::mouseClick(ok, Qt::LeftButton, {}, ok->rect().center());
             done = true;
         });

@@ -15,7 +15,8 @@ struct HostRun {
     }
 };
 
-// The environment ferrule-host runs in: offscreen, a private settings root, and `extra`.
+// The environment ferrule-host runs in: offscreen, a private settings root (also its data
+// folder), and `extra`.
 inline QProcessEnvironment hostEnvironment(const QString& settingsRoot,
                                            const QProcessEnvironment& extra) {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -23,6 +24,7 @@ inline QProcessEnvironment hostEnvironment(const QString& settingsRoot,
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settingsRoot);
     env.insert(QStringLiteral("XDG_RUNTIME_DIR"), settingsRoot);
+    env.insert(QStringLiteral("XDG_DATA_HOME"), settingsRoot);
     return env;
 }
 

@@ -8,9 +8,9 @@
 #include <cstdlib>
 
 // What every test and benchmark program does before it creates its QApplication: the offscreen
-// platform unless another is asked for, a settings root of its own so that nothing touches a
-// user's settings, and quiet about what the offscreen platform cannot do (grab the mouse, raise
-// windows), which is no fault.
+// platform unless another is asked for, a settings root of its own, which is also the data
+// folder (recovery journals), so that nothing touches a user's settings or data, and quiet
+// about what the offscreen platform cannot do (grab the mouse, raise windows), which is no fault.
 inline void quietOffscreenNotices(QtMsgType type, const QMessageLogContext&,
                                   const QString& message) {
     if (message.startsWith(QLatin1String("This plugin does not support"))) return;
@@ -21,5 +21,6 @@ inline void quietOffscreenNotices(QtMsgType type, const QMessageLogContext&,
 inline void prepareOffscreenApp(const QTemporaryDir& settingsRoot) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("FERRULE_SETTINGS_ROOT", settingsRoot.path().toLocal8Bit());
+    qputenv("XDG_DATA_HOME", settingsRoot.path().toLocal8Bit());
     qInstallMessageHandler(quietOffscreenNotices);
 }

@@ -90,7 +90,8 @@ public:
         }
         return at;
     }
-    // Starts a program on this display with a private settings root, and `extra` in its
+    // Starts a program on this display with a private settings root (also its data folder), and
+    // `extra` in its
     // environment.
     void start(QProcess& process, const QString& program, const QStringList& args,
                const QString& settings,
@@ -100,6 +101,7 @@ public:
         env.insert(QStringLiteral("DISPLAY"), name_);
         env.remove(QStringLiteral("QT_QPA_PLATFORM"));
         env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), settings);
+        env.insert(QStringLiteral("XDG_DATA_HOME"), settings);
 #ifdef FERRULE_X11_LEAK_SUPPRESSIONS
         env.insert(QStringLiteral("LSAN_OPTIONS"),
                    QStringLiteral("suppressions=" FERRULE_X11_LEAK_SUPPRESSIONS));

@@ -3,6 +3,7 @@
 #include "DeviceRuns.h"
 #include "HeadlessRun.h"
 #include "MidiOutput.h"
+#include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
@@ -14,6 +15,7 @@
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
 #include "ui/FailedSaveDialog.h"
+#include "ui/RecoveryQuestion.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -59,6 +61,15 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
                          qPrintable(why));
     }
 
+    // Changes an earlier run left unsaved are offered before the editor opens, and the editor's
+    // own changes are journaled until they are saved or discarded. Runs without a display
+    // neither ask nor touch journals.
+    std::optional<DocumentJournal> journal;
+    if (!options.editorHeadless() && !document.path().isEmpty()) {
+        journal.emplace();
+        journal->offerRecovery(document, [](const QString& q) { return askToRecover(q); });
+    }
+
     // Every input has passed: the settings key may be created now.
     RegCreateKey(RegRoot::LocalMachine, kEditorKey);
 
@@ -84,21 +95,30 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     run.refuseUpdate = options.refuseUpdate;
     run.askAboutRefusal = !options.editorHeadless();
     run.beforeStart = [&headlessRun] { headlessRun.arm(); };
+    if (journal)
+        run.edited = [&journal, &document](const QByteArray& image) {
+            journal->keep(document, image);
+        };
     const PlugInEditor::Result result = editor.edit(document.image(), run);
+    // An editor that failed leaves its journal for the next start.
     if (!result.ok) return fail(1, QStringLiteral("error: %1").arg(result.error));
 
+    // OK keeps the changes, recovered ones too, and saves them; Cancel discards them.
     if (result.changed) document.setImage(result.image);
-    if (!document.path().isEmpty() && document.modified()) {
-        QString why;
+    QString why;
+    bool saved = true;
+    if (!document.path().isEmpty() && document.modified() && result.kept) {
         const AskAfterFailedSave ask =
             options.headless() ? AskAfterFailedSave()
                                : AskAfterFailedSave([](const QString& e, bool changedOnDisk) {
                                      return askAfterFailedSave(e, changedOnDisk);
                                  });
-        if (!saveWithRecovery(document, ask, &why))
-            return fail(1,
-                        QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));
+        saved = saveWithRecovery(document, ask, &why);
     }
+    // Saved, or discarded by the user's choice: the journal has done its work.
+    if (journal) journal->drop();
+    if (!saved)
+        return fail(1, QStringLiteral("data file ") + why + QStringLiteral("; changes not saved"));
     return headlessRun.status();
 }
 

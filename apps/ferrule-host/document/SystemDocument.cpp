@@ -65,6 +65,12 @@ void SystemDocument::setImage(const QByteArray& image) {
     modified_ = true;
 }
 
+void SystemDocument::recover(const QByteArray& image, const DiskState& disk) {
+    image_ = image;
+    modified_ = true;
+    if (!path_.isEmpty()) disk_ = disk;
+}
+
 QByteArray SystemDocument::encode(DataFormat format) const {
     if (format == DataFormat::Raw) return image_;
     const auto* bytes = reinterpret_cast<const std::uint8_t*>(image_.constData());

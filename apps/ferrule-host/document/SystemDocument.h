@@ -45,18 +45,22 @@ public:
     // Opened while another ferrule-host has unsaved changes to the file: saving goes elsewhere.
     bool readOnly() const { return readOnly_; }
     void setReadOnly(bool readOnly) { readOnly_ = readOnly; }
-    // Writes the document to its file in its form, atomically; false with the system's reason.
-    bool save(QString* error);
-    // Makes `path` the document's file, in `format`, and saves there.
-    bool saveAs(const QString& path, DataFormat format, QString* error);
-
-private:
     // The file as this document last read or wrote it.
     struct DiskState {
         qint64 size = -1;
         QDateTime modified;
         QByteArray hash;
     };
+    const DiskState& disk() const { return disk_; }
+    // Takes changes kept from an earlier run: their image, unsaved, over the file as it was
+    // when they were made, so that a save over a file changed since asks first.
+    void recover(const QByteArray& image, const DiskState& disk);
+    // Writes the document to its file in its form, atomically; false with the system's reason.
+    bool save(QString* error);
+    // Makes `path` the document's file, in `format`, and saves there.
+    bool saveAs(const QString& path, DataFormat format, QString* error);
+
+private:
     static DiskState diskState(const QString& path, const QByteArray& bytes);
     static QByteArray hashOf(const QByteArray& bytes);
 

@@ -33,6 +33,7 @@ void HostObject::SysData(int index, int value) {
                                 " is outside the image");
     if (value < 0 || value > 255)
         throw std::out_of_range("SysData: value " + std::to_string(value) + " is not a byte");
+    written_ = true;
     if (static_cast<unsigned char>(image_[index]) != value) {
         image_[index] = char(value);
         changed_ = true;

@@ -47,6 +47,8 @@ public:
 
     const QByteArray& image() const { return image_; }
     bool changed() const { return changed_; }
+    // Whether the plug-in wrote the data back (it does so on OK only), changed or not.
+    bool written() const { return written_; }
 
     // Where MIDISendEx hands each block: address, data bytes, model.
     void setBlockSink(std::function<void(int, const QByteArray&, int)> sink);
@@ -60,6 +62,7 @@ signals:
 private:
     QByteArray image_;
     bool changed_ = false;
+    bool written_ = false;
     bool gtUpdate_ = true;
     bool refuseUpdate_ = false;
     int panelColour_ = 0xCEBEB0; // red in bits 0-7: a light steel blue

@@ -57,6 +57,14 @@ PlugInEditor::Result PlugInEditor::edit(const QByteArray& image, const Run& run)
                             QMessageBox::Ok, QApplication::activeModalWidget());
             box.exec();
         });
+    // The working image after each gesture, where the plug-in offers it.
+    auto* workingCopy = qobject_cast<EditorWorkingCopy*>(loader_.instance());
+    if (workingCopy && run.edited)
+        workingCopy->setEditListener(
+            [workingCopy, edited = run.edited] { edited(workingCopy->workingImage()); });
+    const auto stopListening = [workingCopy] {
+        if (workingCopy) workingCopy->setEditListener({});
+    };
     try {
         plugIn->Interface(&host);
         plugIn->Owner(run.owner);
@@ -72,10 +80,13 @@ PlugInEditor::Result PlugInEditor::edit(const QByteArray& image, const Run& run)
     } catch (const std::exception& e) {
         result.error = QString::fromLocal8Bit(e.what());
         pipeline->setQueueEmpty({});
+        stopListening();
         return result;
     }
     pipeline->setQueueEmpty({});
+    stopListening();
     result.ok = true;
+    result.kept = host.written();
     result.changed = host.changed() && host.image() != image;
     result.image = host.image();
     return result;

@@ -30,10 +30,13 @@ public:
         bool refuseUpdate = false;
         bool askAboutRefusal = true; // a message box when nothing could receive a transmission
         std::function<void()> beforeStart; // called just before Start (headless runs arm here)
+        // Called with the editor's working image after each gesture that changed it.
+        std::function<void(const QByteArray&)> edited;
     };
     struct Result {
         bool ok = false;      // false: the plug-in raised an error (in `error`)
         bool changed = false; // the editor closed keeping changes that differ from `image`
+        bool kept = false;    // the editor closed with OK, changed or not
         QByteArray image;
         QString error;
     };

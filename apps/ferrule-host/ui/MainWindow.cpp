@@ -2,6 +2,7 @@
 
 #include "FailedSaveDialog.h"
 #include "MidiMonitor.h"
+#include "RecoveryQuestion.h"
 #include "cli/DeviceRuns.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
@@ -70,6 +71,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     askFailed_ = [this](const QString& error, bool changedOnDisk) {
         return askAfterFailedSave(error, changedOnDisk, this);
     };
+    askRecover_ = [this](const QString& question) { return askToRecover(question, this); };
     askReadOnly_ = [this](const QString& text) {
         return QMessageBox::question(this, kTitle, text, QMessageBox::Open | QMessageBox::Cancel,
                                      QMessageBox::Cancel) == QMessageBox::Open;
@@ -482,8 +484,18 @@ void MainWindow::updateLock() {
     }
 }
 
+bool MainWindow::offerRecovery() {
+    if (!journal_.offerRecovery(document_, askRecover_)) return false;
+    say(QStringLiteral("recovered the changes that were not saved"));
+    refreshState();
+    return true;
+}
+
 void MainWindow::refreshState() {
     updateLock();
+    // Every change of the document passes here: its unsaved state is journaled, or its journal
+    // goes once it is saved or has no changes.
+    journal_.keep(document_, document_.image());
     const QString name = document_.path().isEmpty() ? QStringLiteral("Untitled")
                                                     : QFileInfo(document_.path()).fileName();
     setWindowTitle(QStringLiteral("%1[*] - GT-%2 - ferrule-host").arg(name).arg(document_.model()));
@@ -686,15 +698,19 @@ bool MainWindow::edit() {
     run.title = QStringLiteral("GT-%1").arg(document_.model());
     run.owner = this;
     run.pipeline = &pipeline;
+    // The editor's changes are journaled as they are made, before OK hands them over.
+    run.edited = [this](const QByteArray& image) { journal_.keep(document_, image); };
     const PlugInEditor::Result result = editor_.edit(document_.image(), run);
     if (!result.ok) {
         say(QStringLiteral("the editor stopped: %1").arg(result.error));
         return false;
     }
-    if (result.changed)
+    if (result.changed) {
         takeImage(result.image, QStringLiteral("edited"));
-    else
+    } else {
         say(QStringLiteral("the editor closed without changes"));
+        refreshState();
+    }
     return result.changed;
 }
 
@@ -785,6 +801,8 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
+    // Saved, discarded or unchanged: nothing is left to recover.
+    journal_.drop();
     event->accept();
 }
 

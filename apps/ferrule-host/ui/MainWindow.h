@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cli/HostOptions.h"
+#include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
@@ -55,6 +56,12 @@ public:
     // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
     using AskReadOnly = std::function<bool(const QString& text)>;
     void setAskReadOnly(AskReadOnly ask) { askReadOnly_ = std::move(ask); }
+    // The question about changes an earlier run left unsaved: true recovers them.
+    void setAskRecover(DocumentJournal::Ask ask) { askRecover_ = std::move(ask); }
+    // Offers the changes an earlier run left unsaved to this window's document, if there are
+    // any: the question comes at start.
+    bool offerRecovery();
+    const DocumentJournal& journal() const { return journal_; }
     // Whether this window holds the lock on its file (it has unsaved changes to it).
     bool holdsFileLock() const { return lock_.held(); }
 
@@ -125,7 +132,9 @@ private:
     AskUnknownDevice askUnknown_;
     AskAfterFailedSave askFailed_;
     AskReadOnly askReadOnly_;
+    DocumentJournal::Ask askRecover_;
     DocumentLock lock_;
+    DocumentJournal journal_;
 };
 
 } // namespace ferrule
