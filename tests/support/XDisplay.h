@@ -90,9 +90,8 @@ public:
         }
         return at;
     }
-    // Starts a program on this display with a private settings root (also its data folder), and
-    // `extra` in its
-    // environment.
+    // Starts a program on this display with a private settings root (also its data folder),
+    // and `extra` in its environment.
     void start(QProcess& process, const QString& program, const QStringList& args,
                const QString& settings,
                const QProcessEnvironment& extra = QProcessEnvironment()) const {
