@@ -480,10 +480,11 @@ void SysForm::redo() {
 }
 
 void SysForm::CancelEdit() {
+    // Only after a transmission is there anything to ask: the host's data is read back then.
     bool changed = false;
-    for (int i = 0; i < SystemImage::kSize && !changed; ++i)
+    for (int i = 0; transmitted_ && i < SystemImage::kSize && !changed; ++i)
         changed = state_.host.sysData(i) != state_.image.at(i);
-    if (transmitted_ && changed) {
+    if (changed) {
         const QString text =
             QStringLiteral("Are you sure you want to cancel?\r\n"
                            "This will discard the changes you made in Tonebench,\r\n"
