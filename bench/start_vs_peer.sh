@@ -3,7 +3,8 @@
 # each model against two stock Qt dialogs of the editor's fixed size (612x520), shown, grabbed
 # and saved as PNG the same way: the peer, with the same widget kinds and counts as the page
 # (counted from `--describe`), and the floor, the empty dialog. The three alternate run by run;
-# the medians of wall time and peak RSS are printed with the medians of the run-by-run ratios.
+# the medians of wall time, CPU time and peak RSS are printed with the medians of the run-by-run
+# ratios.
 # Then the first frame in a real X window (Xvfb): from the start of the process to the end of
 # the first paint of the editor (of the peer, of the floor), as each prints it when
 # FERRULE_FIRST_FRAME is set. Measured processes run at nice -5 when allowed.
@@ -15,13 +16,18 @@ peer="$build/bin/ferrule_stock_peer"
 prio=()
 [ "$(nice -n -5 nice 2>/dev/null)" = "$(($(nice) - 5))" ] && prio=(nice -n -5)
 
-# Wall time (microseconds) and peak RSS (kilobytes) of one run.
+# Wall time and CPU time (user and system, microseconds) and peak RSS (kilobytes) of one run.
+# The CPU time hardly depends on how busy the machine is; the wall time does.
 measure() {
-    local s e
-    s=${EPOCHREALTIME/./}
-    /usr/bin/time -f %M -o "$root/rss" "${prio[@]}" "$@" >/dev/null 2>&1
-    e=${EPOCHREALTIME/./}
-    echo "$((e - s)) $(tail -1 "$root/rss")"
+    python3 -c '
+import resource, subprocess, sys, time
+cpu = lambda r: r.ru_utime + r.ru_stime
+before = resource.getrusage(resource.RUSAGE_CHILDREN)
+start = time.monotonic_ns()
+subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+wall = (time.monotonic_ns() - start) // 1000
+after = resource.getrusage(resource.RUSAGE_CHILDREN)
+print(wall, int((cpu(after) - cpu(before)) * 1e6), after.ru_maxrss)' "${prio[@]}" "$@"
 }
 # Microseconds from the start of a process to the end of its first paint on the X server; the
 # process is ended then.
@@ -64,20 +70,22 @@ done
 
 echo "Start to PNG, offscreen (medians of $runs alternating runs):"
 for model in 3 5 6 8 10; do
-    : >"$root/t"; : >"$root/m"
+    : >"$root/t"; : >"$root/c"; : >"$root/m"
     for _ in $(seq "$runs"); do
-        read -r ht hm < <(measure "$host" --edit --model "$model" --page 1 --screenshot "$root/h.png")
+        read -r ht hc hm < <(measure "$host" --edit --model "$model" --page 1 --screenshot "$root/h.png")
         # shellcheck disable=SC2086
-        read -r pt pm < <(measure "$peer" ${counts[$model]} --screenshot "$root/p.png")
-        read -r ft fm < <(measure "$peer" --empty --screenshot "$root/f.png")
-        echo "$ht $pt $ft" >>"$root/t"; echo "$hm $pm $fm" >>"$root/m"
+        read -r pt pc pm < <(measure "$peer" ${counts[$model]} --screenshot "$root/p.png")
+        read -r ft fc fm < <(measure "$peer" --empty --screenshot "$root/f.png")
+        echo "$ht $pt $ft" >>"$root/t"; echo "$hc $pc $fc" >>"$root/c"; echo "$hm $pm $fm" >>"$root/m"
     done
     read -r h p rp f rf < <(ratios "$root/t")
+    read -r hc pc rpc fc rfc < <(ratios "$root/c")
     read -r hm pm rm _ _ < <(ratios "$root/m")
-    awk -v n="$model" -v h="$h" -v p="$p" -v rp="$rp" -v f="$f" -v rf="$rf" -v hm="$hm" \
-        -v pm="$pm" -v rm="$rm" -v c="${counts[$model]}" \
-        'BEGIN { printf "GT-%s: editor %.1f ms, peer %.1f ms (%.2fx), floor %.1f ms (%.2fx); peak RSS %.1f vs %.1f MB (%.2fx)   [%s]\n",
-                 n, h/1000, p/1000, rp, f/1000, rf, hm/1024, pm/1024, rm, c }'
+    awk -v n="$model" -v h="$h" -v p="$p" -v rp="$rp" -v f="$f" -v rf="$rf" -v hc="$hc" \
+        -v pc="$pc" -v rpc="$rpc" -v fc="$fc" -v rfc="$rfc" -v hm="$hm" -v pm="$pm" -v rm="$rm" \
+        -v c="${counts[$model]}" \
+        'BEGIN { printf "GT-%s: wall: editor %.1f ms, peer %.1f ms (%.2fx), floor %.1f ms (%.2fx); CPU: editor %.1f ms, peer %.1f ms (%.2fx), floor %.1f ms (%.2fx); peak RSS %.1f vs %.1f MB (%.2fx)   [%s]\n",
+                 n, h/1000, p/1000, rp, f/1000, rf, hc/1000, pc/1000, rpc, fc/1000, rfc, hm/1024, pm/1024, rm, c }'
 done
 
 # A private X server for the first frames.
