@@ -1,9 +1,11 @@
-// A stock Qt 6 window made of the same kinds and counts of widgets as the editor's first page,
-// rendered to PNG the same way `ferrule-host --screenshot` renders the editor: the peer that the
-// editor's start-up is measured against (bench/start_vs_peer.sh).
+// A stock Qt 6 dialog made of the same kinds and counts of widgets as the editor's first page,
+// at the editor's fixed size, rendered to PNG the same way `ferrule-host --screenshot` renders
+// the editor: the peer that the editor's start-up is measured against (bench/start_vs_peer.sh).
+// With --empty it is the floor: the same dialog with nothing in it. Without --screenshot it
+// stays on the screen (FERRULE_FIRST_FRAME says when it is first painted).
 //
 //   ferrule_stock_peer --knobs N --sliders N --switches N --groups 2,2,4 --headings N
-//                      --buttons N --tabs N --screenshot FILE.png
+//                      --buttons N --tabs N [--empty] [--screenshot FILE.png]
 
 #include <QApplication>
 #include <QCheckBox>
@@ -21,7 +23,25 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "ui/FirstFrameReport.h"
+
 #include <cstdio>
+
+namespace {
+
+// Shows the dialog and, as `ferrule-host --screenshot` does, renders it to `file`; without a
+// file it stays on the screen.
+int show(QDialog& window, const QString& file) {
+    window.show();
+    if (file.isEmpty()) return QApplication::exec();
+    QApplication::processEvents();
+    const QPixmap picture = window.grab();
+    if (!picture.save(file, "PNG")) return 2;
+    std::printf("screenshot written to %s\n", qPrintable(file));
+    return 0;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -37,12 +57,17 @@ int main(int argc, char** argv) {
                              buttons = number("buttons"), tabs = number("tabs");
     const QCommandLineOption groups(QStringLiteral("groups"), QString(), QStringLiteral("LIST"));
     const QCommandLineOption shot(QStringLiteral("screenshot"), QString(), QStringLiteral("FILE"));
-    parser.addOptions({groups, shot});
+    const QCommandLineOption empty(QStringLiteral("empty"));
+    parser.addOptions({groups, shot, empty});
     parser.process(app);
     const auto n = [&](const QCommandLineOption& o) { return parser.value(o).toInt(); };
 
+    ferrule::FirstFrameReport::installIfAsked();
     QDialog window;
     window.setWindowTitle(QStringLiteral("Stock peer"));
+    // The editor's size: the same pixels to lay out, paint and encode.
+    window.setFixedSize(612, 520);
+    if (parser.isSet(empty)) return show(window, parser.value(shot));
     auto* outer = new QVBoxLayout(&window);
     auto* top = new QHBoxLayout;
     for (int i = 0; i < n(buttons); ++i)
@@ -55,58 +80,67 @@ int main(int argc, char** argv) {
     for (int t = 1; t < n(tabs); ++t)
         tabWidget->addTab(new QWidget, QStringLiteral("Page %1").arg(t + 1));
 
+    // The headings two to a row, as the editor's panels are; in each, a row of knobs and
+    // sliders and, at its end, a column of switches and option groups. Sized to fit the window
+    // with every widget in sight, as on the editor's page.
     auto* grid = new QGridLayout(page);
-    QList<QGroupBox*> boxes;
+    grid->setContentsMargins(4, 4, 4, 4);
+    grid->setSpacing(4);
+    struct Box {
+        QHBoxLayout* row;
+        QVBoxLayout* side;
+    };
+    QList<Box> boxes;
     for (int h = 0; h < std::max(1, n(headings)); ++h) {
         auto* box = new QGroupBox(QStringLiteral("Heading %1").arg(h + 1));
-        box->setLayout(new QGridLayout);
+        auto* row = new QHBoxLayout(box);
+        row->setContentsMargins(4, 2, 4, 2);
+        row->setSpacing(2);
+        auto* side = new QVBoxLayout;
+        side->setSpacing(0);
+        row->addLayout(side);
         grid->addWidget(box, h / 2, h % 2);
-        boxes << box;
+        boxes << Box{row, side};
     }
-    int placed = 0;
-    auto next = [&] { return static_cast<QGridLayout*>(boxes[placed++ % boxes.size()]->layout()); };
+    int placed = 0, sided = 0;
+    const auto cell = [&](QWidget* control, const QString& caption, const QString& value) {
+        auto* column = new QVBoxLayout;
+        column->setSpacing(0);
+        column->addWidget(new QLabel(caption), 0, Qt::AlignHCenter);
+        column->addWidget(control, 0, Qt::AlignHCenter);
+        column->addWidget(new QLabel(value), 0, Qt::AlignHCenter);
+        QHBoxLayout* row = boxes[placed++ % boxes.size()].row;
+        row->insertLayout(row->count() - 1, column);
+    };
     for (int i = 0; i < n(knobs); ++i) {
-        auto* cell = new QVBoxLayout;
         auto* dial = new QDial;
         dial->setRange(0, 100);
         dial->setValue(40);
-        auto* label = new QLabel(QStringLiteral("40"));
-        label->setAlignment(Qt::AlignCenter);
-        cell->addWidget(new QLabel(QStringLiteral("Knob %1").arg(i + 1)));
-        cell->addWidget(dial);
-        cell->addWidget(label);
-        QGridLayout* l = next();
-        l->addLayout(cell, 0, l->columnCount());
+        dial->setFixedSize(36, 36);
+        cell(dial, QStringLiteral("Knob %1").arg(i + 1), QStringLiteral("40"));
     }
     for (int i = 0; i < n(sliders); ++i) {
-        auto* cell = new QVBoxLayout;
         auto* slider = new QSlider(Qt::Vertical);
         slider->setRange(0, 100);
         slider->setValue(50);
-        slider->setMinimumHeight(90);
-        cell->addWidget(new QLabel(QStringLiteral("Slider %1").arg(i + 1)));
-        cell->addWidget(slider);
-        cell->addWidget(new QLabel(QStringLiteral("50")));
-        QGridLayout* l = next();
-        l->addLayout(cell, 1, l->columnCount());
+        slider->setFixedHeight(60);
+        cell(slider, QStringLiteral("Slider %1").arg(i + 1), QStringLiteral("50"));
     }
     for (int i = 0; i < n(switches); ++i)
-        next()->addWidget(new QCheckBox(QStringLiteral("Switch %1").arg(i + 1)), 2, i);
+        boxes[sided++ % boxes.size()].side->addWidget(
+            new QCheckBox(QStringLiteral("Switch %1").arg(i + 1)));
     int g = 0;
     for (const QString& items : parser.value(groups).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         auto* box = new QGroupBox(QStringLiteral("Options %1").arg(++g));
         auto* l = new QVBoxLayout(box);
+        l->setContentsMargins(2, 0, 2, 0);
+        l->setSpacing(0);
         for (int i = 0; i < items.toInt(); ++i) {
             auto* r = new QRadioButton(QStringLiteral("Option %1").arg(i + 1));
             r->setChecked(i == 0);
             l->addWidget(r);
         }
-        next()->addWidget(box, 3, g);
+        boxes[sided++ % boxes.size()].side->addWidget(box);
     }
-    window.show();
-    QApplication::processEvents();
-    const QPixmap picture = window.grab();
-    if (!picture.save(parser.value(shot), "PNG")) return 2;
-    std::printf("screenshot written to %s\n", qPrintable(parser.value(shot)));
-    return 0;
+    return show(window, parser.value(shot));
 }

@@ -9,6 +9,7 @@
 #include "device/SyxFile.h"
 #include "document/SystemDocument.h"
 #include "io/QtThreads.h"
+#include "ui/FirstFrameReport.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
@@ -89,9 +90,10 @@ int run(int argc, char** argv) {
     qtArgv.push_back(nullptr);
     // Runs that open no window start faster without the GUI: no platform, no fonts.
     std::unique_ptr<QCoreApplication> app;
-    if (wantsWidgets(argc, argv))
+    if (wantsWidgets(argc, argv)) {
         app = std::make_unique<QApplication>(qtArgc, qtArgv.data());
-    else
+        FirstFrameReport::installIfAsked(QStringLiteral("SysForm"));
+    } else
         app = std::make_unique<QCoreApplication>(qtArgc, qtArgv.data());
     QCoreApplication::setApplicationName(QStringLiteral("ferrule-host"));
     QCoreApplication::setApplicationVersion(QStringLiteral(FERRULE_VERSION));

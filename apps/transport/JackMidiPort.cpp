@@ -1,9 +1,5 @@
 #include "JackMidiPort.h"
 
-#include "LinkEvents.h"
-
-#include <QPointer>
-
 #include <jack/midiport.h>
 
 #include <algorithm>
@@ -30,9 +26,20 @@ std::vector<JackMidiPort*>& livePorts() {
     return ports;
 }
 
+// Told when the server or its graph changes; set by the module's entry point.
+void (*linkChanged)() = nullptr;
+
+void notifyLinkChanged() {
+    if (linkChanged) linkChanged();
+}
+
 } // namespace
 
-void closeStoppedClients() {
+void JackMidiPort::setLinkChanged(void (*notify)()) {
+    linkChanged = notify;
+}
+
+void JackMidiPort::closeStoppedClients() {
     for (JackMidiPort* port : livePorts())
         if (port->serverGone_.load(std::memory_order_acquire)) port->release();
 }
@@ -42,7 +49,7 @@ namespace {
 // A client of the running server, never starting one; nullptr with `error` set when none runs.
 // JACK prints its complaints to stderr; the programs say what went wrong once, in their words.
 jack_client_t* openClient(const QString& name, QString* error) {
-    closeStoppedClients();
+    JackMidiPort::closeStoppedClients();
     jack_set_error_function(silent);
     jack_set_info_function(silent);
     jack_status_t status{};
@@ -87,13 +94,6 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
         port->sysex_.resize(kLongestSysex);
     }
     livePorts().push_back(port.get());
-    // A stopped server's clients are closed as soon as the Qt thread hears of the stop: a
-    // client left open blocks other programs' clients of the restarted server.
-    static QPointer<LinkEvents> closing;
-    if (closing != LinkEvents::instance()) {
-        closing = LinkEvents::instance();
-        QObject::connect(closing, &LinkEvents::changed, closing, &closeStoppedClients);
-    }
     port->port_ = jack_port_register(
         port->client_, portName.toLocal8Bit().constData(), JACK_DEFAULT_MIDI_TYPE,
         direction == Direction::In ? JackPortIsInput : JackPortIsOutput, 0);
@@ -224,15 +224,15 @@ int JackMidiPort::process(unsigned frames, void* self) {
 void JackMidiPort::shutDown(void* self) {
     // JACK's thread, and the client is gone: note it and wake the Qt thread, nothing more.
     static_cast<JackMidiPort*>(self)->serverGone_.store(true, std::memory_order_release);
-    LinkEvents::notify();
+    notifyLinkChanged();
 }
 
 void JackMidiPort::graphChanged(jack_port_id_t, int, void*) {
-    LinkEvents::notify();
+    notifyLinkChanged();
 }
 
 void JackMidiPort::connectionChanged(jack_port_id_t, jack_port_id_t, int, void*) {
-    LinkEvents::notify();
+    notifyLinkChanged();
 }
 
 void JackMidiPort::receive(unsigned frames) {

@@ -24,7 +24,7 @@ namespace ferrule {
 // a new one has reached a restarted server crashes inside jack_client_close. So every client of
 // the process is known here, and opening a client first closes those whose server has gone.
 // Changes of the server and its graph (a stop, a port registered or gone, a connection made or
-// broken) are passed on to LinkEvents.
+// broken) are passed on to the function given to setLinkChanged(), on JACK's threads.
 class JackMidiPort {
 public:
     enum class Direction { In, Out };
@@ -63,6 +63,10 @@ public:
     static Ports list(const QString& clientName, QString* error);
     // Whether a JACK server runs now, without starting one; `why` says so when none does.
     static bool serverRuns(QString* why);
+    // Closes the clients whose server has stopped; the Qt thread calls it when told of a change.
+    static void closeStoppedClients();
+    // What to call, from any thread, when the server or its graph changes.
+    static void setLinkChanged(void (*notify)());
 
 private:
     JackMidiPort() = default;
@@ -73,7 +77,6 @@ private:
     bool connected() const;
     // Closes the client (once); what is left refuses every message.
     void release();
-    friend void closeStoppedClients();
     void receive(unsigned frames);
     void transmit(unsigned frames);
     void deliver(const unsigned char* bytes, std::size_t size);

@@ -1,11 +1,8 @@
 #include "MidiInput.h"
 
-#include "PortOpening.h"
-#include "QuietStderr.h"
+#include "MidiModule.h"
 
 #include <QSocketNotifier>
-
-#include <RtMidi.h>
 
 #include <cstdint>
 #include <sys/eventfd.h>
@@ -30,13 +27,8 @@ MidiInput::MidiInput(QObject* parent)
 
 MidiInput::~MidiInput() {
     // Close the port before the ring and the eventfd go away: no callback runs after this.
-    in_.reset();
-    jack_.reset();
+    port_.reset();
     if (wakeFd_ >= 0) ::close(wakeFd_);
-}
-
-void MidiInput::rtMidiCallback(double, std::vector<unsigned char>* message, void* self) {
-    if (message && !message->empty()) receive(message->data(), message->size(), self);
 }
 
 void MidiInput::receive(const unsigned char* bytes, std::size_t size, void* self) {
@@ -58,60 +50,32 @@ void MidiInput::drain() {
         emit messageReceived(message);
 }
 
-bool MidiInput::create(MidiApi api, const QString& clientName, const QString& portName,
-                       QString* error) {
+bool MidiInput::openPort(MidiPortRequest request, QString* error) {
     if (wakeFd_ < 0) {
         if (error) *error = QStringLiteral("cannot create an eventfd for MIDI input");
         return false;
     }
-    if (api == MidiApi::Jack) {
-        jack_ = JackMidiPort::open(clientName, portName, JackMidiPort::Direction::In, error,
-                                   &MidiInput::receive, this);
-        return jack_ != nullptr;
-    }
-    QString why;
-    if (!midiSystemRuns(api, &why)) {
-        if (error) *error = why;
-        return false;
-    }
-    try {
-        QuietStderr quiet;
-        in_ = std::make_unique<RtMidiIn>(RtMidi::LINUX_ALSA, clientName.toStdString());
-        // System-exclusive messages are what we are here for; timing and sensing are not.
-        in_->ignoreTypes(false, true, true);
-        in_->setCallback(&MidiInput::rtMidiCallback, this);
-    } catch (const RtMidiError& e) {
-        if (error) *error = QString::fromStdString(e.getMessage()).trimmed();
-        in_.reset();
-        return false;
-    }
+    request.input = true;
+    request.receiver = &MidiInput::receive;
+    request.context = this;
+    port_ = openMidiPort(request, error);
+    if (!port_) return false;
+    portName_ = port_->name();
     return true;
 }
 
 bool MidiInput::open(MidiApi api, const QString& clientName, const QString& nameOrNumber,
                      QString* error) {
-    if (!create(api, clientName, clientName + QStringLiteral(" in"), error)) return false;
-    const QString name = jack_ ? connectNamedPort(*jack_, nameOrNumber, true, error)
-                               : openNamedPort(*in_, api, clientName, nameOrNumber, true, error);
-    if (name.isEmpty()) {
-        in_.reset();
-        jack_.reset();
-        return false;
-    }
-    portName_ = name;
-    return true;
+    MidiPortRequest request(api, clientName, clientName + QStringLiteral(" in"));
+    request.peer = nameOrNumber;
+    return openPort(request, error);
 }
 
 bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QString& portName,
                             QString* error) {
-    if (!create(api, clientName, portName, error)) return false;
-    if (in_ && !openOwnPort(*in_, portName, error)) {
-        in_.reset();
-        return false;
-    }
-    portName_ = portName;
-    own_ = true;
-    return true;
+    MidiPortRequest request(api, clientName, portName);
+    request.own = true;
+    return openPort(request, error);
 }
 
 bool MidiInput::linked(QString* why) const {
@@ -119,11 +83,11 @@ bool MidiInput::linked(QString* why) const {
         if (why) *why = QStringLiteral("the MIDI input port is not open");
         return false;
     }
-    return linkedPort(jack_.get(), in_.get(), own_, portName_, true, why);
+    return port_->linked(why);
 }
 
 bool MidiInput::isOpen() const {
-    return in_ || jack_;
+    return port_ != nullptr;
 }
 
 } // namespace ferrule

@@ -9,17 +9,17 @@
 
 #include <memory>
 
-class RtMidiIn;
 class QSocketNotifier;
 
 namespace ferrule {
 
-class JackMidiPort;
+class MidiPort;
+struct MidiPortRequest;
 
-// A MIDI input port (RtMidi for ALSA, our own client for JACK), system-exclusive messages
-// included. The MIDI system's thread
-// only copies each message into a lock-free ring and wakes the Qt thread through an eventfd;
-// messageReceived is emitted on the thread that owns this object.
+// A MIDI input port (RtMidi for ALSA, our own client for JACK, through the MIDI module),
+// system-exclusive messages included. The MIDI system's thread only copies each message into a
+// lock-free ring and wakes the Qt thread through an eventfd; messageReceived is emitted on the
+// thread that owns this object.
 class MidiInput : public QObject {
     Q_OBJECT
 public:
@@ -41,18 +41,15 @@ signals:
     void messageReceived(const QByteArray& message);
 
 private:
-    bool create(MidiApi api, const QString& clientName, const QString& portName, QString* error);
+    bool openPort(MidiPortRequest request, QString* error);
     void drain();
     static void receive(const unsigned char* bytes, std::size_t size, void* self);
-    static void rtMidiCallback(double stamp, std::vector<unsigned char>* message, void* self);
 
-    std::unique_ptr<RtMidiIn> in_;
-    std::unique_ptr<JackMidiPort> jack_;
+    std::unique_ptr<MidiPort> port_;
     MessageRing ring_;
     int wakeFd_ = -1;
     QSocketNotifier* notifier_ = nullptr;
     QString portName_;
-    bool own_ = false; // a port of our own, not a connection to another program's
 };
 
 } // namespace ferrule

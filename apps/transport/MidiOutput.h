@@ -7,14 +7,13 @@
 
 #include <memory>
 
-class RtMidiOut;
-
 namespace ferrule {
 
-class JackMidiPort;
+class MidiPort;
+struct MidiPortRequest;
 
-// A MIDI output port (RtMidi for ALSA, our own client for JACK). Opening says why it failed instead
-// of printing.
+// A MIDI output port (RtMidi for ALSA, our own client for JACK, through the MIDI module). Opening
+// says why it failed instead of printing.
 class MidiOutput {
 public:
     MidiOutput();
@@ -36,12 +35,10 @@ public:
     bool send(const QByteArray& message, QString* error);
 
 private:
-    bool create(MidiApi api, const QString& clientName, const QString& portName, QString* error);
+    bool openPort(const MidiPortRequest& request, QString* error);
 
-    std::unique_ptr<RtMidiOut> out_;
-    std::unique_ptr<JackMidiPort> jack_;
+    std::unique_ptr<MidiPort> port_;
     QString portName_;
-    bool own_ = false; // a port of our own, not a connection to another program's
 };
 
 } // namespace ferrule
