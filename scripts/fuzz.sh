@@ -19,20 +19,8 @@ targets=("$@")
 [ ${#targets[@]} -gt 0 ] || targets=(syx_file_fuzzer data_file_fuzzer ini_file_fuzzer midi_input_fuzzer)
 input_timeout=${FUZZ_INPUT_TIMEOUT:-10}
 
-scripts/deps.sh
 # clang with libFuzzer and the sanitizers' run-time, and the symbolizer for readable reports.
-packages=(clang libclang-rt-14-dev llvm)
-missing=()
-for p in "${packages[@]}"; do
-    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
-done
-if [ ${#missing[@]} -gt 0 ]; then
-    echo "Installing: ${missing[*]}"
-    sudo=""
-    [ "$(id -u)" -ne 0 ] && sudo="sudo"
-    $sudo apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq --no-install-recommends "${missing[@]}"
-fi
+scripts/deps.sh clang libclang-rt-14-dev llvm
 
 launcher=()
 command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
