@@ -136,7 +136,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FERRULE_LAW(messages.size() == split.messages.size());
     for (std::size_t i = 0; i < messages.size(); ++i)
         FERRULE_LAW(messages[i] == split.messages[i].bytes);
-    if (!finished && receiver.applied() == int(messages.size()) && !messages.empty()) {
+    if (receiver.applied() == int(messages.size()) && !messages.empty()) {
         const SyxFile::Loaded file = SyxFile::read(stream, model, options.header, base);
         FERRULE_LAW(file.error.isEmpty());
         FERRULE_LAW(file.image == a.image());
