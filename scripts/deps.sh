@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Installs the Debian packages Ferrule needs to build, test and run, when they are missing, and
-# the packages named as arguments (the tools another script needs).
+# the packages named as arguments (what one script needs besides).
 # JACK (jackd2 and its development package) goes in before or together with librtmidi-dev:
 # otherwise apt satisfies RtMidi's JACK dependency with the other JACK, and installing jackd2
-# later removes librtmidi-dev again.
+# later removes librtmidi-dev again. at-spi2-core and dbus-x11 are there as on a desktop: with
+# them Qt starts a session bus and the accessibility bridge, and the tests meet what users have.
 set -euo pipefail
 
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libgtest-dev
           libbenchmark-dev jackd2 libjack-jackd2-dev librtmidi-dev fonts-dejavu-core xvfb xdotool
-          "$@")
+          at-spi2-core dbus-x11 "$@")
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

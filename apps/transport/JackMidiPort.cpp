@@ -15,8 +15,6 @@ namespace {
 
 // Room for a second of messages at many times a MIDI cable's speed.
 constexpr std::size_t kQueueBytes = 1 << 16;
-// The longest system-exclusive message an input puts together; longer ones are dropped.
-constexpr std::size_t kLongestSysex = 1 << 16;
 
 void silent(const char*) {}
 
@@ -69,10 +67,6 @@ QStringList portNames(jack_client_t* client, unsigned long flags) {
     return names;
 }
 
-bool isRealTime(unsigned char status) {
-    return status >= 0xF8;
-}
-
 } // namespace
 
 std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, const QString& portName,
@@ -80,8 +74,6 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
                                                  Receiver receiver, void* context) {
     std::unique_ptr<JackMidiPort> port(new JackMidiPort);
     port->direction_ = direction;
-    port->receiver_ = receiver;
-    port->context_ = context;
     port->client_ = openClient(clientName, error);
     if (!port->client_) return nullptr;
     if (direction == Direction::Out) {
@@ -90,8 +82,8 @@ std::unique_ptr<JackMidiPort> JackMidiPort::open(const QString& clientName, cons
             if (error) *error = QStringLiteral("cannot make the MIDI output's queue");
             return nullptr;
         }
-    } else {
-        port->sysex_.resize(kLongestSysex);
+    } else if (receiver) {
+        port->joiner_ = std::make_unique<SysexJoiner>(receiver, context);
     }
     livePorts().push_back(port.get());
     port->port_ = jack_port_register(
@@ -236,41 +228,13 @@ void JackMidiPort::connectionChanged(jack_port_id_t, jack_port_id_t, int, void*)
 }
 
 void JackMidiPort::receive(unsigned frames) {
+    if (!joiner_) return;
     void* buffer = jack_port_get_buffer(port_, frames);
     const std::uint32_t count = jack_midi_get_event_count(buffer);
     for (std::uint32_t i = 0; i < count; ++i) {
         jack_midi_event_t event;
         if (jack_midi_event_get(&event, buffer, i) != 0 || event.size == 0) continue;
-        deliver(event.buffer, event.size);
-    }
-}
-
-void JackMidiPort::deliver(const unsigned char* bytes, std::size_t size) {
-    // Clock, time code and active sensing are of no use here.
-    if (bytes[0] == 0xF8 || bytes[0] == 0xF1 || bytes[0] == 0xFE) return;
-    if (isRealTime(bytes[0])) {
-        if (receiver_) receiver_(bytes, size, context_);
-        return;
-    }
-    if (bytes[0] == 0xF0) {
-        inSysex_ = true;
-        sysexSize_ = 0;
-    } else if (!inSysex_ || bytes[0] >= 0x80) {
-        // Not the rest of a system-exclusive message: one started earlier is abandoned.
-        inSysex_ = false;
-        if (receiver_) receiver_(bytes, size, context_);
-        return;
-    }
-    // A system-exclusive message, or a further piece of one.
-    if (sysexSize_ + size > sysex_.size()) {
-        inSysex_ = false;
-        return;
-    }
-    std::memcpy(sysex_.data() + sysexSize_, bytes, size);
-    sysexSize_ += size;
-    if (bytes[size - 1] == 0xF7) {
-        inSysex_ = false;
-        if (receiver_) receiver_(sysex_.data(), sysexSize_, context_);
+        joiner_->take(event.buffer, event.size);
     }
 }
 

@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include "SysexJoiner.h"
+
 #include <jack/jack.h>
 #include <jack/ringbuffer.h>
 
@@ -29,7 +31,7 @@ class JackMidiPort {
 public:
     enum class Direction { In, Out };
     // Where an input hands each complete message, on JACK's thread: copy it and return.
-    using Receiver = void (*)(const unsigned char* bytes, std::size_t size, void* context);
+    using Receiver = SysexJoiner::Receiver;
 
     // Opens a client named `clientName` (JACK numbers it when the name is taken) with a port
     // named `portName`, and activates it; nullptr with `error` set when no JACK server runs or
@@ -79,19 +81,14 @@ private:
     void release();
     void receive(unsigned frames);
     void transmit(unsigned frames);
-    void deliver(const unsigned char* bytes, std::size_t size);
 
     jack_client_t* client_ = nullptr;
     jack_port_t* port_ = nullptr;
     Direction direction_ = Direction::In;
-    Receiver receiver_ = nullptr;
-    void* context_ = nullptr;
     // Output: messages queued by send(), each as its length and its bytes.
     jack_ringbuffer_t* queue_ = nullptr;
-    // Input: a system-exclusive message that arrives in several events is put together here.
-    std::vector<unsigned char> sysex_;
-    std::size_t sysexSize_ = 0;
-    bool inSysex_ = false;
+    // Input: the events put together into messages for the receiver.
+    std::unique_ptr<SysexJoiner> joiner_;
     std::atomic<bool> serverGone_{false};
     // The other program's port this one was connected to; empty for a port others connect to.
     QByteArray peer_;

@@ -69,4 +69,14 @@ std::vector<DumpMap::Range> DumpMap::mappedRanges() const {
     return ranges;
 }
 
+int DumpMap::firstUncarriableByte(ImageBytes image) const {
+    int first = -1;
+    for (const Block& b : blocks_) {
+        if (!b.inImage || b.nibbles) continue;
+        for (int i = b.start; i < b.start + b.units && (first < 0 || i < first); ++i)
+            if (image[std::size_t(i)] > 0x7F) first = i;
+    }
+    return first;
+}
+
 } // namespace ferrule

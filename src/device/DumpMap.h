@@ -58,6 +58,9 @@ public:
     // The in-image blocks joined where their addresses adjoin: the fewest requests that ask for
     // exactly the mapped addresses.
     std::vector<Range> mappedRanges() const;
+    // The first image index whose byte a message carries whole and which is above 7F (a status
+    // byte, which no message can carry), or -1.
+    int firstUncarriableByte(ImageBytes image) const;
 
 private:
     explicit DumpMap(int model);

@@ -1,5 +1,6 @@
 #include "SystemDataFile.h"
 
+#include "DumpMap.h"
 #include "ModelMap.h"
 #include "SyxFile.h"
 
@@ -48,6 +49,17 @@ Read read(const QString& path, int model, const QByteArray& header, const QByteA
                            "file")
                 .arg(bytes.size() > limit ? QStringLiteral("more than %1").arg(limit)
                                           : QString::number(bytes.size())));
+    // Every byte a message carries whole must be one it can carry, or the data could be
+    // neither sent nor saved as .syx.
+    const ImageBytes image(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                           std::size_t(bytes.size()));
+    for (const int m : kModels)
+        if (const int bad = DumpMap::of(m).firstUncarriableByte(image); bad >= 0)
+            return fail(QStringLiteral("is not usable: byte %1 is 0x%2; GT-%3 system data are "
+                                       "7-bit values (0-127)")
+                            .arg(bad)
+                            .arg(QString::number(uchar(bytes[bad]), 16).toUpper())
+                            .arg(m));
     out.image = bytes;
     return out;
 }

@@ -17,7 +17,9 @@ IniFile::IniFile(const QByteArray& bytes) {
             line.ending = "\n";
             at = end + 1;
         }
-        if (line.text.endsWith('\r')) {
+        // A carriage return ends a line only before a line feed: read again, a file ending in
+        // one alone would not end its last line there.
+        if (line.text.endsWith('\r') && !line.ending.isEmpty()) {
             line.text.chop(1);
             line.ending.prepend('\r');
             newline_ = "\r\n";

@@ -100,3 +100,18 @@ TEST(IniFile, WrittenValuesReadBackAndTheRestStaysOnRandomFiles) {
         ASSERT_GE(kept, was.size() - 1) << bytes.toHex().constData();
     }
 }
+
+TEST(IniFile, AValueAddedAfterALastLineEndingInACarriageReturnGetsALineOfItsOwn) {
+    // Found by the fuzzer: a carriage return alone ends no line when the file is read again, so
+    // the new value must not take it for its predecessor's line ending.
+    for (const QByteArray& file : {QByteArray("MidiIn=abc\r"), QByteArray("a=1\r\nMidiIn=abc\r")}) {
+        IniFile ini(file);
+        ASSERT_EQ(ini.bytes(), file);
+        ASSERT_TRUE(ini.setValue(QStringLiteral("MidiOut"), QStringLiteral("x")));
+        const IniFile reread(ini.bytes());
+        EXPECT_EQ(reread.value(QStringLiteral("MidiOut")), QStringLiteral("x"))
+            << ini.bytes().toHex().constData();
+        EXPECT_EQ(reread.value(QStringLiteral("MidiIn")), QStringLiteral("abc"))
+            << ini.bytes().toHex().constData();
+    }
+}
