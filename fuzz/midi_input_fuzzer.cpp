@@ -41,12 +41,12 @@ void toRing(const unsigned char* bytes, std::size_t size, void* context) {
 
 // The stream cut into events as JACK delivers them: a status byte starts an event, an F7 or a
 // real-time byte ends one, and a system-exclusive message may be cut anywhere besides. Where,
-// comes from a small generator seeded by the input: pieces of 1 to 64 bytes, now and then none.
+// comes from a small generator started from the input: pieces of 1 to 64 bytes, now and then none.
 class Events {
 public:
-    Events(QByteArrayView stream, std::uint8_t seed)
+    Events(QByteArrayView stream, std::uint8_t salt)
         : stream_(stream)
-        , state_(0x9E3779B9u ^ (seed * 0x01000193u)) {}
+        , state_(0x9E3779B9u ^ (salt * 0x01000193u)) {}
     // The next event; empty at the end of the stream.
     QByteArrayView next() {
         const qsizetype start = at_;

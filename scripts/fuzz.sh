@@ -5,7 +5,7 @@
 #   scripts/fuzz.sh SECONDS [TARGET...]
 #
 # Builds the fuzz targets with clang, libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer
-# in build-fuzz/, then runs each for SECONDS, starting from the seeds in fuzz/corpus/ and what
+# in build-fuzz/, then runs each for SECONDS, starting from the inputs in fuzz/corpus/ and what
 # earlier runs found (out/fuzz/TARGET/corpus/). Fails on a crash, a broken law, a sanitizer
 # report, a leak or an input that takes longer than FUZZ_INPUT_TIMEOUT seconds (default 10); the
 # input is kept as out/fuzz/TARGET/crash-* (or leak-*, timeout-*) and the log as
@@ -40,7 +40,7 @@ for t in "${targets[@]}"; do
     rm -f "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*
     echo "== $t: $seconds s"
     status=0
-    # New inputs go to the first folder; the committed seeds stay as they are.
+    # New inputs go to the first folder; the committed starting inputs stay as they are.
     build-fuzz/fuzz/$t -max_total_time="$seconds" -timeout="$input_timeout" -detect_leaks=1 \
         -print_final_stats=1 -artifact_prefix="$work/" "$work/corpus" "fuzz/corpus/$t" \
         >"$work/log.txt" 2>&1 || status=$?
