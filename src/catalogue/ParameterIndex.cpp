@@ -4,6 +4,7 @@
 #include "PageCatalogue.h"
 #include "StepText.h"
 #include "device/ModelDescription.h"
+#include "device/ModelMap.h"
 
 #include <QHash>
 #include <QSet>
@@ -63,9 +64,7 @@ private:
     void finish(Instance& at);
     std::shared_ptr<const Parameter::Texts> optionTexts(const PageRow& row, QString* caption);
     std::shared_ptr<const Parameter::Texts> cellTexts(int row, int max);
-    bool doubleByte(int address) const {
-        return std::ranges::binary_search(description_.doubleBytes, address);
-    }
+    bool doubleByte(int address) const { return IsDoubleByte(address, model_); }
     // The bytes as the GT-10's custom tones and system preamps read them: channel c of each.
     ImageBytes withChannel(int c) {
         for (const SystemPreampLayout& p : description_.systemPreamps)
@@ -419,14 +418,15 @@ int Parameter::value(ImageBytes image) const {
     const auto at = [&](int i) {
         return i >= 0 && std::size_t(i) < image.size() ? int(image[std::size_t(i)]) : 0;
     };
-    return bytes == 2 ? at(address) * 128 + at(address + 1) : at(address);
+    return bytes == 2 ? joinDoubleByte(at(address), at(address + 1)) : at(address);
 }
 
 void Parameter::store(std::span<std::uint8_t> image, int v) const {
     if (!canHold(v)) return;
     if (bytes == 2) {
-        image[std::size_t(address)] = std::uint8_t(v / 128);
-        image[std::size_t(address + 1)] = std::uint8_t(v % 128);
+        const auto [high, low] = splitDoubleByte(v);
+        image[std::size_t(address)] = std::uint8_t(high);
+        image[std::size_t(address + 1)] = std::uint8_t(low);
     } else {
         image[std::size_t(address)] = std::uint8_t(v);
     }
