@@ -80,6 +80,17 @@ constexpr PageRow selector(const char* list, int count, int x, int y) {
 constexpr PageRow dependentRanges(int sliderIndex) {
     return {Control::DependentRanges, sliderIndex, "", {}, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 }
+// A heading's frame in twips: it starts 105 left of its caption and 75 above it.
+struct HeadingFrame {
+    int left, top, width, height;
+    constexpr bool contains(int x, int y) const {
+        return x >= left && x < left + width && y >= top && y < top + height;
+    }
+};
+constexpr HeadingFrame headingFrame(int x, int y, int width, int height) {
+    return {x - 105, y - 75, width, height};
+}
+
 // Whether a row is placed on a model (rows flagged for one model are left out on the others).
 constexpr bool onModel(const PageRow& row, int model) {
     return !((row.flags & Gt8Only) && model != 8) && !((row.flags & Gt10Only) && model != 10);

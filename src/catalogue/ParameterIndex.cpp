@@ -24,11 +24,10 @@ struct Parameter::Texts {
 
 namespace {
 
-// A heading placed on a page: its caption and its frame, in twips, as the primitives draw it.
+// A heading placed on a page: its caption and its frame, as the primitives draw it.
 struct PlacedHeading {
     QString caption;
-    int left, top, right, bottom;
-    bool contains(int x, int y) const { return x >= left && x < right && y >= top && y < bottom; }
+    HeadingFrame frame;
 };
 
 // A parameter found while running a page's rows, with where its control sits.
@@ -130,8 +129,8 @@ void IndexBuilder::placeRows(Instance& at, std::span<const PageRow> rows,
         if (!onModel(r, model_)) continue;
         if (r.control == Control::Heading) {
             const int width = r.width == PageCatalogue::kModelWidth ? bases.headingWidth : r.width;
-            at.headings.push_back({QString::fromUtf8(r.caption).trimmed(), r.x - 105, r.y - 75,
-                                   r.x - 105 + width, r.y - 75 + r.height});
+            at.headings.push_back(
+                {QString::fromUtf8(r.caption).trimmed(), headingFrame(r.x, r.y, width, r.height)});
             continue;
         }
         if (r.control == Control::List) continue;
@@ -177,14 +176,14 @@ void IndexBuilder::placeRows(Instance& at, std::span<const PageRow> rows,
         // The heading whose frame holds the control, else the last one placed before it.
         const PlacedHeading* under = at.headings.empty() ? nullptr : &at.headings.back();
         for (auto h = at.headings.rbegin(); h != at.headings.rend(); ++h)
-            if (h->contains(r.x, r.y)) {
+            if (h->frame.contains(r.x, r.y)) {
                 under = &*h;
                 break;
             }
         if (under) {
             p.heading = under->caption;
-            f.headingTop = under->top;
-            f.headingLeft = under->left;
+            f.headingTop = under->frame.top;
+            f.headingLeft = under->frame.left;
         }
         f.x = r.x;
         f.y = r.y;

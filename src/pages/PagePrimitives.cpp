@@ -2,6 +2,7 @@
 
 #include "ControlPools.h"
 #include "catalogue/OptionList.h"
+#include "catalogue/PageRow.h"
 #include "controls/ControlArt.h"
 #include "controls/RKnob.h"
 #include "controls/Twips.h"
@@ -49,7 +50,9 @@ void PagePrimitives::PlaceHeading(int index, int x, int y, int width, int height
         return;
     }
     label->move(twipsToPx(x), twipsToPx(y));
-    box->setGeometry(twipsToPx(x - 105), twipsToPx(y - 75), twipsToPx(width), twipsToPx(height));
+    const HeadingFrame frame = headingFrame(x, y, width, height);
+    box->setGeometry(twipsToPx(frame.left), twipsToPx(frame.top), twipsToPx(frame.width),
+                     twipsToPx(frame.height));
     pools_.setHeadingCaption(index, caption);
     box->show();
     box->lower();
