@@ -17,8 +17,7 @@
 namespace ferrule {
 
 struct Parameter::Texts {
-    QStringList names; // the text of value first + i at i
-    int first = 0;
+    QStringList names;    // the text of value v at v
     bool options = false; // an option group's
 };
 
@@ -105,8 +104,7 @@ std::shared_ptr<const Parameter::Texts> IndexBuilder::optionTexts(const PageRow&
     *caption = title.isEmpty() ? options.join(QLatin1Char('/')) : title;
     const QString key = QString::number(row.index) + QLatin1Char(':') + list;
     auto& texts = texts_[key];
-    if (!texts)
-        texts = std::make_shared<const Parameter::Texts>(Parameter::Texts{options, 0, true});
+    if (!texts) texts = std::make_shared<const Parameter::Texts>(Parameter::Texts{options, true});
     return texts;
 }
 
@@ -116,7 +114,7 @@ std::shared_ptr<const Parameter::Texts> IndexBuilder::cellTexts(int row, int max
         QStringList names;
         for (int code = 0; code <= max; ++code)
             names << StepText(code, row).trimmed();
-        texts = std::make_shared<const Parameter::Texts>(Parameter::Texts{names, 0, false});
+        texts = std::make_shared<const Parameter::Texts>(Parameter::Texts{names, false});
     }
     return texts;
 }
@@ -124,7 +122,7 @@ std::shared_ptr<const Parameter::Texts> IndexBuilder::cellTexts(int row, int max
 void IndexBuilder::placeRows(Instance& at, std::span<const PageRow> rows,
                              const PageCatalogue::RowBases& bases, const QString& instance) {
     static const auto switchTexts = std::make_shared<const Parameter::Texts>(
-        Parameter::Texts{{QStringLiteral("Off"), QStringLiteral("On")}, 0, false});
+        Parameter::Texts{{QStringLiteral("Off"), QStringLiteral("On")}, false});
     for (const PageRow& r : rows) {
         if (!onModel(r, model_)) continue;
         if (r.control == Control::Heading) {
@@ -201,7 +199,8 @@ void IndexBuilder::finish(Instance& at) {
     });
     for (Found& f : at.found) {
         // A byte that several placements of one control edit (a setting every instance of the
-        // selector shows) is one parameter, named where it shows first.
+        // selector shows) is one parameter, named where it shows first; two different controls
+        // bound to one byte stay two parameters (see sharedBytes).
         std::int16_t& same = byAddress_[std::size_t(f.parameter.address)];
         if (same >= 0) {
             const Parameter& first = out_[std::size_t(same)];
@@ -436,10 +435,7 @@ bool Parameter::canHold(int v) const {
 }
 
 QString Parameter::valueText(int v) const {
-    if (texts) {
-        const int i = v - texts->first;
-        if (i >= 0 && i < texts->names.size()) return texts->names[i];
-    }
+    if (texts && v >= 0 && v < texts->names.size()) return texts->names[v];
     return QString::number(v);
 }
 
@@ -448,7 +444,7 @@ std::optional<int> Parameter::parseValue(QStringView text) const {
     // A name first: an option may be named by a number ("Input" 1, 2, 3, USB).
     if (texts)
         for (int i = 0; i < texts->names.size(); ++i)
-            if (t.compare(texts->names[i], Qt::CaseInsensitive) == 0) return texts->first + i;
+            if (t.compare(texts->names[i], Qt::CaseInsensitive) == 0) return i;
     bool ok = false;
     const int v = t.toInt(&ok);
     if (ok) return v;
