@@ -391,9 +391,9 @@ QHash<QString, int> makeNamesUnique(std::vector<Parameter>& parameters) {
         for (std::size_t i : involved)
             names[i] = parameters[i].name();
     }
-    byName.clear();
-    byName.reserve(qsizetype(n));
-    for (std::size_t i = 0; i < n; ++i)
+    for (const QString& name : clashes)
+        byName.remove(name);
+    for (std::size_t i : involved)
         byName.insert(names[i], int(i));
     return byName;
 }
