@@ -126,13 +126,27 @@ int modelNamed(const QString& text) {
     return isKnownModel(model) ? model : 0;
 }
 
-const QRegularExpression& addressName() {
-    static const QRegularExpression re(QStringLiteral("^address\\s+(\\S+)$"),
-                                       QRegularExpression::CaseInsensitiveOption);
-    return re;
+// Appends a number 0 or above without a string of its own: a long text has thousands.
+void appendNumber(QString& out, int v) {
+    char16_t digits[12];
+    int n = std::size(digits);
+    do {
+        digits[--n] = char16_t(u'0' + v % 10);
+        v /= 10;
+    } while (v > 0);
+    out += QStringView(digits + n, std::size(digits) - std::size_t(n));
 }
 
-std::optional<int> plainNumber(const QString& text) {
+// "Address N" (any case, any spaces) → N as written; nullopt for any other name.
+std::optional<QStringView> addressOf(QStringView name) {
+    constexpr QStringView word = u"address";
+    if (name.size() <= word.size() || !name.startsWith(word, Qt::CaseInsensitive) ||
+        !name[word.size()].isSpace())
+        return std::nullopt;
+    return name.mid(word.size()).trimmed();
+}
+
+std::optional<int> plainNumber(QStringView text) {
     bool ok = false;
     const int v = text.toInt(&ok, 10);
     return ok ? std::optional<int>(v) : std::nullopt;
@@ -141,7 +155,7 @@ std::optional<int> plainNumber(const QString& text) {
 } // namespace
 
 QString write(int model, ImageBytes image) {
-    const QByteArray defaults = makeDefaultImage();
+    static const QByteArray defaults = makeDefaultImage();
     const ImageBytes base = bytesOf(defaults);
     const ParameterIndex& index = ParameterIndex::of(model);
     QString out;
@@ -168,7 +182,11 @@ QString write(int model, ImageBytes image) {
         if (image[std::size_t(i)] == base[std::size_t(i)]) continue;
         if (first) out += QStringLiteral("\n# Bytes no control edits\n");
         first = false;
-        out += QStringLiteral("Address %1 = %2\n").arg(i).arg(image[std::size_t(i)]);
+        out += u"Address ";
+        appendNumber(out, i);
+        out += u" = ";
+        appendNumber(out, image[std::size_t(i)]);
+        out += u'\n';
     }
     return out;
 }
@@ -190,15 +208,16 @@ Read read(QStringView text) {
         return failed;
     };
     std::span<std::uint8_t> image;
-    QHash<const Parameter*, int> setOn; // parameter → the line that set it
-    QHash<int, int> addressSetOn;       // image index → the line that set it
+    const Parameter* first = nullptr;
+    std::vector<int> setOn;        // parameter (by its place in the index) → the line that set it
+    std::vector<int> addressSetOn; // image index → the line that set it
 
     for (const QStringView raw : text.tokenize(u'\n')) {
         ++lineNumber;
-        const QString line = raw.trimmed().toString();
+        const QStringView line = raw.trimmed();
         if (line.isEmpty()) continue;
-        if (line.startsWith(QLatin1Char('#'))) {
-            const QRegularExpressionMatch m = modelLine().match(line);
+        if (line.startsWith(u'#')) {
+            const QRegularExpressionMatch m = modelLine().match(line.toString());
             if (!m.hasMatch()) continue;
             if (out.model != 0) return fail(QStringLiteral("a second model line"));
             out.model = modelNamed(m.captured(1));
@@ -208,25 +227,28 @@ Read read(QStringView text) {
             out.image = makeDefaultImage();
             image = {reinterpret_cast<std::uint8_t*>(out.image.data()),
                      std::size_t(out.image.size())};
+            const std::span<const Parameter> all = ParameterIndex::of(out.model).parameters();
+            first = all.data();
+            setOn.assign(all.size(), 0);
+            addressSetOn.assign(kImageSize, 0);
             continue;
         }
         if (out.model == 0)
             return fail(QStringLiteral("a setting before the model line (\"%1N\", N one of 3, 5, "
                                        "6, 8, 10)")
                             .arg(QLatin1String(kModelLine)));
-        const qsizetype equals = line.indexOf(QLatin1Char('='));
-        const QString name = line.left(std::max<qsizetype>(equals, 0)).trimmed();
-        const QString valueText = line.mid(equals + 1).trimmed();
+        const qsizetype equals = line.indexOf(u'=');
+        const QStringView name = line.left(std::max<qsizetype>(equals, 0)).trimmed();
+        const QStringView valueText = line.mid(equals + 1).trimmed();
         if (equals < 0 || name.isEmpty())
             return fail(QStringLiteral("\"%1\" is not \"Page / Heading / Caption [instance] = "
                                        "value\" or \"Address N = value\"")
                             .arg(line));
         if (valueText.isEmpty()) return fail(QStringLiteral("no value after \"=\""));
 
-        if (const QRegularExpressionMatch m = addressName().match(name); m.hasMatch()) {
-            const std::optional<int> address = plainNumber(m.captured(1));
-            if (!address)
-                return fail(QStringLiteral("\"%1\" is not an address").arg(m.captured(1)));
+        if (const std::optional<QStringView> number = addressOf(name)) {
+            const std::optional<int> address = plainNumber(*number);
+            if (!address) return fail(QStringLiteral("\"%1\" is not an address").arg(*number));
             const int most = perModel<SentBytes>(out.model).most(*address);
             if (most == 0)
                 return fail(QStringLiteral("address %1 is not a byte the GT-%2 sends")
@@ -243,11 +265,12 @@ Read read(QStringView text) {
                                 .arg(*address)
                                 .arg(most)
                                 .arg(*value));
-            if (const int first = addressSetOn.value(*address))
+            int& setBefore = addressSetOn[std::size_t(*address)];
+            if (setBefore != 0)
                 return fail(QStringLiteral("address %1 is set again (first on line %2)")
                                 .arg(*address)
-                                .arg(first));
-            addressSetOn.insert(*address, lineNumber);
+                                .arg(setBefore));
+            setBefore = lineNumber;
             image[std::size_t(*address)] = std::uint8_t(*value);
             continue;
         }
@@ -266,10 +289,12 @@ Read read(QStringView text) {
                             .arg(p->bytes == 2 ? QStringLiteral("two 7-bit bytes")
                                                : QStringLiteral("one 7-bit byte"))
                             .arg(p->name()));
-        if (const int first = setOn.value(p))
-            return fail(
-                QStringLiteral("\"%1\" is set again (first on line %2)").arg(p->name()).arg(first));
-        setOn.insert(p, lineNumber);
+        int& setBefore = setOn[std::size_t(p - first)];
+        if (setBefore != 0)
+            return fail(QStringLiteral("\"%1\" is set again (first on line %2)")
+                            .arg(p->name())
+                            .arg(setBefore));
+        setBefore = lineNumber;
         if (*value < p->minimum || *value > p->maximum)
             out.warnings << QStringLiteral("line %1: %2 = %3 is outside %4-%5; kept")
                                 .arg(lineNumber)
