@@ -222,7 +222,18 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(920, 560);
+    showReadWarnings();
     refreshState();
+}
+
+void MainWindow::showReadWarnings() {
+    // What the reading kept though it looked wrong (a value outside its range).
+    const QStringList& warnings = document_.warnings();
+    if (warnings.isEmpty()) return;
+    statusBar()->showMessage(warnings.size() == 1 ? warnings.first()
+                                                  : QStringLiteral("%1 (and %2 more warnings)")
+                                                        .arg(warnings.first())
+                                                        .arg(warnings.size() - 1));
 }
 
 MainWindow::~MainWindow() = default;
@@ -618,13 +629,7 @@ bool MainWindow::openFile(const QString& path) {
     device_.setHeader(document_.model(), options_.sysexHeader);
     rememberRecent(path);
     say(QStringLiteral("opened %1").arg(path));
-    // What the reading kept though it looked wrong (a value outside its range).
-    const QStringList& warnings = document_.warnings();
-    if (!warnings.isEmpty())
-        statusBar()->showMessage(warnings.size() == 1 ? warnings.first()
-                                                      : QStringLiteral("%1 (and %2 more warnings)")
-                                                            .arg(warnings.first())
-                                                            .arg(warnings.size() - 1));
+    showReadWarnings();
     refreshState();
     return true;
 }
