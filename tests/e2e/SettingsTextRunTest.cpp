@@ -2,7 +2,7 @@
 // model, the exit codes of a comparison, and bad text files that stop the run with one line
 // before anything is written.
 
-#include "HostProcess.h"
+#include "HostFiles.h"
 #include "QtPrinters.h"
 #include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
@@ -21,25 +21,12 @@ using namespace ferrule;
 
 namespace {
 
-class HostFiles : public ::testing::Test {
+class TextFiles : public HostFiles {
 protected:
-    QString path(const QString& name) const { return dir.filePath(name); }
-    QString root() const { return dir.filePath(QStringLiteral("settings")); }
-    static void writeFile(const QString& file, const QByteArray& bytes) {
-        QFile f(file);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& file) {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
     HostRun host(const QStringList& args) const { return runHost(args, root()); }
-
-    QTemporaryDir dir;
 };
 
-class SettingsTextRun : public HostFiles, public ::testing::WithParamInterface<int> {};
+class SettingsTextRun : public TextFiles, public ::testing::WithParamInterface<int> {};
 
 QByteArray randomImage(unsigned start) {
     std::mt19937 random(start);
@@ -104,7 +91,7 @@ TEST_P(SettingsTextRun, ExportedTextReadsBackAsTheSameDataWithItsOwnModel) {
 INSTANTIATE_TEST_SUITE_P(EveryModel, SettingsTextRun, ::testing::Values(3, 5, 6, 8, 10),
                          [](const auto& info) { return "GT" + std::to_string(info.param); });
 
-TEST_F(HostFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
+TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
     const ParameterIndex& index = ParameterIndex::of(10);
     const QByteArray a = randomImage(21);
     writeFile(path(QStringLiteral("a.syx")),
@@ -171,7 +158,7 @@ TEST_F(HostFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
     }
 }
 
-TEST_F(HostFiles, ABadTextFileStopsTheRunWithItsLineAndWritesNothing) {
+TEST_F(TextFiles, ABadTextFileStopsTheRunWithItsLineAndWritesNothing) {
     const QString out = path(QStringLiteral("out.syx"));
     const QString edited = path(QStringLiteral("edited.txt"));
     const QByteArray text = "# Model: GT-10\n# a comment\nAddress 19105 = 300\n";
