@@ -4,8 +4,11 @@
 #include "PageCatalogue.h"
 #include "StepText.h"
 #include "device/ModelDescription.h"
+#include "device/ModelMap.h"
 
 #include <QHash>
+#include <QSet>
+#include <QStringBuilder>
 #include <QStringList>
 
 #include <algorithm>
@@ -42,7 +45,8 @@ public:
     explicit IndexBuilder(int model)
         : model_(model)
         , description_(describeModel(model))
-        , scratch_(std::size_t(kImageSize), 0) {}
+        , scratch_(std::size_t(kImageSize), 0)
+        , byAddress_(std::size_t(kImageSize), -1) {}
 
     std::vector<Parameter> run();
 
@@ -60,9 +64,7 @@ private:
     void finish(Instance& at);
     std::shared_ptr<const Parameter::Texts> optionTexts(const PageRow& row, QString* caption);
     std::shared_ptr<const Parameter::Texts> cellTexts(int row, int max);
-    bool doubleByte(int address) const {
-        return std::ranges::binary_search(description_.doubleBytes, address);
-    }
+    bool doubleByte(int address) const { return IsDoubleByte(address, model_); }
     // The bytes as the GT-10's custom tones and system preamps read them: channel c of each.
     ImageBytes withChannel(int c) {
         for (const SystemPreampLayout& p : description_.systemPreamps)
@@ -74,8 +76,9 @@ private:
     const ModelDescription& description_;
     std::vector<std::uint8_t> scratch_;
     std::vector<Parameter> out_;
-    QHash<int, std::size_t> byAddress_; // first byte → parameter in out_
+    std::vector<std::int16_t> byAddress_; // first byte → parameter in out_, or -1
     QHash<QString, std::shared_ptr<const Parameter::Texts>> texts_;
+    std::array<std::array<std::shared_ptr<const Parameter::Texts>, 2>, 12> cells_; // row, phrase
 };
 
 QString channelName(int c) {
@@ -109,8 +112,7 @@ std::shared_ptr<const Parameter::Texts> IndexBuilder::optionTexts(const PageRow&
 }
 
 std::shared_ptr<const Parameter::Texts> IndexBuilder::cellTexts(int row, int max) {
-    const QString key = QStringLiteral("cell:%1:%2").arg(row).arg(max);
-    auto& texts = texts_[key];
+    auto& texts = cells_[std::size_t(row)][max > 48 ? 1 : 0];
     if (!texts) {
         QStringList names;
         for (int code = 0; code <= max; ++code)
@@ -201,14 +203,14 @@ void IndexBuilder::finish(Instance& at) {
     for (Found& f : at.found) {
         // A byte that several placements of one control edit (a setting every instance of the
         // selector shows) is one parameter, named where it shows first.
-        const auto same = byAddress_.constFind(f.parameter.address);
-        if (same != byAddress_.cend()) {
-            const Parameter& first = out_[*same];
+        std::int16_t& same = byAddress_[std::size_t(f.parameter.address)];
+        if (same >= 0) {
+            const Parameter& first = out_[std::size_t(same)];
             if (first.caption == f.parameter.caption && first.bytes == f.parameter.bytes &&
                 first.minimum == f.parameter.minimum && first.maximum == f.parameter.maximum)
                 continue;
         }
-        byAddress_.insert(f.parameter.address, out_.size());
+        same = std::int16_t(out_.size());
         out_.push_back(std::move(f.parameter));
     }
 }
@@ -217,36 +219,40 @@ void IndexBuilder::addGrids(int page) {
     Instance at{QString::fromUtf8(PageCatalogue::tabCaption(tabForPage(page, model_))), {}, {}};
     placeRows(at, PageCatalogue::gridPage(page), {}, {});
     const QString heading = at.headings.empty() ? QString() : at.headings.front().caption;
+    const QString note = QStringLiteral("Note");
     auto cell = [&](int address, int row, int max, QString instance) {
         Parameter p;
         p.page = at.page;
         p.heading = heading;
-        p.caption = QStringLiteral("Note");
+        p.caption = note;
         p.instance = std::move(instance);
         p.address = address;
         p.maximum = max;
         p.texts = cellTexts(row, max);
-        byAddress_.insert(address, out_.size());
+        byAddress_[std::size_t(address)] = std::int16_t(out_.size());
         out_.push_back(std::move(p));
     };
-    auto key = [](int row) { return keyName(row).section(QLatin1Char('/'), 0, 0); };
+    std::array<QString, 12> keys; // "C#", the first name of the row's key
+    for (int r = 0; r < 12; ++r)
+        keys[std::size_t(r)] = keyName(r).section(QLatin1Char('/'), 0, 0);
+    const auto number = [](int n) { return QString::number(n); };
     if (page == 5 && description_.scaleBase >= 0)
         for (int n = 0; n < kScaleCount; ++n)
             for (int r = 0; r < kScaleLength; ++r)
                 cell(description_.scaleBase + n * kScaleLength + r, r, 48,
-                     QStringLiteral("Scale %1 / %2").arg(n + 1).arg(key(r)));
+                     u"Scale " % number(n + 1) % u" / " % keys[std::size_t(r)]);
     if (page == 6 && description_.phraseBase >= 0)
         for (int n = 0; n < kPhraseCount; ++n)
             for (int k = 0; k < 12; ++k)
                 for (int s = 0; s < 16; ++s)
                     cell(description_.phraseBase + n * kPhraseLength + k * 16 + s, k, 50,
-                         QStringLiteral("Phrase %1 / Key %2 / Step %3")
-                             .arg(n + 1)
-                             .arg(key(k))
-                             .arg(s + 1));
+                         u"Phrase " % number(n + 1) % u" / Key " % keys[std::size_t(k)] %
+                             u" / Step " % number(s + 1));
 }
 
 std::vector<Parameter> IndexBuilder::run() {
+    // The grids' cells and room for the pages' controls.
+    out_.reserve(std::size_t(kScaleCount * kScaleLength + kPhraseCount * kPhraseLength + 512));
     for (int page : pagesOf(model_)) {
         const QString caption =
             QString::fromUtf8(PageCatalogue::tabCaption(tabForPage(page, model_)));
@@ -338,42 +344,73 @@ std::vector<Parameter> IndexBuilder::run() {
 // Tells apart the parameters whose names would be the same: an option group takes its options
 // ("Gain (Low/Middle/High)" beside the "Gain" knob), another control the caption of the control
 // before it under its heading ("Presence (Level 2)"), and a number where that is not enough.
-void makeNamesUnique(std::vector<Parameter>& parameters) {
-    const std::vector<Parameter> original = parameters;
+// Gives every name and its parameter.
+QHash<QString, int> makeNamesUnique(std::vector<Parameter>& parameters) {
+    const std::size_t n = parameters.size();
+    std::vector<QString> names(n);
+    QHash<QString, int> byName;
+    byName.reserve(qsizetype(n));
+    QSet<QString> clashes;
+    for (std::size_t i = 0; i < n; ++i) {
+        names[i] = parameters[i].name();
+        const qsizetype before = byName.size();
+        byName.insert(names[i], int(i));
+        if (byName.size() == before) clashes.insert(names[i]);
+    }
+    if (clashes.isEmpty()) return byName;
+    // Only the parameters that bear a clashing name are worked on.
+    std::vector<std::size_t> involved;
+    for (std::size_t i = 0; i < n; ++i)
+        if (clashes.contains(names[i])) involved.push_back(i);
+    std::vector<QString> captions(n);
+    for (std::size_t i = 0; i < n; ++i)
+        captions[i] = parameters[i].caption;
     for (int pass = 0; pass < 3; ++pass) {
         QHash<QString, int> count;
-        for (const Parameter& p : parameters)
-            ++count[p.name()];
+        for (std::size_t i : involved)
+            ++count[names[i]];
         QHash<QString, int> seen;
-        for (std::size_t i = 0; i < parameters.size(); ++i) {
+        for (std::size_t i : involved) {
             Parameter& p = parameters[i];
-            const QString name = p.name();
-            if (count.value(name) < 2) continue;
+            if (count.value(names[i]) < 2) continue;
             if (pass == 0) {
-                if (p.texts && p.texts->options &&
-                    p.caption != p.texts->names.join(QLatin1Char('/')))
-                    p.caption += QStringLiteral(" (%1)").arg(p.texts->names.join(QLatin1Char('/')));
+                const QString options =
+                    p.texts && p.texts->options ? p.texts->names.join(QLatin1Char('/')) : QString();
+                if (!options.isEmpty() && p.caption != options) p.caption += u" (" % options % u')';
             } else if (pass == 1) {
                 for (std::size_t j = i; j-- > 0;) {
-                    const Parameter& before = original[j];
+                    const Parameter& before = parameters[j];
                     if (before.page != p.page || before.heading != p.heading) break;
-                    if (before.caption != original[i].caption && before.instance == p.instance) {
-                        p.caption += QStringLiteral(" (%1)").arg(before.caption);
+                    if (captions[j] != captions[i] && before.instance == p.instance) {
+                        p.caption += u" (" % captions[j] % u')';
                         break;
                     }
                 }
             } else {
-                p.caption += QStringLiteral(" %1").arg(++seen[name]);
+                p.caption += u' ' % QString::number(++seen[names[i]]);
             }
         }
+        for (std::size_t i : involved)
+            names[i] = parameters[i].name();
     }
+    byName.clear();
+    byName.reserve(qsizetype(n));
+    for (std::size_t i = 0; i < n; ++i)
+        byName.insert(names[i], int(i));
+    return byName;
 }
 
 } // namespace
 
 QString Parameter::name() const {
-    QString n = joined(joined(page, heading), caption);
-    if (!instance.isEmpty()) n += QStringLiteral(" [") + instance + QLatin1Char(']');
+    QString n;
+    n.reserve(page.size() + heading.size() + caption.size() + instance.size() + 9);
+    for (const QString* part : {&page, &heading, &caption}) {
+        if (part->isEmpty()) continue;
+        if (!n.isEmpty()) n += u" / ";
+        n += *part;
+    }
+    if (!instance.isEmpty()) n += u" [" % instance % u']';
     return n;
 }
 
@@ -381,14 +418,15 @@ int Parameter::value(ImageBytes image) const {
     const auto at = [&](int i) {
         return i >= 0 && std::size_t(i) < image.size() ? int(image[std::size_t(i)]) : 0;
     };
-    return bytes == 2 ? at(address) * 128 + at(address + 1) : at(address);
+    return bytes == 2 ? joinDoubleByte(at(address), at(address + 1)) : at(address);
 }
 
 void Parameter::store(std::span<std::uint8_t> image, int v) const {
     if (!canHold(v)) return;
     if (bytes == 2) {
-        image[std::size_t(address)] = std::uint8_t(v / 128);
-        image[std::size_t(address + 1)] = std::uint8_t(v % 128);
+        const auto [high, low] = splitDoubleByte(v);
+        image[std::size_t(address)] = std::uint8_t(high);
+        image[std::size_t(address + 1)] = std::uint8_t(low);
     } else {
         image[std::size_t(address)] = std::uint8_t(v);
     }
@@ -423,10 +461,7 @@ ParameterIndex ParameterIndex::build(int model) {
     index.model_ = model;
     if (describeModel(model).model == 0) return index;
     index.parameters_ = IndexBuilder(model).run();
-    makeNamesUnique(index.parameters_);
-    index.byName_.reserve(qsizetype(index.parameters_.size()));
-    for (std::size_t k = 0; k < index.parameters_.size(); ++k)
-        index.byName_.insert(index.parameters_[k].name(), int(k));
+    index.byName_ = makeNamesUnique(index.parameters_);
 
     std::vector<bool> sent(std::size_t(kImageSize), false);
     const int steps = TransmissionSchedule::stepTotal(model);

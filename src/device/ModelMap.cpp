@@ -1,5 +1,7 @@
 #include "ModelMap.h"
 
+#include <algorithm>
+
 namespace ferrule {
 
 bool isKnownModel(int model) {
@@ -20,6 +22,10 @@ int harmonistScaleBase(int model) {
 
 int autoRiffPhraseBase(int model) {
     return describeModel(model).phraseBase;
+}
+
+bool IsDoubleByte(int memLoc, int model) {
+    return std::ranges::binary_search(describeModel(model).doubleBytes, memLoc);
 }
 
 } // namespace ferrule
