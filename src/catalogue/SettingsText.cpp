@@ -126,6 +126,12 @@ int modelNamed(const QString& text) {
     return isKnownModel(model) ? model : 0;
 }
 
+// The embedded default image, made once.
+const QByteArray& defaultImage() {
+    static const QByteArray image = makeDefaultImage();
+    return image;
+}
+
 // Appends a number 0 or above without a string of its own: a long text has thousands.
 void appendNumber(QString& out, int v) {
     char16_t digits[12];
@@ -155,8 +161,7 @@ std::optional<int> plainNumber(QStringView text) {
 } // namespace
 
 QString write(int model, ImageBytes image) {
-    static const QByteArray defaults = makeDefaultImage();
-    const ImageBytes base = bytesOf(defaults);
+    const ImageBytes base = bytesOf(defaultImage());
     const ParameterIndex& index = ParameterIndex::of(model);
     QString out;
     out.reserve(64 * 1024);
@@ -224,7 +229,8 @@ Read read(QStringView text) {
             if (out.model == 0)
                 return fail(QStringLiteral("unknown model \"%1\" (GT-3, GT-5, GT-6, GT-8 or GT-10)")
                                 .arg(m.captured(1)));
-            out.image = makeDefaultImage();
+            out.image = defaultImage();
+            out.image.detach();
             image = {reinterpret_cast<std::uint8_t*>(out.image.data()),
                      std::size_t(out.image.size())};
             const std::span<const Parameter> all = ParameterIndex::of(out.model).parameters();
