@@ -26,11 +26,15 @@ _ferrule()
             _filedir png
             return
             ;;
-        --export | --syx)
+        --syx)
             _filedir syx
             return
             ;;
-        --data | -d | --save)
+        --export)
+            _filedir '@(syx|txt)'
+            return
+            ;;
+        --data | -d | --save | --diff)
             _filedir
             return
             ;;

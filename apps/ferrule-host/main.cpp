@@ -4,6 +4,7 @@
 // transport (MIDI and pacing), plugin (the host object and the plug-in's editor).
 
 #include "cli/DeviceRuns.h"
+#include "cli/DiffRun.h"
 #include "cli/EditorRun.h"
 #include "cli/HostOptions.h"
 #include "device/SyxFile.h"
@@ -31,8 +32,10 @@ bool displayAvailable() {
            !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-// The model a file named alone holds: a .syx file's own, otherwise the options' model.
+// The model a file named alone holds: a .syx file's or a settings text's own, otherwise the
+// options' model.
 int modelToOpen(const HostOptions& options) {
+    if (const int model = SystemDocument::textModel(options.openFile)) return model;
     QFile file(options.openFile);
     if (!file.open(QIODevice::ReadOnly)) return options.model;
     const int model = SyxFile::modelOf(file.read(SyxFile::kMaxSize), options.dataSetHeader());
@@ -106,13 +109,18 @@ int run(int argc, char** argv) {
         return 0;
     }
     if (!parsed.options) return fail(kExitBadInput, parsed.error);
-    const HostOptions& options = *parsed.options;
+    HostOptions options = *parsed.options;
+    // A settings text names its model; without --model, that is the model to work on.
+    if (!options.modelGiven)
+        if (const int model = SystemDocument::textModel(options.dataFile))
+            options.adoptModel(model);
 
     if (options.listMidiPorts) return runListPorts(options);
 
     QString error;
     std::optional<SystemDocument> document = openDocument(options, &error);
     if (!document) return fail(kExitBadInput, error);
+    printWarnings(*document);
     if (!options.screenshot.isEmpty() &&
         !options.screenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive))
         return fail(
@@ -120,6 +128,7 @@ int run(int argc, char** argv) {
             QStringLiteral("screenshot file \"%1\" must end in .png").arg(options.screenshot));
 
     if (options.readsDevice()) return runReadDevice(options, *document);
+    if (options.diffs()) return runDiff(options, *document);
     if (!options.exportFile.isEmpty() && !options.editorHeadless())
         return runExport(options, *document);
     if (!options.mainScreenshot.isEmpty()) {

@@ -11,8 +11,8 @@
 
 namespace ferrule::SystemDataFile {
 
-Read read(const QString& path, int model, const QByteArray& header, const QByteArray& base) {
-    Read out;
+Bytes readRegularFile(const QString& path, qint64 limit) {
+    Bytes out;
     const auto fail = [&](const QString& why) {
         out.error = QStringLiteral("data file \"%1\" %2").arg(path, why);
         return out;
@@ -28,10 +28,27 @@ Read read(const QString& path, int model, const QByteArray& header, const QByteA
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
-    const qint64 limit = std::max<qint64>(kImageSize, SyxFile::kMaxSize);
-    const QByteArray bytes = file.read(limit + 1);
-    if (file.error() != QFileDevice::NoError)
+    out.bytes = file.read(limit + 1);
+    if (file.error() != QFileDevice::NoError) {
+        out.bytes.clear();
         return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+    }
+    return out;
+}
+
+Read read(const QString& path, int model, const QByteArray& header, const QByteArray& base) {
+    Read out;
+    const auto fail = [&](const QString& why) {
+        out.error = QStringLiteral("data file \"%1\" %2").arg(path, why);
+        return out;
+    };
+    const qint64 limit = std::max<qint64>(kImageSize, SyxFile::kMaxSize);
+    const Bytes file = readRegularFile(path, limit);
+    if (!file.error.isEmpty()) {
+        out.error = file.error;
+        return out;
+    }
+    const QByteArray& bytes = file.bytes;
 
     if (SyxFile::looksLikeSyx(bytes)) {
         if (bytes.size() > SyxFile::kMaxSize)

@@ -19,5 +19,13 @@ struct Read {
 // Bytes a .syx file does not carry come from `base`.
 Read read(const QString& path, int model, const QByteArray& header, const QByteArray& base);
 
+// The bytes of a regular file, at most `limit` + 1 of them (so that a longer file shows as
+// such); `error` instead, one line naming the file: data file "X" does not exist.
+struct Bytes {
+    QByteArray bytes;
+    QString error;
+};
+Bytes readRegularFile(const QString& path, qint64 limit);
+
 } // namespace SystemDataFile
 } // namespace ferrule

@@ -1,4 +1,4 @@
-#include "HostProcess.h"
+#include "HostFiles.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -10,23 +10,7 @@
 
 namespace {
 
-class HostProcessTest : public ::testing::Test {
-protected:
-    QString path(const QString& name) const { return dir.filePath(name); }
-    QString root() const { return dir.filePath(QStringLiteral("settings")); }
-
-    static void writeFile(const QString& file, const QByteArray& bytes) {
-        QFile f(file);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& file) {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
-
-    QTemporaryDir dir;
-};
+class HostProcessTest : public HostFiles {};
 
 } // namespace
 

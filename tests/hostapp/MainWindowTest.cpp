@@ -5,6 +5,7 @@
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "QtPrinters.h"
+#include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
@@ -14,11 +15,13 @@
 
 #include <QAbstractButton>
 #include <QAction>
+#include <QComboBox>
 #include <QFile>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QProcess>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -293,4 +296,52 @@ TEST(MainWindow, AnEmptyStartSaysWhatToDoAndItsDialogsSpeakTheWindowsLanguage) {
     EXPECT_TRUE(window.openFile(own));
     answer.stop();
     EXPECT_FALSE(hint->isVisible()) << "the window holds a file now";
+}
+
+TEST(MainWindow, ASettingsTextOpensAsTheModelItNamesShowsItsWarningsAndSavesAsText) {
+    QTemporaryDir dir;
+    const Parameter* knob = nullptr;
+    for (const Parameter& p : ParameterIndex::of(3).parameters())
+        if (knob == nullptr && p.bytes == 1 && p.maximum < 127) knob = &p;
+    ASSERT_NE(knob, nullptr);
+    const QString text = dir.filePath(QStringLiteral("gt3.txt"));
+    {
+        QFile f(text);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("# Model: GT-3\n" + knob->name().toUtf8() + " = 127\n");
+    }
+    MainWindow window(hostOptionsForTests(10), SystemDocument(10, Sysex::defaultHeader(10)));
+    window.show();
+    // No question: the text says which model it holds.
+    int boxes = 0;
+    QTimer watch;
+    watch.setInterval(5);
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        for (QWidget* w : QApplication::topLevelWidgets())
+            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
+                ++boxes;
+                box->reject();
+            }
+    });
+    watch.start();
+    ASSERT_TRUE(window.openFile(text)) << qPrintable(window.lastResult());
+    watch.stop();
+    EXPECT_EQ(boxes, 0);
+    EXPECT_EQ(window.findChild<QComboBox*>(QStringLiteral("model"))->currentText(),
+              QStringLiteral("GT-3"));
+    EXPECT_TRUE(window.findChild<QLabel*>(QStringLiteral("summary"))
+                    ->text()
+                    .contains(QLatin1String("settings text")));
+    EXPECT_EQ(window.statusBar()->currentMessage(),
+              QStringLiteral("line 2: %1 = 127 is outside %2-%3; kept")
+                  .arg(knob->name())
+                  .arg(knob->minimum)
+                  .arg(knob->maximum));
+
+    // Saved as text under another name, with the value kept.
+    const QString copy = dir.filePath(QStringLiteral("copy.txt"));
+    ASSERT_TRUE(window.saveAs(copy));
+    const QByteArray saved = readFile(copy);
+    EXPECT_TRUE(saved.startsWith("# Ferrule system settings\n# Model: GT-3\n"));
+    EXPECT_TRUE(saved.contains(knob->name().toUtf8() + " = 127\n")) << saved.constData();
 }

@@ -1,5 +1,6 @@
 #include "DeviceRuns.h"
 
+#include "DiffRun.h"
 #include "LinkWatch.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
@@ -11,6 +12,7 @@
 #include "transport/DumpReceiver.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
 #include <cstdio>
 
@@ -20,6 +22,22 @@ int fail(int code, const QString& line) {
     std::fprintf(stderr, "ferrule-host: %s\n", qPrintable(line));
     return code;
 }
+
+void printWarnings(const SystemDocument& document) {
+    for (const QString& warning : document.warnings())
+        std::fprintf(stderr, "ferrule-host: %s: %s\n",
+                     qPrintable(QFileInfo(document.path()).fileName()), qPrintable(warning));
+}
+
+namespace {
+
+// --export writes messages, or settings text for a name ending in .txt.
+DataFormat exportFormat(const QString& path) {
+    return SystemDocument::formatForName(path) == DataFormat::Text ? DataFormat::Text
+                                                                   : DataFormat::Syx;
+}
+
+} // namespace
 
 std::optional<MidiApi> chosenMidiApi(const HostOptions& options, QString* why) {
     if (options.midiApi.isEmpty()) return defaultMidiApi(why);
@@ -53,11 +71,11 @@ int runListPorts(const HostOptions& options) {
 }
 
 int runExport(const HostOptions& options, const SystemDocument& document) {
-    const QByteArray syx = document.encode(DataFormat::Syx);
+    const QByteArray bytes = document.encode(exportFormat(options.exportFile));
     QString error;
-    if (!AtomicFile::write(options.exportFile, syx, &error)) return fail(1, error);
+    if (!AtomicFile::write(options.exportFile, bytes, &error)) return fail(1, error);
     std::printf("exported GT-%d system data: %lld bytes to %s\n", document.model(),
-                static_cast<long long>(syx.size()), qPrintable(options.exportFile));
+                static_cast<long long>(bytes.size()), qPrintable(options.exportFile));
     return 0;
 }
 
@@ -67,6 +85,11 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
     for (const QString& target : {options.exportFile, options.dataFile})
         if (!target.isEmpty() && !AtomicFile::writable(target, &error))
             return fail(kExitBadInput, error);
+    std::optional<SystemDocument> other;
+    if (options.diffs()) {
+        other = openDiffFile(options, document.model(), &error);
+        if (!other) return fail(kExitBadInput, error);
+    }
     const std::optional<MidiApi> api = chosenMidiApi(options, &error);
     if (!api) return fail(kExitDevice, error);
 
@@ -118,7 +141,8 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
 
     document.setImage(receiver.assembler().image());
     if (!options.exportFile.isEmpty() &&
-        !AtomicFile::write(options.exportFile, document.encode(DataFormat::Syx), &error))
+        !AtomicFile::write(options.exportFile, document.encode(exportFormat(options.exportFile)),
+                           &error))
         return fail(1, error);
     if (!options.dataFile.isEmpty()) {
         const DataFormat format = document.path().isEmpty()
@@ -127,15 +151,24 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
         if (!document.saveAs(options.dataFile, format, &error)) return fail(1, error);
     }
     const double wire = wireTimeMs(receiver.wireBytes());
-    std::printf("received GT-%d system data: %d messages, %d bytes in %.1f ms (wire time %.1f ms)",
-                o.model, receiver.applied(), receiver.assembler().unitsReceived(),
-                receiver.elapsedMs(), wire);
-    if (options.request) std::printf("; %d requests", receiver.requestsSent());
+    QString report =
+        QStringLiteral(
+            "received GT-%1 system data: %2 messages, %3 bytes in %4 ms (wire time %5 ms)")
+            .arg(o.model)
+            .arg(receiver.applied())
+            .arg(receiver.assembler().unitsReceived())
+            .arg(receiver.elapsedMs(), 0, 'f', 1)
+            .arg(wire, 0, 'f', 1);
+    if (options.request) report += QStringLiteral("; %1 requests").arg(receiver.requestsSent());
     if (receiver.foreign() + receiver.badChecksums() + receiver.rejected() > 0)
-        std::printf("; ignored %d foreign, %d with a bad checksum, %d outside the map",
-                    receiver.foreign(), receiver.badChecksums(), receiver.rejected());
-    std::printf("\n");
-    return 0;
+        report += QStringLiteral("; ignored %1 foreign, %2 with a bad checksum, %3 outside the map")
+                      .arg(receiver.foreign())
+                      .arg(receiver.badChecksums())
+                      .arg(receiver.rejected());
+    // With --diff, standard output holds the differences alone.
+    std::fprintf(options.diffs() ? stderr : stdout, "%s%s\n",
+                 options.diffs() ? "ferrule-host: " : "", qPrintable(report));
+    return other ? printDifferences(document, *other) : 0;
 }
 
 } // namespace ferrule

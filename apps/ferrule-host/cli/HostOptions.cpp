@@ -10,8 +10,9 @@
 bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
-        for (const char* option : {"--screenshot", "--describe", "--transmit", "--list-midi-ports",
-                                   "--export", "--receive", "--request", "--main-screenshot"})
+        for (const char* option :
+             {"--screenshot", "--describe", "--transmit", "--list-midi-ports", "--export",
+              "--receive", "--request", "--main-screenshot", "--diff"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
     }
     return false;
@@ -24,11 +25,35 @@ bool wantsWidgets(int argc, char** argv) {
         for (const char* option :
              {"--screenshot", "--describe", "--transmit", "--main-screenshot", "--edit"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
-        for (const char* option : {"--export", "--receive", "--request", "--list-midi-ports"})
+        for (const char* option :
+             {"--export", "--receive", "--request", "--list-midi-ports", "--diff"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) windowless = true;
     }
     return !windowless;
 }
+
+void HostOptions::adoptModel(int m) {
+    if (title == QStringLiteral("GT-%1").arg(model)) title = QStringLiteral("GT-%1").arg(m);
+    model = m;
+}
+
+namespace {
+
+// What is wrong with a --diff run's options, or nothing.
+QString diffFault(const HostOptions& o) {
+    if (o.diffFile.isEmpty()) return QStringLiteral("--diff needs a file name");
+    if (o.editorHeadless() || o.edit || !o.mainScreenshot.isEmpty())
+        return QStringLiteral("--diff cannot be combined with --screenshot, --describe, "
+                              "--transmit, --edit or --main-screenshot");
+    if (o.readsDevice()) return {};
+    if (o.dataFile.isEmpty())
+        return QStringLiteral("--diff needs the other side: --data FILE, --receive or --request");
+    if (!o.exportFile.isEmpty())
+        return QStringLiteral("--diff and --export go together only with --receive or --request");
+    return {};
+}
+
+} // namespace
 
 QByteArray HostOptions::dataSetHeader(int forModel) const {
     return ferrule::Sysex::headerOr(sysexHeader, forModel != 0 ? forModel : model);
@@ -48,7 +73,8 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("TEXT"));
     const QCommandLineOption data(
         {QStringLiteral("d"), QStringLiteral("data")},
-        QStringLiteral("System data to edit: a raw 43,252-byte image or a .syx file; written "
+        QStringLiteral("System data to edit: a raw 43,252-byte image, a .syx file or a .txt "
+                       "settings text (whose model is taken from the file); written "
                        "back in its own form when the editor closes keeping its changes, or "
                        "when --receive or --request has read the device."),
         QStringLiteral("FILE"));
@@ -88,9 +114,16 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                                     QStringLiteral("NAME or NUMBER"));
     const QCommandLineOption exportSyx(
         QStringLiteral("export"),
-        QStringLiteral("Headless: write the model's whole data as a .syx file and exit; with "
-                       "--receive or --request, where the data read goes."),
+        QStringLiteral("Headless: write the model's whole data as a .syx file (or, for a name "
+                       "ending in .txt, as settings text) and exit; with --receive or "
+                       "--request, where the data read goes."),
         QStringLiteral("FILE.syx"));
+    const QCommandLineOption diff(
+        QStringLiteral("diff"),
+        QStringLiteral("Headless: compare --data (or the device's data, with --receive or "
+                       "--request) with FILE (raw, .syx or .txt), one line per setting that "
+                       "differs; exit 0 when nothing differs, 1 when something does."),
+        QStringLiteral("FILE"));
     const QCommandLineOption receive(
         QStringLiteral("receive"),
         QStringLiteral("Headless: wait for a dump started on the device and save it."));
@@ -131,10 +164,10 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("System data to open in the main window, as File > Open does: a raw "
                        "image, or a .syx file (whose model is taken from the file)."),
         QStringLiteral("[FILE]"));
-    parser.addOptions({model,    title,    data,          plugin,  screenshot,    page,
-                       describe, transmit, syx,           midiOut, listPorts,     gap,
-                       header,   refuse,   midiApi,       midiIn,  exportSyx,     receive,
-                       request,  timeout,  requestHeader, edit,    mainScreenshot});
+    parser.addOptions({model,    title,    data,          plugin,  screenshot,     page,
+                       describe, transmit, syx,           midiOut, listPorts,      gap,
+                       header,   refuse,   midiApi,       midiIn,  exportSyx,      receive,
+                       request,  timeout,  requestHeader, edit,    mainScreenshot, diff});
 
     ParsedOptions result;
     if (!parser.parse(arguments)) {
@@ -164,6 +197,7 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                            .arg(parser.value(model));
         return result;
     }
+    o.modelGiven = parser.isSet(model);
     o.title = parser.isSet(title) ? parser.value(title) : QStringLiteral("GT-%1").arg(o.model);
     o.dataFile = parser.value(data);
     if (parser.isSet(data) && o.dataFile.isEmpty()) {
@@ -220,7 +254,7 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                                                     : QStringLiteral("--midi-in"));
             return result;
         }
-        if (o.exportFile.isEmpty() && o.dataFile.isEmpty()) {
+        if (o.exportFile.isEmpty() && o.dataFile.isEmpty() && !parser.isSet(diff)) {
             result.error = QStringLiteral("%1 needs --export FILE.syx or --data FILE to save "
                                           "what it reads")
                                .arg(what);
@@ -232,6 +266,11 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                                .arg(what);
             return result;
         }
+    }
+    o.diffFile = parser.value(diff);
+    if (parser.isSet(diff)) {
+        result.error = diffFault(o);
+        if (!result.error.isEmpty()) return result;
     }
     if (parser.isSet(timeout)) {
         o.timeoutS = parser.value(timeout).toInt(&ok);

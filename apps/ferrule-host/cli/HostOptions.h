@@ -35,6 +35,16 @@ struct HostOptions {
     // window opens it as File > Open does.
     QString openFile;
 
+    // ---- the settings as text, and comparing them (--diff) ----
+    // --model was given: a text file names its model, and the two must agree.
+    bool modelGiven = false;
+    // --diff FILE: compare the --data file, or the device's data (--receive, --request), with
+    // FILE by parameter.
+    QString diffFile;
+    bool diffs() const { return !diffFile.isEmpty(); }
+    // Takes the model a text file names; the default title follows it.
+    void adoptModel(int model);
+
     // The data-set header in use for a model (by default the options' model).
     QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.
@@ -43,7 +53,7 @@ struct HostOptions {
     bool editorHeadless() const { return !screenshot.isEmpty() || describe || transmit; }
     bool headless() const {
         return editorHeadless() || !exportFile.isEmpty() || readsDevice() ||
-               !mainScreenshot.isEmpty();
+               !mainScreenshot.isEmpty() || diffs();
     }
     // The librarian's main window, rather than the editor straight away.
     bool mainWindow() const { return !edit && !headless(); }

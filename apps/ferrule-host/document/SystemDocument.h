@@ -3,14 +3,15 @@
 #include <QByteArray>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 namespace ferrule {
 
-// The two forms system data is kept in: the raw 43,252-byte image, or a .syx file of the
-// model's data-set messages.
-enum class DataFormat { Raw, Syx };
+// The forms system data is kept in: the raw 43,252-byte image, a .syx file of the model's
+// data-set messages, or the settings as text (a name ending in .txt).
+enum class DataFormat { Raw, Syx, Text };
 
 // The system data a person works on: one model's data inside the whole image, where it came from
 // (a file in one of the two forms, or the embedded default), and whether it has changed since.
@@ -19,13 +20,16 @@ public:
     // The embedded default image.
     SystemDocument(int model, QByteArray header);
 
-    // Reads a file in either form, checked whole before anything is used: a regular file, a raw
-    // image of exactly 43,252 bytes or a .syx whose every message is good for the model. Bytes a
-    // .syx does not carry come from the default image. nullopt and `error` (one line) on failure.
+    // Reads a file in any form, checked whole before anything is used: a regular file, a raw
+    // image of exactly 43,252 bytes, a .syx whose every message is good for the model, or a
+    // text of the model's settings. Bytes a .syx or a text does not carry come from the default
+    // image. nullopt and `error` (one line) on failure.
     static std::optional<SystemDocument> open(const QString& path, int model,
                                               const QByteArray& header, QString* error);
-    // The form a new file gets from its name: .syx, or raw.
+    // The form a file has by its name: .syx, .txt, or raw.
     static DataFormat formatForName(const QString& path);
+    // The model a text file names in its model line, or 0 (not a text, none named, unreadable).
+    static int textModel(const QString& path);
 
     int model() const { return model_; }
     const QByteArray& header() const { return header_; }
@@ -33,6 +37,9 @@ public:
     const QString& path() const { return path_; }
     DataFormat format() const { return format_; }
     bool modified() const { return modified_; }
+    // What the file's reading noticed but kept (a text's values outside their ranges), one
+    // line each.
+    const QStringList& warnings() const { return warnings_; }
 
     // Takes new image bytes (from the editor or the device); modified when they differ.
     void setImage(const QByteArray& image);
@@ -72,6 +79,7 @@ private:
     bool modified_ = false;
     bool readOnly_ = false;
     DiskState disk_;
+    QStringList warnings_;
 };
 
 } // namespace ferrule

@@ -52,8 +52,15 @@ void writeSetting(const QString& name, const QString& value) {
 }
 
 QString formatName(DataFormat f) {
-    return f == DataFormat::Syx ? QStringLiteral(".syx") : QStringLiteral("raw image");
+    return f == DataFormat::Syx    ? QStringLiteral(".syx")
+           : f == DataFormat::Text ? QStringLiteral("settings text")
+                                   : QStringLiteral("raw image");
 }
+
+// The file dialogs' choices: every form ferrule-host reads and writes.
+const QString kOpenFilter = QStringLiteral("System data (*.syx *.txt *.bin *.raw);;All files (*)");
+const QString kSaveFilter =
+    QStringLiteral("System exclusive (*.syx);;Settings text (*.txt);;Raw system data (*)");
 
 } // namespace
 
@@ -215,7 +222,18 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(920, 560);
+    showReadWarnings();
     refreshState();
+}
+
+void MainWindow::showReadWarnings() {
+    // What the reading kept though it looked wrong (a value outside its range).
+    const QStringList& warnings = document_.warnings();
+    if (warnings.isEmpty()) return;
+    statusBar()->showMessage(warnings.size() == 1 ? warnings.first()
+                                                  : QStringLiteral("%1 (and %2 more warnings)")
+                                                        .arg(warnings.first())
+                                                        .arg(warnings.size() - 1));
 }
 
 MainWindow::~MainWindow() = default;
@@ -239,8 +257,7 @@ void MainWindow::buildActions() {
         [this] {
             if (!maybeSave()) return;
             const QString path = QFileDialog::getOpenFileName(
-                this, QStringLiteral("Open system data"), QString(),
-                QStringLiteral("System data (*.syx *.bin *.raw);;All files (*)"));
+                this, QStringLiteral("Open system data"), QString(), kOpenFilter);
             if (!path.isEmpty()) openFile(path);
         },
         QKeySequence::Open);
@@ -252,8 +269,7 @@ void MainWindow::buildActions() {
         file, QStringLiteral("Save &As…"),
         [this] {
             const QString path = QFileDialog::getSaveFileName(
-                this, QStringLiteral("Save system data as"), document_.path(),
-                QStringLiteral("System exclusive (*.syx);;Raw system data (*)"));
+                this, QStringLiteral("Save system data as"), document_.path(), kSaveFilter);
             if (!path.isEmpty()) saveAs(path);
         },
         QKeySequence::SaveAs);
@@ -568,7 +584,9 @@ void MainWindow::newDocument() {
 
 bool MainWindow::openFile(const QString& path) {
     QString error;
-    int model = document_.model();
+    // A settings text names its model.
+    const int textModel = SystemDocument::textModel(path);
+    int model = textModel != 0 ? textModel : document_.model();
     auto header = [this](int m) { return options_.dataSetHeader(m); };
     std::optional<SystemDocument> doc = SystemDocument::open(path, model, header(model), &error);
     if (!doc) {
@@ -611,6 +629,7 @@ bool MainWindow::openFile(const QString& path) {
     device_.setHeader(document_.model(), options_.sysexHeader);
     rememberRecent(path);
     say(QStringLiteral("opened %1").arg(path));
+    showReadWarnings();
     refreshState();
     return true;
 }
@@ -618,8 +637,7 @@ bool MainWindow::openFile(const QString& path) {
 bool MainWindow::save() {
     if (document_.path().isEmpty()) {
         const QString path = QFileDialog::getSaveFileName(
-            this, QStringLiteral("Save system data as"), QString(),
-            QStringLiteral("System exclusive (*.syx);;Raw system data (*)"));
+            this, QStringLiteral("Save system data as"), QString(), kSaveFilter);
         return !path.isEmpty() && saveAs(path);
     }
     QString error;

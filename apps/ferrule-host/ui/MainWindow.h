@@ -99,6 +99,8 @@ private:
     void startReceive(bool request);
     void operationFinished(bool ok, const QString& message);
     void say(const QString& message);
+    // The document's read warnings, on the status bar.
+    void showReadWarnings();
     std::optional<MidiApi> api() const;
 
     HostOptions options_;
