@@ -508,9 +508,62 @@ constexpr PageRow kCtlPedalRows[] = {
     toggle(1, "On/Off", PedalPair + 19297, 7240, 2640),
 };
 
+// Page 15's headings, for the pairs 1-2 and 3-4.
+constexpr PageRow kCtlPedalHeadings[2][2] = {
+    {heading(0, "CTL Pedal 1", 7980, 2010, 150, 105),
+     heading(1, "CTL Pedal 2", 7980, 2010, 150, 2145)},
+    {heading(0, "CTL Pedal 3", 7980, 2010, 150, 105),
+     heading(1, "CTL Pedal 4", 7980, 2010, 150, 2145)},
+};
+
+// Pages 5 and 6: the heading over the grid and the selector of the scales or phrases it shows.
+constexpr PageRow kPage5[] = {
+    heading(0, "Harmonist", 8910, 5325, 135, 105),
+    selector("Edit Scale!1-16!14-29", 2, 150, 5430),
+};
+constexpr PageRow kPage6[] = {
+    heading(0, "Auto-Riff", 8910, 5325, 135, 105),
+    selector("Edit Phrase!1!2!3!4!5!6!7!8!9!10", 10, 150, 5430),
+};
+
+constexpr const char* kTabCaptions[kTabCount] = {
+    "System",   "MIDI",       "Harmonist", "Auto-Riff", "OD/DS", "Preamp", "Wah",
+    "Meter/EQ", "Sys Preamp", "Input",     "Output",    "EXP",   "CTL"};
+
 } // namespace
 
 namespace PageCatalogue {
+
+std::span<const PageRow> ctlPedalHeadings(int m) {
+    return kCtlPedalHeadings[std::clamp(m, 0, 1)];
+}
+
+std::span<const PageRow> gridPage(int page) {
+    if (page == 5) return kPage5;
+    if (page == 6) return kPage6;
+    return {};
+}
+
+bool hasCustomSpeaker(int model, int n) {
+    return (model == 8 && n <= 2) || model == 10;
+}
+
+DependentRange dependentRange(int sliderIndex, int function) {
+    if (sliderIndex == 0) {
+        if (function == 2 || function == 4) return {{0, 1}, 1, 48};
+        return {{0, 1}, 0, 100};
+    }
+    if (sliderIndex == 2) {
+        if (function == 0 || function == 1) return {{8, 9}, 0, -1};
+        if (function == 2) return {{8, 9}, 9, -1};
+        return {{8, 9}, -1, -1};
+    }
+    return {};
+}
+
+const char* tabCaption(int tab) {
+    return tab >= 0 && tab < kTabCount ? kTabCaptions[tab] : "";
+}
 
 std::span<const PageRow> systemPage(int model, bool page7) {
     switch (model) {

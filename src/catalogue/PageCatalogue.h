@@ -58,5 +58,24 @@ std::span<const PageRow> inputPage();      // page 12
 std::span<const PageRow> outputPage();     // page 13
 std::span<const PageRow> expressionPage(); // page 14
 std::span<const PageRow> ctlPedalRows();   // page 15
+// Page 15's headings for the control pedal pair m (0: pedals 1 and 2, 1: pedals 3 and 4).
+std::span<const PageRow> ctlPedalHeadings(int m);
+// The heading and the view selector of the grid pages 5 (Harmonist) and 6 (Auto-Riff).
+std::span<const PageRow> gridPage(int page);
+// Whether page 9 shows custom speaker n (1-3) on a model: the GT-8 has two, the GT-10 three.
+bool hasCustomSpeaker(int model, int n);
+
+// What an expression pedal's function slider (page 14 of the GT-10, slider 0 or 2) makes of
+// the Min and Max knobs of its column for a function value: their value-text format and
+// maximum, -1 where it leaves them as placed; knobs -1 for another slider.
+struct DependentRange {
+    int knobs[2] = {-1, -1};
+    int format = -1;
+    int max = -1;
+};
+DependentRange dependentRange(int sliderIndex, int function);
+
+// The caption of tab 0-12 (see kTabPages).
+const char* tabCaption(int tab);
 
 } // namespace ferrule::PageCatalogue

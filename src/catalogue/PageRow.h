@@ -80,6 +80,11 @@ constexpr PageRow selector(const char* list, int count, int x, int y) {
 constexpr PageRow dependentRanges(int sliderIndex) {
     return {Control::DependentRanges, sliderIndex, "", {}, 0, 0, 0, 0, 0, 0, 0, 0, 0};
 }
+// Whether a row is placed on a model (rows flagged for one model are left out on the others).
+constexpr bool onModel(const PageRow& row, int model) {
+    return !((row.flags & Gt8Only) && model != 8) && !((row.flags & Gt10Only) && model != 10);
+}
+
 constexpr PageRow only(std::uint8_t flag, PageRow row) {
     row.flags |= flag;
     return row;

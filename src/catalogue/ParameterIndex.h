@@ -2,6 +2,7 @@
 
 #include "device/TransmissionSchedule.h"
 
+#include <QHash>
 #include <QString>
 #include <QStringView>
 
@@ -63,11 +64,21 @@ public:
     const Parameter* covering(int imageIndex) const;
     // The bytes the transmission sends that no control edits, ascending.
     std::span<const int> uncoveredBytes() const { return uncovered_; }
+    // The bytes that two parameters edit, ascending: where the pages of a model bind two
+    // different controls to one byte (the GT-10's "USB Driver" and "USB Monitor" on the System
+    // page lie in the "Min" and "Max" of "EXP Pedal 2 (external)"). covering() names the first
+    // in the index's order.
+    std::span<const int> sharedBytes() const { return shared_; }
+    // The bytes the transmission sends, ascending.
+    std::span<const int> sentBytes() const { return sent_; }
 
 private:
     int model_ = 0;
     std::vector<Parameter> parameters_;
     std::vector<int> uncovered_;
+    QHash<QString, int> byName_; // name → parameter
+    std::vector<int> shared_;
+    std::vector<int> sent_;    // the bytes the transmission sends, ascending
     std::vector<int> byIndex_; // image index - stretch start → parameter, or -1
     int start_ = 0;
 };

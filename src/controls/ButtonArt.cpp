@@ -1,5 +1,7 @@
 #include "ButtonArt.h"
 
+#include "catalogue/PageCatalogue.h"
+
 #include <cmath>
 
 #include <QFont>
@@ -147,13 +149,6 @@ QPixmap drawPlate(int w, int h, const QString& caption, Look look, const QColor&
     return pm;
 }
 
-const std::array<QString, 13> kTabCaptions = {
-    QStringLiteral("System"),    QStringLiteral("MIDI"),     QStringLiteral("Harmonist"),
-    QStringLiteral("Auto-Riff"), QStringLiteral("OD/DS"),    QStringLiteral("Preamp"),
-    QStringLiteral("Wah"),       QStringLiteral("Meter/EQ"), QStringLiteral("Sys Preamp"),
-    QStringLiteral("Input"),     QStringLiteral("Output"),   QStringLiteral("EXP"),
-    QStringLiteral("CTL")};
-
 const std::array<QString, 4> kCommandCaptions = {QStringLiteral("Transmit"),
                                                  QStringLiteral("Reload"), QStringLiteral("Cancel"),
                                                  QStringLiteral("OK")};
@@ -161,7 +156,7 @@ const std::array<QString, 4> kCommandCaptions = {QStringLiteral("Transmit"),
 } // namespace
 
 QString ButtonArt::tabCaption(int tab) {
-    return kTabCaptions.at(std::size_t(tab));
+    return QString::fromUtf8(PageCatalogue::tabCaption(tab));
 }
 
 QString ButtonArt::commandCaption(int index) {
@@ -213,7 +208,7 @@ QPixmap drawTabPicture(int index, qreal ratio) {
     const int i = index % 20;
     if (index >= 53 || i >= 13) return {};
     const Look look = index < 20 ? Look::Normal : index < 40 ? Look::Pressed : Look::Current;
-    return drawTab(kTabCaptions[std::size_t(i)], look, ratio);
+    return drawTab(ButtonArt::tabCaption(i), look, ratio);
 }
 
 QPixmap drawCommand(int index, qreal ratio) {

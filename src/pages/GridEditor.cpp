@@ -3,7 +3,7 @@
 #include "controls/Twips.h"
 
 #include "GridCells.h"
-#include "StepText.h"
+#include "catalogue/StepText.h"
 #include "controls/CaptionLabel.h"
 #include "controls/cCheckRadio.h"
 #include "sysdata/SystemImage.h"
@@ -27,9 +27,6 @@ const int kColumn = twipsToPx(510);
 const int kRow = twipsToPx(360);
 const int kCellWidth = twipsToPx(495);
 const int kCellHeight = twipsToPx(330);
-
-const char* const kKeyNames[13] = {"C", "C#/Db", "D", "D#/Eb", "E", "F",     "F#/Gb",
-                                   "G", "G#/Ab", "A", "A#/Bb", "B", "In >> "};
 
 QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
     auto* w = new QWidget(parent);
@@ -78,7 +75,7 @@ void GridEditor::build(QWidget* pageArea) {
     for (int i = 0; i < 13; ++i) {
         QLabel* k = makeCaptionLabel(pageArea, QStringLiteral("ARKeyLabel%1").arg(i),
                                      i == 12 ? 9 : 10, true);
-        k->setText(QString::fromLatin1(kKeyNames[i]));
+        k->setText(i == 12 ? QStringLiteral("In >> ") : keyName(i));
         k->setGeometry(i == 12 ? QRect(8, kHeadTop, 40, 16)
                                : QRect(8, kTop + i * kRow + 3, 42, 16));
         if (i == 12) k->setStyleSheet(QStringLiteral("color: #e9edf1;"));

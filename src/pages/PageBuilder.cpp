@@ -19,8 +19,7 @@ PageBuilder::PageBuilder(ControlPools& pools, const SystemImage& image)
 void PageBuilder::place(std::span<const PageRow> rows, const PageCatalogue::RowBases& bases,
                         int currentPage) {
     for (const PageRow& r : rows) {
-        if ((r.flags & Gt8Only) && model_ != 8) continue;
-        if ((r.flags & Gt10Only) && model_ != 10) continue;
+        if (!onModel(r, model_)) continue;
         const QString caption = QString::fromUtf8(r.caption);
         const int address = bases.resolve(r.address);
         switch (r.control) {
@@ -87,16 +86,13 @@ void PageBuilder::build(int page, const PageViews& views) {
         place(PageCatalogue::midiPage(model), bases, page);
         break;
     case 5:
-        primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Harmonist"));
-        primitives_.PlaceCheckList(150, 5430, 2, QStringLiteral("Edit Scale!1-16!14-29"), true);
+        place(PageCatalogue::gridPage(page), bases, page);
         list->setSelected(views.scaleView);
         if (grids_.refreshHarmonistGrid) grids_.refreshHarmonistGrid();
         if (grids_.showHarmonistGrid) grids_.showHarmonistGrid(true);
         break;
     case 6:
-        primitives_.PlaceHeading(0, 135, 105, 8910, 5325, QStringLiteral("Auto-Riff"));
-        primitives_.PlaceCheckList(150, 5430, 10,
-                                   QStringLiteral("Edit Phrase!1!2!3!4!5!6!7!8!9!10"), true);
+        place(PageCatalogue::gridPage(page), bases, page);
         list->setSelected(views.phraseView);
         if (grids_.refreshPhraseGrid) grids_.refreshPhraseGrid();
         if (grids_.showPhraseGrid) grids_.showPhraseGrid(true);
@@ -113,7 +109,7 @@ void PageBuilder::build(int page, const PageViews& views) {
             const QString number = QString::number(n);
             pools_.setHeadingCaption(0, pools_.headingCaption(0) + number);
             if (model != 6) pools_.setHeadingCaption(1, pools_.headingCaption(1) + number);
-            if (model == 8 && n == 3) neutralSpeaker();
+            if (model != 6 && !PageCatalogue::hasCustomSpeaker(model, n)) neutralSpeaker();
         }
         break;
     }
@@ -178,7 +174,7 @@ void PageBuilder::RebindCustomTone(int n) {
     }
     if (model_ == 6) return;
     pools_.setHeadingCaption(1, QStringLiteral("Custom Speaker ") + number);
-    if (model_ == 8 && n == 3) {
+    if (!PageCatalogue::hasCustomSpeaker(model_, n)) {
         neutralSpeaker();
         return;
     }
@@ -217,10 +213,7 @@ void PageBuilder::PlaceSystemPreampRows() {
 
 void PageBuilder::PlaceCtlPedalRows() {
     const int m = std::clamp(pools_.groups[ControlPools::kSelectorList]->Selected(), 0, 1);
-    primitives_.PlaceHeading(0, 150, 105, 7980, 2010,
-                             QStringLiteral("CTL Pedal %1").arg(2 * m + 1));
-    primitives_.PlaceHeading(1, 150, 2145, 7980, 2010,
-                             QStringLiteral("CTL Pedal %1").arg(2 * m + 2));
+    place(PageCatalogue::ctlPedalHeadings(m), {}, 15);
     place(PageCatalogue::ctlPedalRows(), PageCatalogue::pageBases(15, model_, m, image_.bytes()),
           15);
     fitCaptions(pools_);
@@ -239,19 +232,8 @@ void PageBuilder::UpdateDependentRanges(int sliderIndex, int currentPage) {
             knob->setValue(knob->Value());
         }
     };
-    if (sliderIndex == 0) {
-        if (s == 2 || s == 4)
-            refit({0, 1}, 1, 48);
-        else
-            refit({0, 1}, 0, 100);
-    } else if (sliderIndex == 2) {
-        if (s == 0 || s == 1)
-            refit({8, 9}, 0, -1);
-        else if (s == 2)
-            refit({8, 9}, 9, -1);
-        else
-            refit({8, 9}, -1, -1);
-    }
+    const PageCatalogue::DependentRange d = PageCatalogue::dependentRange(sliderIndex, s);
+    if (d.knobs[0] >= 0) refit({d.knobs[0], d.knobs[1]}, d.format, d.max);
 }
 
 } // namespace ferrule

@@ -1,6 +1,7 @@
 #include "PagePrimitives.h"
 
 #include "ControlPools.h"
+#include "catalogue/OptionList.h"
 #include "controls/ControlArt.h"
 #include "controls/RKnob.h"
 #include "controls/Twips.h"
@@ -17,26 +18,6 @@ namespace ferrule {
 PagePrimitives::PagePrimitives(ControlPools& pools, const SystemImage& image)
     : pools_(pools)
     , image_(image) {}
-
-int PagePrimitives::optionCount(int group) {
-    if (group == 6 || group == 8) return 4;
-    if (group == 7) return 3;
-    return 2;
-}
-
-QStringList PagePrimitives::splitGroupOptions(const QString& optionList, int count) {
-    QStringList options;
-    qsizetype from = optionList.indexOf(QLatin1Char('!'));
-    const QString title = optionList.left(from);
-    for (int k = 0; k < count; ++k) {
-        const qsizetype next = k + 1 < count ? optionList.indexOf(QLatin1Char('!'), from + 1) : -1;
-        options << (next < 0 ? optionList.mid(from + 1)
-                             : optionList.mid(from + 1, next - from - 1));
-        from = next;
-    }
-    options << title;
-    return options;
-}
 
 QStringList PagePrimitives::splitListOptions(const QString& optionList) {
     QStringList pieces;

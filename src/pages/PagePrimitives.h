@@ -27,13 +27,8 @@ public:
     // Hides every pooled control of the page area.
     void ClearPage();
 
-    // "Title!A!B" for a group of `count` options: the options in order, then the title. Exactly
-    // `count` "!" are consumed; further ones stay in the last option.
-    static QStringList splitGroupOptions(const QString& optionList, int count);
     // "Title!1!2!…" for the selector list: captions at 0-9, the title at 10.
     static QStringList splitListOptions(const QString& optionList);
-    // Options each group number takes: 2 for 0-5, 4 for 6 and 8, 3 for 7.
-    static int optionCount(int group);
 
     // Caption label widths in twips: centred over the knob and over the slider's track.
     static constexpr int kKnobCaptionWidth = 1215;

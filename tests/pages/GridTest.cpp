@@ -3,7 +3,7 @@
 #include "controls/cCheckRadio.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
-#include "pages/StepText.h"
+#include "catalogue/StepText.h"
 #include "sysdata/SystemImage.h"
 
 #include <QLabel>

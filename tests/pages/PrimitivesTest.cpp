@@ -1,4 +1,5 @@
 #include "EditorFixture.h"
+#include "catalogue/OptionList.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
@@ -10,15 +11,13 @@
 using namespace ferrule;
 
 TEST(Primitives, OptionListsSplitAtExactlyTheirCount) {
-    EXPECT_EQ(
-        PagePrimitives::splitGroupOptions(QStringLiteral("Num pedal sw!Off!Tuner!Solo!Amp Ch."), 4),
-        (QStringList{"Off", "Tuner", "Solo", "Amp Ch.", "Num pedal sw"}));
-    EXPECT_EQ(PagePrimitives::splitGroupOptions(QStringLiteral("Tuner out!Mute!Bypass"), 2),
+    EXPECT_EQ(splitGroupOptions(QStringLiteral("Num pedal sw!Off!Tuner!Solo!Amp Ch."), 4),
+              (QStringList{"Off", "Tuner", "Solo", "Amp Ch.", "Num pedal sw"}));
+    EXPECT_EQ(splitGroupOptions(QStringLiteral("Tuner out!Mute!Bypass"), 2),
               (QStringList{"Mute", "Bypass", "Tuner out"}));
-    EXPECT_EQ(PagePrimitives::splitGroupOptions(QStringLiteral(" !Patch!System"), 2),
+    EXPECT_EQ(splitGroupOptions(QStringLiteral(" !Patch!System"), 2),
               (QStringList{"Patch", "System", " "}));
-    EXPECT_EQ(PagePrimitives::splitGroupOptions(QStringLiteral("T!a!b!c"), 2),
-              (QStringList{"a", "b!c", "T"}))
+    EXPECT_EQ(splitGroupOptions(QStringLiteral("T!a!b!c"), 2), (QStringList{"a", "b!c", "T"}))
         << "a further \"!\" stays in the last option";
     const QStringList list =
         PagePrimitives::splitListOptions(QStringLiteral("Edit Phrase!1!2!3!4!5!6!7!8!9!10"));
@@ -29,9 +28,9 @@ TEST(Primitives, OptionListsSplitAtExactlyTheirCount) {
     const QStringList three = PagePrimitives::splitListOptions(QStringLiteral("Edit Preamp!1!2!3"));
     EXPECT_EQ(three.mid(0, 4), (QStringList{"1", "2", "3", ""}));
     EXPECT_EQ(three[10], QStringLiteral("Edit Preamp"));
-    EXPECT_EQ(PagePrimitives::optionCount(6), 4);
-    EXPECT_EQ(PagePrimitives::optionCount(7), 3);
-    EXPECT_EQ(PagePrimitives::optionCount(5), 2);
+    EXPECT_EQ(optionCount(6), 4);
+    EXPECT_EQ(optionCount(7), 3);
+    EXPECT_EQ(optionCount(5), 2);
 }
 
 TEST(Primitives, PlacementOffsetsAndBindings) {

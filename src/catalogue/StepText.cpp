@@ -7,6 +7,12 @@ const QStringList& noteNames() {
     return names;
 }
 
+QString keyName(int row) {
+    static const char* const names[12] = {"C",     "C#/Db", "D",     "D#/Eb", "E",     "F",
+                                          "F#/Gb", "G",     "G#/Ab", "A",     "A#/Bb", "B"};
+    return row >= 0 && row < 12 ? QString::fromLatin1(names[row]) : QString();
+}
+
 QString StepText(int code, int rowNote) {
     if (code == 49) return QStringLiteral("repeat");
     if (code == 50) return QStringLiteral("end");

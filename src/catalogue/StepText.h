@@ -10,5 +10,7 @@ namespace ferrule {
 // 49 is "repeat", 50 "end", anything else empty. Note names use flats.
 QString StepText(int code, int rowNote);
 const QStringList& noteNames();
+// The heading of grid row 0-11: the key or scale note it stands for ("C", "C#/Db"...).
+QString keyName(int row);
 
 } // namespace ferrule

@@ -1,0 +1,350 @@
+// The parameter index's laws for every model: the bytes the transmission sends are covered once
+// or listed as edited by no control, names are unique and found, value texts read back, a
+// comparison of two images names exactly the sent bytes that differ, and every control the
+// real editor places, on every page in every selector state, is exactly one parameter.
+
+#include "catalogue/ParameterIndex.h"
+#include "EditorFixture.h"
+#include "controls/RKnob.h"
+#include "controls/VSlider.h"
+#include "controls/cCheckRadio.h"
+#include "device/ModelDescription.h"
+#include "pages/ControlPools.h"
+#include "pages/GridEditor.h"
+#include "sysdata/SystemImage.h"
+
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <random>
+#include <set>
+
+using namespace ferrule;
+
+namespace {
+
+class IndexLaws : public ::testing::TestWithParam<int> {
+protected:
+    int model() const { return GetParam(); }
+    const ParameterIndex& index() const { return ParameterIndex::of(model()); }
+    std::string where(const Parameter& p) const {
+        return "GT-" + std::to_string(model()) + " " + p.name().toStdString();
+    }
+};
+
+TEST_P(IndexLaws, EverySentByteIsCoveredOnceOrListedAsEditedByNoControl) {
+    const auto parameters = index().parameters();
+    ASSERT_FALSE(parameters.empty());
+    std::vector<int> owners(std::size_t(kImageSize), 0);
+    for (const Parameter& p : parameters) {
+        ASSERT_TRUE(p.bytes == 1 || p.bytes == 2) << where(p);
+        ASSERT_GE(p.address, 0) << where(p);
+        ASSERT_LE(p.address + p.bytes, kImageSize) << where(p);
+        for (int b = 0; b < p.bytes; ++b)
+            ++owners[std::size_t(p.address + b)];
+    }
+    const std::set<int> uncovered(index().uncoveredBytes().begin(), index().uncoveredBytes().end());
+    const std::set<int> shared(index().sharedBytes().begin(), index().sharedBytes().end());
+    EXPECT_TRUE(std::ranges::is_sorted(index().uncoveredBytes()));
+    EXPECT_EQ(uncovered.size(), index().uncoveredBytes().size());
+    for (int i : index().sentBytes()) {
+        const int n = owners[std::size_t(i)];
+        if (uncovered.contains(i)) {
+            EXPECT_EQ(n, 0) << "GT-" << model() << " byte " << i << " is listed and covered";
+            EXPECT_EQ(index().covering(i), nullptr);
+            continue;
+        }
+        EXPECT_EQ(n, shared.contains(i) ? 2 : 1) << "GT-" << model() << " byte " << i;
+        const Parameter* p = index().covering(i);
+        ASSERT_NE(p, nullptr) << "GT-" << model() << " byte " << i;
+        EXPECT_TRUE(i >= p->address && i < p->address + p->bytes) << where(*p);
+    }
+    for (int i : index().uncoveredBytes())
+        EXPECT_TRUE(std::ranges::binary_search(index().sentBytes(), i)) << i;
+    std::cout << "GT-" << model() << ": " << parameters.size() << " parameters, "
+              << uncovered.size() << " of " << index().sentBytes().size()
+              << " sent bytes edited by no control, " << shared.size() << " shared\n";
+}
+
+TEST_P(IndexLaws, NamesAreUniqueAndFindFindsThem) {
+    std::set<QString> names;
+    for (const Parameter& p : index().parameters()) {
+        EXPECT_TRUE(names.insert(p.name()).second) << "twice: " << where(p);
+        EXPECT_EQ(index().find(p.name()), &p) << where(p);
+        EXPECT_FALSE(p.page.isEmpty() || p.caption.isEmpty()) << where(p);
+    }
+    EXPECT_EQ(index().find(u"No / Such / Setting"), nullptr);
+}
+
+TEST_P(IndexLaws, EveryValueInRangeReadsBackFromItsTextAndItsBytes) {
+    std::vector<std::uint8_t> image(std::size_t(kImageSize), 0x55);
+    for (const Parameter& p : index().parameters()) {
+        // The bytes on either side stay as they are.
+        const int low = std::max(p.address - 2, 0),
+                  high = std::min(p.address + p.bytes + 2, kImageSize);
+        ASSERT_LE(p.minimum, p.maximum) << where(p);
+        ASSERT_TRUE(p.canHold(p.maximum)) << where(p);
+        for (int v = p.minimum; v <= p.maximum; ++v) {
+            const QString text = p.valueText(v);
+            ASSERT_FALSE(text.trimmed().isEmpty()) << where(p) << " " << v;
+            ASSERT_EQ(p.parseValue(text), v) << where(p) << " '" << text.toStdString() << "'";
+            p.store(image, v);
+            ASSERT_EQ(p.value(image), v) << where(p);
+            for (int i = low; i < high; ++i) {
+                if (i < p.address || i >= p.address + p.bytes) {
+                    ASSERT_EQ(image[std::size_t(i)], 0x55) << where(p);
+                }
+            }
+        }
+        for (int b = 0; b < p.bytes; ++b)
+            image[std::size_t(p.address + b)] = 0x55;
+        EXPECT_EQ(p.parseValue(u"not a value"), std::nullopt) << where(p);
+        EXPECT_FALSE(p.canHold(p.bytes == 2 ? 16384 : 128)) << where(p);
+        EXPECT_FALSE(p.canHold(-1)) << where(p);
+    }
+}
+
+TEST_P(IndexLaws, ComparisonNamesExactlyTheSentBytesThatDifferEachOnce) {
+    std::mt19937 random(20261124u + unsigned(model()));
+    const auto sent = index().sentBytes();
+    const auto parameters = index().parameters();
+    for (int round = 0; round < 40; ++round) {
+        std::vector<std::uint8_t> a(static_cast<std::size_t>(kImageSize)), b;
+        for (auto& x : a)
+            x = std::uint8_t(random() % 128);
+        b = a;
+        // A few sent bytes, a run of them, and bytes anywhere (sent or not).
+        const int changes = int(random() % 12);
+        for (int k = 0; k < changes; ++k) {
+            const int i = sent[random() % sent.size()];
+            b[std::size_t(i)] = std::uint8_t((b[std::size_t(i)] + 1 + random() % 127) % 128);
+        }
+        if (round % 4 == 0)
+            for (int i = 0; i < kImageSize; ++i)
+                if (random() % 50 == 0) b[std::size_t(i)] = std::uint8_t(random() % 128);
+
+        std::set<int> expected;
+        for (int i : sent)
+            if (a[std::size_t(i)] != b[std::size_t(i)]) expected.insert(i);
+        std::set<int> found;
+        std::set<const Parameter*> listed;
+        const auto differences = compareImages(model(), a, b);
+        bool uncoveredPart = false;
+        const Parameter* last = nullptr;
+        for (const ParameterDifference& d : differences) {
+            if (!d.parameter) {
+                uncoveredPart = true;
+                EXPECT_TRUE(found.insert(d.address).second) << d.address;
+                EXPECT_EQ(d.a, a[std::size_t(d.address)]);
+                EXPECT_EQ(d.b, b[std::size_t(d.address)]);
+                EXPECT_EQ(differenceLine(d),
+                          QStringLiteral("Address %1: %2 -> %3").arg(d.address).arg(d.a).arg(d.b));
+                continue;
+            }
+            const Parameter& p = *d.parameter;
+            EXPECT_FALSE(uncoveredPart) << "parameters come first";
+            EXPECT_TRUE(listed.insert(&p).second) << "twice: " << where(p);
+            EXPECT_TRUE(last == nullptr || last < &p) << "in the index's order: " << where(p);
+            last = &p;
+            EXPECT_EQ(d.address, p.address);
+            EXPECT_EQ(d.a, p.value(a));
+            EXPECT_EQ(d.b, p.value(b));
+            EXPECT_EQ(differenceLine(d), p.name() + QStringLiteral(": ") + p.valueText(d.a) +
+                                             QStringLiteral(" -> ") + p.valueText(d.b));
+            bool any = false;
+            for (int k = 0; k < p.bytes; ++k)
+                if (expected.contains(p.address + k)) {
+                    found.insert(p.address + k);
+                    any = true;
+                }
+            EXPECT_TRUE(any) << "no sent byte of " << where(p) << " differs";
+        }
+        EXPECT_EQ(found, expected) << "GT-" << model() << " round " << round;
+        // Parameters that share a differing byte are each listed.
+        for (const Parameter& p : parameters)
+            for (int k = 0; k < p.bytes; ++k)
+                if (expected.contains(p.address + k)) {
+                    EXPECT_TRUE(listed.contains(&p)) << where(p);
+                }
+    }
+    const std::vector<std::uint8_t> same(std::size_t(kImageSize), 5);
+    EXPECT_TRUE(compareImages(model(), same, same).empty());
+}
+
+// A control as the editor places it: its byte, its range and its caption.
+struct Placed {
+    int address, minimum, maximum;
+    QString caption;
+};
+
+std::vector<Placed> placedControls(ControlPools& pools) {
+    std::vector<Placed> out;
+    auto value = [&out](const ValueControl* c) {
+        if (!c->isHidden() && !c->Off())
+            out.push_back({c->MemLoc(), c->property("minimum").toInt(), c->Max(), c->caption()});
+    };
+    for (const RKnob* k : pools.knobs)
+        value(k);
+    for (const VSlider* s : pools.sliders)
+        value(s);
+    for (int g = 0; g <= 8; ++g) {
+        const cCheckRadio* group = pools.groups[std::size_t(g)];
+        if (!group->isVisible() || !group->Enabled()) continue;
+        const QString title = group->title().trimmed();
+        out.push_back({group->TFormat(), 0, group->itemCount() - 1,
+                       title.isEmpty() ? group->captions().join(QLatin1Char('/')) : title});
+    }
+    for (int i = 0; i < ControlPools::kSwitches; ++i)
+        if (const QLabel* sw = pools.onOff[std::size_t(i)]; !sw->isHidden())
+            out.push_back(
+                {sw->property("Tag").toString().toInt(), 0, 1, sw->property("caption").toString()});
+    return out;
+}
+
+class IndexPlacements : public IndexLaws {
+protected:
+    // Opens every page of the model in every state of its selector, and of the bytes its
+    // placements follow (a channel, a pedal's function), and hands over what it shows.
+    void everyState(const std::function<void(const std::string&)>& visit) {
+        ControlPools& pools = f.form->pools();
+        cCheckRadio* selector = pools.groups[ControlPools::kSelectorList];
+        const ModelDescription& d = describeModel(model());
+        auto channel = [&](int c) {
+            for (const SystemPreampLayout& p : d.systemPreamps)
+                f.state.image.set(p.channelByte, c);
+        };
+        for (int page : pagesOf(model())) {
+            const std::string at =
+                "GT-" + std::to_string(model()) + " page " + std::to_string(page);
+            if (page == 9 && model() != 5) {
+                for (int c = 0; c < 2; ++c)
+                    for (int n = 0; n < 3; ++n) {
+                        channel(c);
+                        f.open(model(), 9);
+                        selector->ClickOn(n);
+                        visit(at + " tone " + std::to_string(n + 1));
+                    }
+            } else if (page == 11 || page == 15) {
+                // Page 11's shared rows follow the GT-10's "Preamp Mode" when the page is
+                // built, its channel rows the selector.
+                const int count = page == 15 ? 2 : int(d.systemPreamps.size());
+                const int modes = page == 11 && model() == 10 ? 4 : 1;
+                for (int c = 0; c < 2; ++c)
+                    for (int mode = 0; mode < modes; ++mode)
+                        for (int k = 0; k < count; ++k) {
+                            channel(c);
+                            if (modes > 1) f.state.image.set(kGt10PreampMode, mode);
+                            f.open(model(), page);
+                            if (count > 1) selector->ClickOn(k);
+                            visit(at + " selection " + std::to_string(k));
+                        }
+            } else if (page == 14) {
+                for (int function = 0; function <= 6; ++function) {
+                    f.open(model(), page);
+                    for (int i : {0, 2})
+                        f.state.image.writeParameter(pools.sliders[std::size_t(i)]->MemLoc(),
+                                                     model(), function);
+                    f.rebuild(page);
+                    visit(at + " function " + std::to_string(function));
+                }
+            } else if (page != 5 && page != 6) {
+                f.open(model(), page);
+                visit(at);
+            }
+        }
+    }
+
+    EditorFixture f;
+};
+
+TEST_P(IndexPlacements, EveryPlacedControlIsExactlyOneParameterWithItsAddressRangeAndCaption) {
+    struct Seen {
+        int minimum = 1 << 20, maximum = -1;
+    };
+    std::map<const Parameter*, Seen> seen;
+    everyState([&](const std::string& at) {
+        const auto placed = placedControls(f.form->pools());
+        ASSERT_FALSE(placed.empty()) << at;
+        for (const Placed& c : placed) {
+            std::vector<const Parameter*> matches;
+            for (const Parameter& p : index().parameters())
+                if (p.address == c.address &&
+                    (p.caption == c.caption ||
+                     p.caption.startsWith(c.caption + QStringLiteral(" ("))))
+                    matches.push_back(&p);
+            ASSERT_EQ(matches.size(), 1u)
+                << at << " '" << c.caption.toStdString() << "' at " << c.address;
+            Seen& s = seen[matches.front()];
+            s.minimum = std::min(s.minimum, c.minimum);
+            s.maximum = std::max(s.maximum, c.maximum);
+        }
+    });
+    // The other way round: every parameter outside the grids is placed somewhere, with the
+    // widest range its placements give it.
+    for (const Parameter& p : index().parameters()) {
+        if (p.page == QStringLiteral("Harmonist") || p.page == QStringLiteral("Auto-Riff"))
+            continue;
+        const auto it = seen.find(&p);
+        ASSERT_NE(it, seen.end()) << "never placed: " << where(p);
+        EXPECT_EQ(it->second.minimum, p.minimum) << where(p);
+        EXPECT_EQ(it->second.maximum, p.maximum) << where(p);
+    }
+    EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+}
+
+TEST_P(IndexPlacements, EveryGridCellIsTheParameterOfItsScaleOrPhraseRowAndColumn) {
+    const auto pages = pagesOf(model());
+    // Cells the grid can show (codes 0-48, 49 and 50 in phrases).
+    for (const Parameter& p : index().parameters())
+        if (p.page == QStringLiteral("Harmonist") || p.page == QStringLiteral("Auto-Riff"))
+            f.state.image.set(p.address, (p.address * 7) % (p.maximum + 1));
+    cCheckRadio* selector = f.form->pools().groups[ControlPools::kSelectorList];
+    GridEditor* grid = f.form->grid();
+    int cells = 0;
+    std::set<const Parameter*> hit;
+    for (int page : {5, 6}) {
+        if (std::ranges::find(pages, page) == pages.end()) continue;
+        f.open(model(), page);
+        for (int view = 0; view < (page == 5 ? 2 : kPhraseCount); ++view) {
+            selector->ClickOn(view);
+            const QStringList columns = grid->columnHeadings();
+            const QStringList rows = grid->rowHeadings();
+            for (int b = 0; b < GridEditor::kCells; ++b) {
+                const int address = grid->cellAddress(b);
+                const Parameter* p = index().covering(address);
+                ASSERT_NE(p, nullptr) << page << " cell " << b;
+                ++cells;
+                hit.insert(p);
+                const QString column =
+                    QRegularExpression(QStringLiteral("\\d+")).match(columns[b % 16]).captured();
+                const QString row = rows[b / 16].trimmed().section(QLatin1Char('/'), 0, 0);
+                EXPECT_EQ(p->address, address);
+                EXPECT_EQ(p->instance, page == 5 ? QStringLiteral("Scale %1 / %2").arg(column, row)
+                                                 : QStringLiteral("Phrase %1 / Key %2 / Step %3")
+                                                       .arg(view + 1)
+                                                       .arg(row, column));
+                EXPECT_EQ(p->valueText(f.state.image.at(address)), grid->cellText(b).trimmed())
+                    << where(*p);
+            }
+        }
+    }
+    std::size_t gridParameters = 0;
+    for (const Parameter& p : index().parameters())
+        if (p.page == QStringLiteral("Harmonist") || p.page == QStringLiteral("Auto-Riff"))
+            ++gridParameters;
+    EXPECT_EQ(hit.size(), gridParameters) << "every grid parameter is a cell";
+    EXPECT_EQ(cells > 0, gridParameters > 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, IndexPlacements, ::testing::ValuesIn(kModels),
+                         [](const auto& info) { return "GT" + std::to_string(info.param); });
+
+INSTANTIATE_TEST_SUITE_P(Models, IndexLaws, ::testing::ValuesIn(kModels),
+                         [](const auto& info) { return "GT" + std::to_string(info.param); });
+
+} // namespace
