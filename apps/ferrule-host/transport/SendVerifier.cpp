@@ -1,6 +1,7 @@
 #include "SendVerifier.h"
 
 #include "DumpReceiver.h"
+#include "catalogue/ParameterIndex.h"
 #include "device/SysexCodec.h"
 
 #include <QTimer>
@@ -92,13 +93,15 @@ std::vector<int> SendVerifier::differingBytes() const {
 }
 
 QStringList SendVerifier::differenceLines() const {
-    QStringList lines;
+    // By parameter: only the sent bytes can differ, the rest of both images being the same.
     const QByteArray read = readImage();
-    for (int i : differingBytes())
-        lines << QStringLiteral("Address %1: %2 -> %3")
-                     .arg(i)
-                     .arg(static_cast<unsigned char>(sentImage()[i]))
-                     .arg(static_cast<unsigned char>(read[i]));
+    const auto bytes = [](const QByteArray& image) {
+        return ImageBytes(reinterpret_cast<const std::uint8_t*>(image.constData()),
+                          std::size_t(image.size()));
+    };
+    QStringList lines;
+    for (const ParameterDifference& d : compareImages(model_, bytes(sentImage()), bytes(read)))
+        lines << differenceLine(d);
     return lines;
 }
 

@@ -49,7 +49,8 @@ public:
     QByteArray readImage() const;
     // Image indices whose byte the device holds otherwise than it was sent, ascending.
     std::vector<int> differingBytes() const;
-    // What differs, one line each, "… sent -> held".
+    // What differs, one line a parameter (a byte no parameter covers, by its address), as
+    // differenceLine says it: "Page / Heading / Caption [instance]: sent -> held".
     QStringList differenceLines() const;
     // The sent messages that carry a differing byte, as they were sent.
     std::vector<QByteArray> messagesToSendAgain() const;
