@@ -14,12 +14,15 @@
 #include "transport/SendVerifier.h"
 #include "ui/MainWindow.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -181,13 +184,23 @@ TEST(MainWindowVerify, ASendIsReadBackAndWhatDiffersIsSentAgainAloneThenVerified
     ASSERT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
     EXPECT_TRUE(w.device().verifies()) << "on by default";
 
+    // The window's own question, answered with Send Again once it shows; rendered for a look.
     QStringList listed;
     int beforeAgain = -1;
-    w.setAskSendAgain([&](const QString&, const QStringList& lines) {
-        listed = lines;
+    QTimer answer;
+    answer.setInterval(20);
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) return;
+        answer.stop();
+        listed = box->detailedText().split(QLatin1Char('\n'));
+        QDir().mkpath(QStringLiteral(FERRULE_GALLERY_DIR));
+        box->grab().save(QStringLiteral(FERRULE_GALLERY_DIR) + QStringLiteral("/send-again.png"));
         beforeAgain = dataSetsOut(w.monitor()->model());
-        return true;
+        for (QAbstractButton* b : box->buttons())
+            if (b->text() == QLatin1String("Send Again")) b->click();
     });
+    answer.start();
     QSignalSpy ends(&w.device(), &DeviceSession::finished);
     w.startSend(false);
     // The send, its read-back with the difference, then the message sent again and read back.

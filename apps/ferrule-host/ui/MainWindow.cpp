@@ -99,7 +99,6 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
 
     askSendAgain_ = [this](const QString& text, const QStringList& lines) {
         QMessageBox box(QMessageBox::Warning, kTitle, text, QMessageBox::NoButton, this);
-        box.setInformativeText(QStringLiteral("Sent -> held:"));
         box.setDetailedText(lines.join(QLatin1Char('\n')));
         QPushButton* again = box.addButton(QStringLiteral("Send Again"), QMessageBox::AcceptRole);
         box.addButton(QMessageBox::Close);
@@ -815,7 +814,8 @@ void MainWindow::offerSendAgain() {
     const QStringList lines = v->differenceLines();
     const int messages = int(v->messagesToSendAgain().size());
     const QString text =
-        QStringLiteral("The device holds %1 setting(s) otherwise than they were sent:\n\n%2%3"
+        QStringLiteral("The device holds %1 setting(s) otherwise than they were sent (sent "
+                       "-> held):\n\n%2%3"
                        "\n\nSend the %4 message(s) that carry them again?")
             .arg(lines.size())
             .arg(lines.mid(0, 12).join(QLatin1Char('\n')))
