@@ -100,12 +100,12 @@ TEST_P(TransmitVerify, ExitSaysWhetherTheDeviceHoldsWhatWasSentAndListsWhatItDoe
     const auto transmitTo = [&](const QStringList& fault) {
         DeviceProcess device(jack, gt + QStringList{QStringLiteral("--data"), deviceData} + fault);
         EXPECT_TRUE(device.ready()) << device.output().constData();
-        return runHost(
-            gt + QStringList{QStringLiteral("--data"), hostData, QStringLiteral("--transmit"),
-                             QStringLiteral("--verify"), QStringLiteral("--gap"),
-                             QStringLiteral("0"), QStringLiteral("--timeout"), QStringLiteral("1"),
-                             QStringLiteral("--midi-out"), port, QStringLiteral("--midi-in"), port},
-            dir.path(), 120000, jack.env());
+        return runHost(gt + QStringList{QStringLiteral("--data"), hostData,
+                                        QStringLiteral("--transmit"), QStringLiteral("--verify"),
+                                        QStringLiteral("--gap"), QStringLiteral("0"),
+                                        QStringLiteral("--midi-out"), port,
+                                        QStringLiteral("--midi-in"), port},
+                       dir.path(), 120000, jack.env());
     };
 
     // A device that takes everything: exit 0.

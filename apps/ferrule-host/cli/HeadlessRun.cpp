@@ -162,7 +162,7 @@ void HeadlessRun::verify() {
         status_ = kExitDevice;
         close(editor_);
     });
-    verifier_->start(*readBackInput_, *requests_, options_.timeoutS);
+    verifier_->start(*readBackInput_, *requests_);
 }
 
 void HeadlessRun::reportVerification() {

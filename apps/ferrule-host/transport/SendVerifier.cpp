@@ -48,14 +48,13 @@ std::vector<DumpMap::Range> SendVerifier::sentRanges() const {
     return ranges;
 }
 
-void SendVerifier::start(MidiInput& input, PacedOutput& requests, int timeoutS) {
+void SendVerifier::start(MidiInput& input, PacedOutput& requests) {
     DumpReceiver::Options o;
     o.model = model_;
     o.header = header_;
     o.requestHeader = requestHeader_;
     o.request = true;
     o.ranges = sentRanges();
-    if (timeoutS > 0) o.firstTimeoutMs = o.silenceTimeoutMs = timeoutS * 1000;
     if (o.ranges.empty()) {
         // Nothing that lands in the image was sent: nothing to read back.
         outcome_ = Outcome::Verified;

@@ -38,8 +38,8 @@ public:
     // The mapped address ranges the sent messages covered, ascending, joined where they adjoin.
     std::vector<DumpMap::Range> sentRanges() const;
 
-    // Asks the device; `finished` follows. `timeoutS` > 0 replaces the wait for each answer.
-    void start(MidiInput& input, PacedOutput& requests, int timeoutS = -1);
+    // Asks the device; `finished` follows.
+    void start(MidiInput& input, PacedOutput& requests);
     void stop();
 
     Outcome outcome() const { return outcome_; }
