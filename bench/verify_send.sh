@@ -8,16 +8,9 @@ set -euo pipefail
 build=${1:-build}
 runs=${2:-3}
 period=${3:-256}
-root=$(mktemp -d)
-export JACK_DEFAULT_SERVER="ferrule-bench-$$" JACK_NO_AUDIO_RESERVATION=1
-export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root"
-jackd -n "$JACK_DEFAULT_SERVER" --no-realtime --sync -d dummy -r 48000 -p "$period" >"$root/jackd.log" 2>&1 &
-jack=$!
-trap 'kill $jack 2>/dev/null; rm -rf "$root"' EXIT
-jack_wait -w -t 10 >/dev/null
-echo "JACK dummy driver, 48 kHz, $period frames a period; GT-10, $runs runs"
-host="$build/bin/ferrule-host"
-"$build/bin/ferrule-device" --model 10 >"$root/device.log" 2>&1 &
+source "$(dirname "$0")/jack_common.sh"
+echo "GT-10, $runs runs"
+"$device" --model 10 >"$root/device.log" 2>&1 &
 dev=$!
 until grep -q ready "$root/device.log"; do sleep 0.05; done
 port=ferrule-device

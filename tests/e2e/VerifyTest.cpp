@@ -4,6 +4,7 @@
 
 #include "HostOptionsForTests.h"
 #include "HostProcess.h"
+#include "ImageFiles.h"
 #include "JackServer.h"
 #include "MonitorCounts.h"
 #include "QtPrinters.h"
@@ -30,20 +31,6 @@
 using namespace ferrule;
 
 namespace {
-
-QByteArray randomImage(unsigned start) {
-    std::mt19937 random(start);
-    QByteArray image(kImageSize, 0);
-    for (auto& b : image)
-        b = char(random() & 0x7F);
-    return image;
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
 
 ImageBytes bytesOf(const QByteArray& image) {
     return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
