@@ -99,6 +99,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
 
     askSendAgain_ = [this](const QString& text, const QStringList& lines) {
         QMessageBox box(QMessageBox::Warning, kTitle, text, QMessageBox::NoButton, this);
+        box.setTextFormat(Qt::RichText);
         box.setDetailedText(lines.join(QLatin1Char('\n')));
         QPushButton* again = box.addButton(QStringLiteral("Send Again"), QMessageBox::AcceptRole);
         box.addButton(QMessageBox::Close);
@@ -813,14 +814,17 @@ void MainWindow::offerSendAgain() {
     if (!v || v->outcome() != SendVerifier::Outcome::Differs) return;
     const QStringList lines = v->differenceLines();
     const int messages = int(v->messagesToSendAgain().size());
+    // The settings one a line, unwrapped; the whole list is under Show Details.
+    QStringList shown = lines.mid(0, 12);
+    if (lines.size() > 12) shown << QStringLiteral("… and %1 more").arg(lines.size() - 12);
     const QString text =
-        QStringLiteral("The device holds %1 setting(s) otherwise than they were sent (sent "
-                       "-> held):\n\n%2%3"
-                       "\n\nSend the %4 message(s) that carry them again?")
+        QStringLiteral("<p>The device holds %1 setting(s) otherwise than they were sent (sent "
+                       "-&gt; held):</p><p style=\"white-space:pre\">%2</p><p>Send the %3 "
+                       "message(s) that carry them again?</p>")
             .arg(lines.size())
-            .arg(lines.mid(0, 12).join(QLatin1Char('\n')))
-            .arg(lines.size() > 12 ? QStringLiteral("\n… and %1 more").arg(lines.size() - 12)
-                                   : QString())
+            .arg(shown.join(QLatin1Char('\n'))
+                     .toHtmlEscaped()
+                     .replace(QLatin1Char('\n'), QStringLiteral("<br>")))
             .arg(messages);
     if (!askSendAgain_(text, lines)) return;
     const int queued = device_.sendAgain();

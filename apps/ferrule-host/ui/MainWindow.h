@@ -53,7 +53,8 @@ public:
     using AskUnknownDevice = std::function<UnknownDeviceAnswer()>;
     void setAskUnknownDevice(AskUnknownDevice ask) { askUnknown_ = std::move(ask); }
     void setAskAfterFailedSave(AskAfterFailedSave ask) { askFailed_ = std::move(ask); }
-    // A send read back with differences: the lines; true sends those messages again.
+    // A send read back with differences: the question (rich text) and the lines, "… sent ->
+    // held"; true sends those messages again.
     using AskSendAgain = std::function<bool(const QString& text, const QStringList& lines)>;
     void setAskSendAgain(AskSendAgain ask) { askSendAgain_ = std::move(ask); }
     // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
