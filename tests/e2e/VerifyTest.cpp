@@ -145,7 +145,8 @@ TEST(TransmitVerify, WithoutAnInputPortIsOneLineAndExitTwo) {
     EXPECT_TRUE(r.errLines()[0].contains("--midi-in")) << r.err.constData();
 }
 
-TEST(MainWindowVerify, ASendIsReadBackAndWhatDiffersIsSentAgainAloneThenVerified) {
+TEST(MainWindowVerify,
+     ASendIsReadBackWhatDiffersIsSentAgainAloneAndASilentDeviceIsNotCalledVerified) {
     JackServer jack;
     ASSERT_TRUE(jack.running()) << qPrintable(jack.log());
     qputenv("JACK_DEFAULT_SERVER",
@@ -201,6 +202,26 @@ TEST(MainWindowVerify, ASendIsReadBackAndWhatDiffersIsSentAgainAloneThenVerified
     QDir().mkpath(QStringLiteral(FERRULE_GALLERY_DIR));
     w.grab().save(QStringLiteral(FERRULE_GALLERY_DIR) +
                   QStringLiteral("/main-window-verified.png"));
+
+    // A device that answers nothing: the send is said not verified, and the Device line never
+    // claims more than that it was sent.
+    device.stop();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return !w.device().hasInput() && !w.device().hasOutput(); }, 5000));
+    DeviceProcess silent(jack, {QStringLiteral("--model"), QString::number(model),
+                                QStringLiteral("--stop-after"), QStringLiteral("0")});
+    ASSERT_TRUE(silent.ready()) << silent.output().constData();
+    w.refreshPorts();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return w.device().hasInput() && w.device().hasOutput(); }, 5000))
+        << qPrintable(w.portState());
+    w.startSend(false);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ends.count() >= 3; }, 120000));
+    EXPECT_FALSE(ends[2][0].toBool());
+    EXPECT_TRUE(ends[2][1].toString().contains("not verified: no answer for the GT-6"))
+        << qPrintable(ends[2][1].toString());
+    EXPECT_TRUE(w.deviceStateText().contains("not read back")) << qPrintable(w.deviceStateText());
+    EXPECT_FALSE(w.deviceStateText().contains("verified")) << qPrintable(w.deviceStateText());
 
     // The setting is remembered: turned off, a new window sends without reading back.
     QAction* verify = nullptr;
