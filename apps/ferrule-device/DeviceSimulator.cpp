@@ -67,10 +67,30 @@ void DeviceSimulator::sendDump() {
         answer(r.address, r.units, 0);
 }
 
+QByteArray DeviceSimulator::keepingByte(int packed, QByteArray data) const {
+    if (options_.keepByte < 0) return data;
+    // Whatever the message carries for the kept byte is replaced by what the byte holds.
+    const auto held = static_cast<unsigned char>(image().at(options_.keepByte));
+    const int start = linearAddress(packed);
+    for (qsizetype i = 0; i < data.size(); ++i) {
+        const auto t = assembler_.map().locate(start + int(i));
+        if (!t || t->index != options_.keepByte) continue;
+        data[i] = char(t->part == DumpMap::Part::HighNibble  ? held >> 4
+                       : t->part == DumpMap::Part::LowNibble ? held & 0x0F
+                                                             : held);
+    }
+    return data;
+}
+
 void DeviceSimulator::onMessage(const QByteArray& message) {
     const Sysex::Message set = Sysex::parse(message, options_.header);
     if (set.ok()) {
-        if (assembler_.apply(set.address, set.payload).ok())
+        // The faults of a device that loses a message on the way, or cannot store one value.
+        if (++dataSets_ == options_.dropMessage) {
+            ++dropped_;
+            return;
+        }
+        if (assembler_.apply(set.address, keepingByte(set.address, set.payload)).ok())
             ++taken_;
         else
             ++rejected_;

@@ -24,6 +24,8 @@ public:
         int chunk = 0;            // at most this many data bytes a message (0: as the schedule)
         bool corruptChecksums = false; // answers with wrong checksums
         int stopAfter = -1;            // sends only this many messages, then falls silent
+        int dropMessage = 0; // ignores the data-set message received with this number (from 1)
+        int keepByte = -1;   // refuses writes to this image byte, taking the rest of a message
     };
 
     DeviceSimulator(Options options, QByteArray image, QObject* parent = nullptr);
@@ -36,10 +38,13 @@ public:
     int taken() const { return taken_; }
     int rejected() const { return rejected_; }
     int requests() const { return requests_; }
+    int dropped() const { return dropped_; }
     int sent() const { return output_.sentMessages(); }
 
 private:
     void onMessage(const QByteArray& message);
+    // The data of a message as the device stores it: the kept byte's part keeps its value.
+    QByteArray keepingByte(int packedAddress, QByteArray data) const;
     void answer(int linear, int units, qint64 notBeforeNs);
     void send(int linear, QByteArrayView data, qint64 notBeforeNs);
     bool emitMessage(const QByteArray& message, QString* why);
@@ -49,7 +54,7 @@ private:
     MidiInput input_;
     MidiOutput midi_;
     PacedOutput output_;
-    int taken_ = 0, rejected_ = 0, requests_ = 0, queued_ = 0;
+    int taken_ = 0, rejected_ = 0, requests_ = 0, queued_ = 0, dataSets_ = 0, dropped_ = 0;
 };
 
 } // namespace ferrule

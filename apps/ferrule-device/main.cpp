@@ -99,11 +99,22 @@ int main(int argc, char** argv) {
                                        QStringLiteral("N"));
     const QCommandLineOption corrupt(QStringLiteral("bad-checksums"),
                                      QStringLiteral("Send every message with a wrong checksum."));
+    const QCommandLineOption dropMessage(
+        QStringLiteral("drop-message"),
+        QStringLiteral("Ignore the Nth data-set message received (from 1), as if lost on the "
+                       "way."),
+        QStringLiteral("N"));
+    const QCommandLineOption keepByte(
+        QStringLiteral("keep-byte"),
+        QStringLiteral("Refuse every write to image byte INDEX (decimal, or hex with 0x): it "
+                       "keeps its value, the rest of each message is taken."),
+        QStringLiteral("INDEX"));
     const QCommandLineOption header(QStringLiteral("sysex-header"),
                                     QStringLiteral("Data-set header in hex (default 7D 10 model "
                                                    "12)."),
                                     QStringLiteral("HEX"));
-    parser.addOptions({model, data, save, name, api, dumpAfter, chunk, stopAfter, corrupt, header});
+    parser.addOptions({model, data, save, name, api, dumpAfter, chunk, stopAfter, corrupt,
+                       dropMessage, keepByte, header});
     parser.process(app);
 
     DeviceSimulator::Options o;
@@ -120,6 +131,19 @@ int main(int argc, char** argv) {
     o.chunk = parser.value(chunk).toInt();
     o.stopAfter = parser.isSet(stopAfter) ? parser.value(stopAfter).toInt() : -1;
     o.corruptChecksums = parser.isSet(corrupt);
+    if (parser.isSet(dropMessage)) {
+        o.dropMessage = parser.value(dropMessage).toInt(&ok);
+        if (!ok || o.dropMessage < 1)
+            return fail(QStringLiteral("--drop-message \"%1\" is not a message number from 1")
+                            .arg(parser.value(dropMessage)));
+    }
+    if (parser.isSet(keepByte)) {
+        o.keepByte = parser.value(keepByte).toInt(&ok, 0);
+        if (!ok || o.keepByte < 0 || o.keepByte >= kImageSize)
+            return fail(QStringLiteral("--keep-byte \"%1\" is not an image byte 0-%2")
+                            .arg(parser.value(keepByte))
+                            .arg(kImageSize - 1));
+    }
 
     QString error;
     const QByteArray image = loadImage(parser.value(data), o.model, o.header, &error);
@@ -163,9 +187,10 @@ int main(int argc, char** argv) {
     std::fflush(stdout);
     const int status = QCoreApplication::exec();
 
-    std::printf("ferrule-device: took %d messages, rejected %d, answered %d requests, sent %d "
-                "messages\n",
-                device.taken(), device.rejected(), device.requests(), device.sent());
+    std::printf("ferrule-device: took %d messages, rejected %d, dropped %d, answered %d "
+                "requests, sent %d messages\n",
+                device.taken(), device.rejected(), device.dropped(), device.requests(),
+                device.sent());
     if (parser.isSet(save) && !saveImage(parser.value(save), device.image(), o.model, o.header))
         return fail(QStringLiteral("cannot write \"%1\"").arg(parser.value(save)));
     return status;

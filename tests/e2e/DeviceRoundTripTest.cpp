@@ -2,6 +2,7 @@
 // driver): requests, transmissions and dumps of every model, and the failures a user meets.
 
 #include "HostProcess.h"
+#include "ImageFiles.h"
 #include "JackServer.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
@@ -19,20 +20,6 @@
 using namespace ferrule;
 
 namespace {
-
-QByteArray randomImage(unsigned start) {
-    std::mt19937 random(start);
-    QByteArray image(kImageSize, 0);
-    for (auto& b : image)
-        b = char(random() & 0x7F);
-    return image;
-}
-
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
 
 QByteArray readFile(const QString& path) {
     QFile f(path);

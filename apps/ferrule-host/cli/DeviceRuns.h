@@ -10,9 +10,12 @@ namespace ferrule {
 class SystemDocument;
 
 // Exit codes of the host: 2 for bad input, 3 when the MIDI side fails or the device does not
-// deliver (a port that is not there, no MIDI system, an incomplete dump).
+// deliver (a port that is not there, no MIDI system, an incomplete dump), 4 when a verified
+// send finds the device holding something else.
 inline constexpr int kExitBadInput = 2;
 inline constexpr int kExitDevice = 3;
+// --transmit --verify: the device holds other values than were sent.
+inline constexpr int kExitDiffers = 4;
 
 // Prints one "ferrule-host: …" line on stderr and returns the code.
 int fail(int code, const QString& line);

@@ -2,6 +2,7 @@
 
 #include "DeviceRuns.h"
 #include "HeadlessRun.h"
+#include "MidiInput.h"
 #include "MidiOutput.h"
 #include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
@@ -38,6 +39,15 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
         QString why;
         const std::optional<MidiApi> api = chosenMidiApi(options, &why);
         if (!api || !midi.open(*api, QStringLiteral("ferrule-host"), options.midiOut, &why))
+            return fail(kExitDevice, why);
+    }
+    // --verify reads back from the device's output; a port that cannot be opened fails before
+    // anything is sent.
+    MidiInput readBack;
+    if (options.verify) {
+        QString why;
+        const std::optional<MidiApi> api = chosenMidiApi(options, &why);
+        if (!api || !readBack.open(*api, QStringLiteral("ferrule-host"), options.midiIn, &why))
             return fail(kExitDevice, why);
     }
     BlockPipeline pipeline({options.sysexHeader, options.gapMs, options.syxFile}, &midi);
@@ -87,6 +97,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
                              box.exec();
                          });
     HeadlessRun headlessRun(options, pipeline, plugIn);
+    if (options.verify) headlessRun.setReadBack(&readBack, &midi, document.image());
     PlugInEditor::Run run;
     run.model = options.model;
     run.title = options.title;

@@ -1,8 +1,15 @@
 #include "HeadlessRun.h"
 
+#include "DeviceRuns.h"
 #include "EditorDescription.h"
+#include "MidiInput.h"
+#include "MidiOutput.h"
+#include "PacedOutput.h"
+#include "WireTime.h"
+#include "device/SysexCodec.h"
 #include "plugin/EditorWindow.h"
 #include "transport/BlockPipeline.h"
+#include "transport/SendVerifier.h"
 
 #include <QApplication>
 #include <QMetaObject>
@@ -18,6 +25,23 @@ HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
     : options_(options)
     , pipeline_(pipeline)
     , plugIn_(plugIn) {}
+
+HeadlessRun::~HeadlessRun() = default;
+
+void HeadlessRun::setReadBack(ferrule::MidiInput* input, ferrule::MidiOutput* output,
+                              const QByteArray& base) {
+    using namespace ferrule;
+    readBackInput_ = input;
+    requests_ = std::make_unique<PacedOutput>(
+        [output](const QByteArray& m, QString* why) { return output->send(m, why); });
+    const QByteArray header = options_.dataSetHeader();
+    verifier_ = std::make_unique<SendVerifier>(
+        options_.model, header,
+        options_.requestHeader.isEmpty() ? Sysex::requestHeaderFor(header) : options_.requestHeader,
+        base);
+    // Every message that leaves is what the device should hold.
+    connect(&pipeline_, &BlockPipeline::messageSent, verifier_.get(), &SendVerifier::sent);
+}
 
 void HeadlessRun::arm() {
     if (options_.page < 0 && !options_.headless()) return;
@@ -118,6 +142,57 @@ void HeadlessRun::reportTransmission() {
                 static_cast<long long>(pipeline_.bytes()));
     std::printf("wire time %.1f ms + gaps %.1f ms = %.1f ms; the transmission took %.1f ms\n",
                 pipeline_.wireMs(), pipeline_.gapsMs(), expected, pipeline_.elapsedMs());
+    std::fflush(stdout);
+    if (verifier_) {
+        verify();
+        return;
+    }
+    close(editor_);
+}
+
+void HeadlessRun::verify() {
+    using namespace ferrule;
+    std::fprintf(stderr, "ferrule-host: reading back %d messages from %s\n",
+                 verifier_->sentMessages(), qPrintable(readBackInput_->portName()));
+    connect(verifier_.get(), &SendVerifier::finished, this, &HeadlessRun::reportVerification);
+    connect(requests_.get(), &PacedOutput::failed, this, [this](const QString& why) {
+        verifier_->stop();
+        std::fprintf(stderr, "ferrule-host: not verified: the request could not be sent: %s\n",
+                     qPrintable(why));
+        status_ = kExitDevice;
+        close(editor_);
+    });
+    verifier_->start(*readBackInput_, *requests_);
+}
+
+void HeadlessRun::reportVerification() {
+    using namespace ferrule;
+    requests_->clear();
+    switch (verifier_->outcome()) {
+    case SendVerifier::Outcome::Verified:
+        std::printf("verified: the GT-%d holds every byte sent; read back in %d requests, %lld "
+                    "bytes on the wire (wire time %.1f ms), in %.1f ms\n",
+                    options_.model, verifier_->requests(),
+                    static_cast<long long>(verifier_->wireBytes()),
+                    wireTimeMs(verifier_->wireBytes()), verifier_->elapsedMs());
+        break;
+    case SendVerifier::Outcome::Differs: {
+        const QStringList lines = verifier_->differenceLines();
+        for (const QString& line : lines)
+            std::printf("%s\n", qPrintable(line));
+        std::fprintf(stderr,
+                     "ferrule-host: not verified: the GT-%d holds %d setting(s) otherwise "
+                     "than sent (sent -> held)\n",
+                     options_.model, int(lines.size()));
+        status_ = kExitDiffers;
+        break;
+    }
+    case SendVerifier::Outcome::NoAnswer:
+    case SendVerifier::Outcome::Running:
+        std::fprintf(stderr, "ferrule-host: not verified: %s\n", qPrintable(verifier_->error()));
+        status_ = kExitDevice;
+        break;
+    }
     std::fflush(stdout);
     close(editor_);
 }

@@ -4,11 +4,17 @@
 
 #include <QObject>
 
+#include <memory>
+
 class BlockPipeline;
 class QWidget;
 namespace ferrule {
+class MidiInput;
+class MidiOutput;
+class PacedOutput;
 class PlugInInterface;
-}
+class SendVerifier;
+} // namespace ferrule
 
 // What the host does by itself once the editor window is up, for scripts and tests: open a
 // page, render the editor to PNG, print its controls as JSON; then close it without keeping
@@ -18,6 +24,12 @@ class HeadlessRun : public QObject {
 public:
     HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
                 ferrule::PlugInInterface* plugIn);
+    ~HeadlessRun() override;
+
+    // --verify: where the transmission is read back from and asked on, and the image its
+    // messages are laid over.
+    void setReadBack(ferrule::MidiInput* input, ferrule::MidiOutput* output,
+                     const QByteArray& base);
 
     // Schedules the run for the moment the editor's modal loop starts (also opens --page).
     void arm();
@@ -33,10 +45,16 @@ private:
     // Presses and releases the transmit button, then waits for the end of the transmission.
     void transmit(QWidget* editor);
     void outputFailed();
+    // Reads back what was sent, reports what differs, then closes the editor.
+    void verify();
+    void reportVerification();
 
     HostOptions options_;
     BlockPipeline& pipeline_;
     ferrule::PlugInInterface* plugIn_;
     QWidget* editor_ = nullptr;
     int status_ = 0;
+    ferrule::MidiInput* readBackInput_ = nullptr;
+    std::unique_ptr<ferrule::PacedOutput> requests_;
+    std::unique_ptr<ferrule::SendVerifier> verifier_;
 };

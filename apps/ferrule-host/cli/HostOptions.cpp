@@ -159,6 +159,11 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("main-screenshot"),
         QStringLiteral("Headless: render the main window to FILE.png and exit."),
         QStringLiteral("FILE.png"));
+    const QCommandLineOption verify(
+        QStringLiteral("verify"),
+        QStringLiteral("With --transmit: read back what was sent from --midi-in and compare it; "
+                       "exit 4 listing the parameters the device holds otherwise."));
+    parser.addOption(verify);
     parser.addPositionalArgument(
         QStringLiteral("FILE"),
         QStringLiteral("System data to open in the main window, as File > Open does: a raw "
@@ -279,6 +284,12 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                                .arg(parser.value(timeout));
             return result;
         }
+    }
+    o.verify = parser.isSet(verify);
+    if (o.verify && (!o.transmit || o.midiIn.isEmpty() || o.midiOut.isEmpty())) {
+        result.error = QStringLiteral("--verify goes with --transmit, --midi-out and --midi-in "
+                                      "(where it reads back what was sent)");
+        return result;
     }
     o.refuseUpdate = parser.isSet(refuse);
     o.gapMs = parser.value(gap).toInt(&ok);

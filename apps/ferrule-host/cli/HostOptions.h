@@ -31,6 +31,8 @@ struct HostOptions {
     int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
     bool edit = false; // the editor at once on the data, without the main window
     QString mainScreenshot;
+    // --transmit --verify: read back what was sent and compare it (needs --midi-in).
+    bool verify = false;
     // A file named alone on the command line (as a desktop entry's %f passes it): the main
     // window opens it as File > Open does.
     QString openFile;

@@ -1,6 +1,7 @@
 #include "DeviceSession.h"
 
 #include "DumpReceiver.h"
+#include "SendVerifier.h"
 #include "TimeLeft.h"
 #include "WireTime.h"
 #include "device/DefaultImage.h"
@@ -40,6 +41,7 @@ DeviceSession::DeviceSession(QObject* parent)
     connect(&paced_, &PacedOutput::messageSent, this, [this](const QByteArray& m) {
         emit messageOut(m);
         if (operation_ != Operation::Send) return;
+        if (verifier_) verifier_->sent(m);
         ++opMessages_;
         done_ += m.size();
         doneWireMs_ += wireTimeMs(m.size()) + gapMs_;
@@ -54,10 +56,18 @@ DeviceSession::DeviceSession(QObject* parent)
     connect(&paced_, &PacedOutput::drained, this, [this] {
         if (operation_ != Operation::Send) return;
         known_ = {Knowledge::Kind::Sent, sending_, QDateTime::currentDateTime(), {}};
-        end(true, QStringLiteral("sent %1 messages, %2 bytes to %3")
-                      .arg(opMessages_)
-                      .arg(done_)
-                      .arg(outputName()));
+        if (verifier_ && input_) {
+            startVerify();
+            return;
+        }
+        QString message = QStringLiteral("sent %1 messages, %2 bytes to %3")
+                              .arg(opMessages_)
+                              .arg(done_)
+                              .arg(outputName());
+        if (verifier_)
+            message += QStringLiteral("; not verified: no MIDI input port to read the device");
+        verifier_.reset();
+        end(true, message);
     });
     connect(&paced_, &PacedOutput::failed, this, [this](const QString& why) {
         if (operation_ == Operation::Send) {
@@ -65,9 +75,10 @@ DeviceSession::DeviceSession(QObject* parent)
             forgetDevice(QStringLiteral("a send stopped part way at %1")
                              .arg(clock(QDateTime::currentDateTime())));
             end(false, QStringLiteral("%1; %2").arg(why, sentSoFar()));
-        } else if (receiver_) {
-            receiver_->disconnect(this);
+        } else if (receiver_ || operation_ == Operation::Verify) {
+            if (receiver_) receiver_->disconnect(this);
             receiver_.reset();
+            if (verifier_) verifier_->stop();
             end(false, QStringLiteral("the request could not be sent: %1").arg(why));
         }
     });
@@ -153,10 +164,11 @@ void DeviceSession::watchPorts() {
 }
 
 void DeviceSession::portLost(const QString& why, bool input) {
-    const bool needed = input ? operation_ == Operation::Receive || operation_ == Operation::Request
-                              : operation_ == Operation::Send || operation_ == Operation::Request;
+    const bool needed = operation_ == Operation::Verify || operation_ == Operation::Request ||
+                        (input ? operation_ == Operation::Receive : operation_ == Operation::Send);
     if (needed) {
         paced_.clear();
+        if (verifier_) verifier_->stop();
         if (receiver_) {
             receiver_->disconnect(this);
             receiver_.reset();
@@ -200,12 +212,39 @@ int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
     if (messages.empty()) {
         emit finished(true, known_.kind == Knowledge::Kind::Received
                                 ? QStringLiteral("the device already holds this data")
+                            : known_.kind == Knowledge::Kind::Verified
+                                ? QStringLiteral("the device holds this data (verified); "
+                                                 "nothing to send")
                                 : QStringLiteral("this data was sent to the device already; "
                                                  "nothing to send"));
         return 0;
     }
+    return startSending(image, image, messages);
+}
+
+int DeviceSession::sendAgain() {
+    if (operation_ != Operation::None || !output_ || !verifier_ ||
+        verifier_->outcome() != SendVerifier::Outcome::Differs)
+        return 0;
+    // The messages go again as they went; the image they are laid over is what the device was
+    // found to hold.
+    const QByteArray image = verifier_->sentImage();
+    const QByteArray base = verifier_->readImage();
+    const std::vector<QByteArray> messages = verifier_->messagesToSendAgain();
+    return startSending(image, base, messages);
+}
+
+int DeviceSession::startSending(const QByteArray& image, const QByteArray& base,
+                                const std::vector<QByteArray>& messages) {
+    if (messages.empty()) return 0;
     operation_ = Operation::Send;
     sending_ = image;
+    verifier_.reset();
+    if (verify_) {
+        const QByteArray header = Sysex::headerOr(header_, model_);
+        verifier_ =
+            std::make_unique<SendVerifier>(model_, header, Sysex::requestHeaderFor(header), base);
+    }
     total_ = done_ = 0;
     opMessages_ = 0;
     opTotalMessages_ = int(messages.size());
@@ -223,6 +262,49 @@ int DeviceSession::send(const QByteArray& image, bool onlyChanges) {
     emit started(operation_);
     emit progress(0, total_, qint64(wireTimeMs(total_)) + opTotalMessages_ * gapMs_);
     return opTotalMessages_;
+}
+
+void DeviceSession::startVerify() {
+    operation_ = Operation::Verify;
+    connect(verifier_.get(), &SendVerifier::progress, this,
+            [this](int got, int expected) { emit progress(got, expected, verifier_->msLeft()); });
+    connect(verifier_.get(), &SendVerifier::finished, this, &DeviceSession::verifyFinished);
+    emit started(operation_);
+    verifier_->start(*input_, paced_);
+}
+
+void DeviceSession::verifyFinished() {
+    // A retried request still queued must not go out with the next operation.
+    paced_.clear();
+    const QString sent = QStringLiteral("sent %1 messages, %2 bytes to %3")
+                             .arg(opMessages_)
+                             .arg(done_)
+                             .arg(outputName());
+    const QDateTime now = QDateTime::currentDateTime();
+    switch (verifier_->outcome()) {
+    case SendVerifier::Outcome::Verified:
+        known_ = {Knowledge::Kind::Verified, sending_, now, {}};
+        emit verified(sending_);
+        end(true,
+            QStringLiteral("%1; verified: read back, the device holds every byte sent").arg(sent));
+        return;
+    case SendVerifier::Outcome::Differs: {
+        // What the device was found to hold is known now: Send Changes sends the difference.
+        known_ = {Knowledge::Kind::Received, verifier_->readImage(), now, {}};
+        const int again = int(verifier_->messagesToSendAgain().size());
+        end(false, QStringLiteral("%1; read back, the device holds %2 byte(s) otherwise (in %3 "
+                                  "message(s))")
+                       .arg(sent)
+                       .arg(verifier_->differingBytes().size())
+                       .arg(again));
+        return;
+    }
+    case SendVerifier::Outcome::NoAnswer:
+    case SendVerifier::Outcome::Running:
+        details_ = verifier_->error();
+        end(false, QStringLiteral("%1; not verified: %2").arg(sent, verifier_->error()));
+        return;
+    }
 }
 
 void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) {
@@ -276,6 +358,11 @@ void DeviceSession::stop() {
         forgetDevice(QStringLiteral("a send was stopped part way at %1")
                          .arg(clock(QDateTime::currentDateTime())));
         message += QStringLiteral(": ") + sentSoFar();
+    }
+    if (operation_ == Operation::Verify) {
+        // Sent, but not read back.
+        verifier_->stop();
+        message += QStringLiteral(": the read-back of a send; not verified");
     }
     if (receiver_) {
         receiver_->disconnect(this);

@@ -12,10 +12,12 @@
 #include <QTimer>
 
 #include <memory>
+#include <vector>
 
 namespace ferrule {
 
 class DumpReceiver;
+class SendVerifier;
 
 // The device as the librarian talks to it: the chosen MIDI ports, and the long operations that
 // use them (send the model's data, send only what the device does not hold yet, receive or
@@ -24,18 +26,19 @@ class DumpReceiver;
 // The ports are watched while they are open: when the MIDI system stops or the device's port
 // goes away, the operation that needs it ends at once and says so, the port is closed, and the
 // session reopens it by itself once it is back. It remembers what is known of the device: what
-// was last received from it, or sent to it (not read back), in this run, and when.
+// was last received from it, or sent to it (read back and found the same, or not read back),
+// in this run, and when. With verify on, a send reads back what it sent and compares it.
 class DeviceSession : public QObject {
     Q_OBJECT
 public:
-    enum class Operation { None, Send, Receive, Request };
+    enum class Operation { None, Send, Receive, Request, Verify };
 
     // What is known of the data the device holds.
     struct Knowledge {
-        enum class Kind { Unknown, Received, Sent };
+        enum class Kind { Unknown, Received, Sent, Verified };
         Kind kind = Kind::Unknown;
-        QByteArray image; // Received or Sent: the image
-        QDateTime at;     // when it was received or sent
+        QByteArray image; // what it holds (Verified: sent and read back the same)
+        QDateTime at;     // when it was received, sent or verified
         QString why;      // Unknown: why nothing is known, when there is more to say
     };
 
@@ -72,6 +75,14 @@ public:
     // differ from what the device is known to hold (all of them when nothing is known). Returns
     // the number of messages queued (0: nothing to send).
     int send(const QByteArray& image, bool onlyChanges);
+    // Whether a send reads back what it sent and compares it (when there is an input port).
+    void setVerify(bool on) { verify_ = on; }
+    bool verifies() const { return verify_; }
+    // The last read-back of a send, or null: its outcome, what differed.
+    const SendVerifier* verification() const { return verifier_.get(); }
+    // Sends again the messages whose bytes the last read-back found different, then reads them
+    // back. Returns the number of messages queued (0: nothing to send).
+    int sendAgain();
     void receive(const QByteArray& base, bool request, int timeoutS = -1);
     void stop();
 
@@ -90,6 +101,8 @@ signals:
     void started(DeviceSession::Operation operation);
     void progress(qint64 done, qint64 total, qint64 msLeft);
     void finished(bool ok, const QString& message);
+    // A send was read back and the device holds every byte sent: `image` is what it holds.
+    void verified(const QByteArray& image);
     void messageIn(const QByteArray& message);
     void messageOut(const QByteArray& message);
     // A port was lost or came back, or the choice changed.
@@ -101,6 +114,10 @@ private:
     bool openSide(const MidiPortList& list, const QString& name, bool input, QString* error);
     void watchPorts();
     QString sentSoFar() const;
+    int startSending(const QByteArray& image, const QByteArray& base,
+                     const std::vector<QByteArray>& messages);
+    void startVerify();
+    void verifyFinished();
 
     std::unique_ptr<MidiInput> input_;
     std::shared_ptr<MidiOutput> output_;
@@ -117,6 +134,8 @@ private:
     Operation operation_ = Operation::None;
     Knowledge known_;
     QByteArray sending_; // the image being sent
+    bool verify_ = false;
+    std::unique_ptr<SendVerifier> verifier_;
     // The operation under way: its messages and bytes, and the clock of a send.
     int opMessages_ = 0, opTotalMessages_ = 0;
     qint64 total_ = 0, done_ = 0;

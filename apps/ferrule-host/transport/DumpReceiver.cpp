@@ -29,7 +29,7 @@ void DumpReceiver::start() {
     clock_.start();
     connect(&input_, &MidiInput::messageReceived, this, &DumpReceiver::onMessage);
     if (options_.request) {
-        ranges_ = assembler_.map().mappedRanges();
+        ranges_ = options_.ranges.empty() ? assembler_.map().mappedRanges() : options_.ranges;
         // Each range's exchange on the wire: the request and the answer, once for the whole run.
         for (const DumpMap::Range& r : ranges_)
             exchangeWireMs_.push_back(wireTimeMs(requestFor(r).size() + expectedAnswerBytes(r)));
@@ -127,7 +127,7 @@ void DumpReceiver::onMessage(const QByteArray& message) {
     }
     ++applied_;
     wireBytes_ += message.size();
-    emit progress(assembler_.unitsReceived(), assembler_.unitsExpected());
+    emit progress(std::min(assembler_.unitsReceived(), unitsExpected()), unitsExpected());
     if (assembler_.complete()) {
         finish({});
         return;
@@ -136,13 +136,24 @@ void DumpReceiver::onMessage(const QByteArray& message) {
         timer_.start(options_.silenceTimeoutMs);
         return;
     }
-    if (currentRangeComplete()) {
+    if (rangeIndex_ < ranges_.size() && currentRangeComplete()) {
         while (rangeIndex_ < ranges_.size() && currentRangeComplete())
             ++rangeIndex_;
         tries_ = 0;
         lastExchangeEndMs_ = double(clock_.nsecsElapsed()) / 1e6;
-        if (rangeIndex_ < ranges_.size()) sendRequest();
+        if (rangeIndex_ < ranges_.size())
+            sendRequest();
+        else
+            finish({});
     }
+}
+
+int DumpReceiver::unitsExpected() const {
+    if (options_.ranges.empty()) return assembler_.unitsExpected();
+    int units = 0;
+    for (const DumpMap::Range& r : options_.ranges)
+        units += r.units;
+    return units;
 }
 
 void DumpReceiver::onTimeout() {
@@ -158,7 +169,10 @@ void DumpReceiver::onTimeout() {
             return;
         }
         const DumpMap::Range& r = ranges_[rangeIndex_];
-        details_ = QStringLiteral("missing %1").arg(assembler_.missingText(1 << 20));
+        details_ =
+            options_.ranges.empty()
+                ? QStringLiteral("missing %1").arg(assembler_.missingText(1 << 20))
+                : QStringLiteral("no answer from %1 on").arg(addressText(packedAddress(r.address)));
         finish(QStringLiteral("no answer for %1 (request %2 of %3, %4 tries)%5")
                    .arg(rangeName(r))
                    .arg(rangeIndex_ + 1)

@@ -30,6 +30,9 @@ public:
         int firstTimeoutMs = 60000;   // receive: silence before the first message
         int silenceTimeoutMs = 10000; // receive: silence once data flows
         int retries = 2;              // request: tries after the first, per range
+        // Request: the address ranges to ask for, ascending; empty for every mapped range. The
+        // read ends when these have arrived.
+        std::vector<DumpMap::Range> ranges;
     };
 
     DumpReceiver(Options options, QByteArray baseImage, MidiInput& input, PacedOutput* requests,
@@ -45,6 +48,8 @@ public:
     // The time the rest takes, from what is left on the wire and what the exchanges so far
     // have taken beyond their wire time.
     qint64 msLeft() const;
+    // Units asked for: the ranges', or the whole map's.
+    int unitsExpected() const;
     int applied() const { return applied_; }
     int foreign() const { return foreign_; }
     int badChecksums() const { return badChecksums_; }

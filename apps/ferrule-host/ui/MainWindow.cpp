@@ -10,6 +10,7 @@
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
+#include "transport/SendVerifier.h"
 
 #include <QAction>
 #include <QApplication>
@@ -30,6 +31,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
+
+#include <utility>
 
 namespace ferrule {
 
@@ -99,6 +102,17 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         return box.clickedButton() == read  ? UnknownDeviceAnswer::ReadFirst
                : box.clickedButton() == all ? UnknownDeviceAnswer::SendEverything
                                             : UnknownDeviceAnswer::Cancel;
+    };
+
+    askSendAgain_ = [this](const QString& text, const QStringList& lines) {
+        QMessageBox box(QMessageBox::Warning, kTitle, text, QMessageBox::NoButton, this);
+        box.setTextFormat(Qt::RichText);
+        box.setDetailedText(lines.join(QLatin1Char('\n')));
+        QPushButton* again = box.addButton(QStringLiteral("Send Again"), QMessageBox::AcceptRole);
+        box.addButton(QMessageBox::Close);
+        box.setDefaultButton(again);
+        box.exec();
+        return box.clickedButton() == again;
     };
 
     auto* central = new QWidget(this);
@@ -212,7 +226,9 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         showPorts();
         refreshState();
     });
-    connect(&device_, &DeviceSession::started, this, [this] {
+    connect(&device_, &DeviceSession::started, this, [this](DeviceSession::Operation op) {
+        readingBack_ = op == DeviceSession::Operation::Verify;
+        if (readingBack_) say(QStringLiteral("reading back what was sent…"));
         progress_->setRange(0, 0);
         refreshState();
     });
@@ -301,6 +317,15 @@ void MainWindow::buildActions() {
     stop_ = add(
         deviceMenu, QStringLiteral("S&top"), [this] { device_.stop(); },
         QKeySequence(Qt::Key_Escape));
+    // On unless turned off: a send is read back and compared with what was sent.
+    verify_ = add(deviceMenu, QStringLiteral("&Verify After Send"), [this](bool on) {
+        device_.setVerify(on);
+        writeSetting(QStringLiteral("VerifyAfterSend"),
+                     on ? QStringLiteral("1") : QStringLiteral("0"));
+    });
+    verify_->setCheckable(true);
+    verify_->setChecked(readSetting(QStringLiteral("VerifyAfterSend")) != QLatin1String("0"));
+    device_.setVerify(verify_->isChecked());
     deviceMenu->addSeparator();
     add(
         deviceMenu, QStringLiteral("Refresh &Ports"), [this] { refreshPorts(); },
@@ -465,6 +490,12 @@ QString MainWindow::deviceStateText() const {
                    ? QStringLiteral("holds this data (read from it at %1)").arg(at)
                    : QStringLiteral("holds other data (read from it at %1): Send Changes sends "
                                     "the difference")
+                         .arg(at);
+    else if (k.kind == Kind::Verified)
+        text = k.image == document_.image()
+                   ? QStringLiteral("holds this data (sent and verified at %1)").arg(at)
+                   : QStringLiteral("holds other data (sent and verified at %1): Send Changes "
+                                    "sends the difference")
                          .arg(at);
     else if (k.kind == Kind::Sent)
         text = k.image == document_.image()
@@ -783,11 +814,39 @@ void MainWindow::operationFinished(bool ok, const QString& message) {
         refreshState();
         return;
     }
+    const bool readBack = std::exchange(readingBack_, false);
     if (ok && !device_.received().isEmpty() && message.startsWith(QLatin1String("received"))) {
         takeImage(device_.received(), message);
     } else {
         say(ok ? message : QStringLiteral("failed: %1").arg(message));
     }
+    refreshState();
+    // Asked once the device session has finished its own work.
+    if (readBack && device_.verification() &&
+        device_.verification()->outcome() == SendVerifier::Outcome::Differs)
+        QMetaObject::invokeMethod(this, &MainWindow::offerSendAgain, Qt::QueuedConnection);
+}
+
+void MainWindow::offerSendAgain() {
+    const SendVerifier* v = device_.verification();
+    if (!v || v->outcome() != SendVerifier::Outcome::Differs) return;
+    const QStringList lines = v->differenceLines();
+    const int messages = int(v->messagesToSendAgain().size());
+    // The settings one a line, unwrapped; the whole list is under Show Details.
+    QStringList shown = lines.mid(0, 12);
+    if (lines.size() > 12) shown << QStringLiteral("… and %1 more").arg(lines.size() - 12);
+    const QString text =
+        QStringLiteral("<p>The device holds %1 setting(s) otherwise than they were sent (sent "
+                       "-&gt; held):</p><p style=\"white-space:pre\">%2</p><p>Send the %3 "
+                       "message(s) that carry them again?</p>")
+            .arg(lines.size())
+            .arg(shown.join(QLatin1Char('\n'))
+                     .toHtmlEscaped()
+                     .replace(QLatin1Char('\n'), QStringLiteral("<br>")))
+            .arg(messages);
+    if (!askSendAgain_(text, lines)) return;
+    const int queued = device_.sendAgain();
+    if (queued > 0) say(QStringLiteral("sending %1 messages again…").arg(queued));
     refreshState();
 }
 

@@ -53,6 +53,10 @@ public:
     using AskUnknownDevice = std::function<UnknownDeviceAnswer()>;
     void setAskUnknownDevice(AskUnknownDevice ask) { askUnknown_ = std::move(ask); }
     void setAskAfterFailedSave(AskAfterFailedSave ask) { askFailed_ = std::move(ask); }
+    // A send read back with differences: the question (rich text) and the lines, "… sent ->
+    // held"; true sends those messages again.
+    using AskSendAgain = std::function<bool(const QString& text, const QStringList& lines)>;
+    void setAskSendAgain(AskSendAgain ask) { askSendAgain_ = std::move(ask); }
     // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
     using AskReadOnly = std::function<bool(const QString& text)>;
     void setAskReadOnly(AskReadOnly ask) { askReadOnly_ = std::move(ask); }
@@ -98,6 +102,8 @@ private:
     bool maybeSave();
     void startReceive(bool request);
     void operationFinished(bool ok, const QString& message);
+    // After a read-back that found differences: lists them and offers to send them again.
+    void offerSendAgain();
     void say(const QString& message);
     // The document's read warnings, on the status bar.
     void showReadWarnings();
@@ -124,12 +130,14 @@ private:
     QPushButton* editButton_ = nullptr;
     QAction* edit_ = nullptr;
     QAction *save_ = nullptr, *receive_ = nullptr, *request_ = nullptr, *send_ = nullptr,
-            *sendChanges_ = nullptr, *stop_ = nullptr;
+            *sendChanges_ = nullptr, *stop_ = nullptr, *verify_ = nullptr;
     QString lastResult_;
     QString systemProblem_;
     // The ports open when the link last changed, and whether their loss has been said.
     bool hadInput_ = false, hadOutput_ = false, lossSaid_ = false;
     bool sendAfterRead_ = false;
+    bool readingBack_ = false; // the operation under way reads back a send
+    AskSendAgain askSendAgain_;
     AskSave askSave_;
     AskUnknownDevice askUnknown_;
     AskAfterFailedSave askFailed_;
