@@ -15,7 +15,7 @@ class SystemDocument;
 inline constexpr int kExitBadInput = 2;
 inline constexpr int kExitDevice = 3;
 // --transmit --verify: the device holds other values than were sent.
-inline constexpr int kExitDiffers = 4;
+inline constexpr int kExitNotVerified = 4;
 
 // Prints one "ferrule-host: …" line on stderr and returns the code.
 int fail(int code, const QString& line);

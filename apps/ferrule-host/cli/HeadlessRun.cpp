@@ -184,7 +184,7 @@ void HeadlessRun::reportVerification() {
                      "ferrule-host: not verified: the GT-%d holds %d setting(s) otherwise "
                      "than sent (sent -> held)\n",
                      options_.model, int(lines.size()));
-        status_ = kExitDiffers;
+        status_ = kExitNotVerified;
         break;
     }
     case SendVerifier::Outcome::NoAnswer:
