@@ -1,22 +1,36 @@
 #!/usr/bin/env bash
-# Whole-process wall time of `ferrule-host --main-screenshot` (the main window, with its settings
-# view, rendered headless) against the same command of another build (the base: a build of the
-# main branch), for each model, runs alternating, medians and their ratio.
+# Whole-process `ferrule-host --main-screenshot` (the main window, with its settings view,
+# rendered headless) against the same command of another build (the base: a build of the main
+# branch), for each model, runs alternating: medians of the wall time and of the CPU time (user
+# and system; it hardly depends on how busy the machine is), and their ratios.
 # Usage: bench/main_window_vs_base.sh base-build [build-dir] [runs]
 set -euo pipefail
 base="$1/bin/ferrule-host"
 shift
 # shellcheck source=process_common.sh
 source "$(dirname "$0")/process_common.sh" "$@"
+# "wall-us cpu-us" of one run.
+measure() {
+    python3 -c '
+import resource, subprocess, sys, time
+cpu = lambda r: r.ru_utime + r.ru_stime
+before = resource.getrusage(resource.RUSAGE_CHILDREN)
+start = time.monotonic_ns()
+subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+wall = (time.monotonic_ns() - start) // 1000
+after = resource.getrusage(resource.RUSAGE_CHILDREN)
+print(wall, int((cpu(after) - cpu(before)) * 1e6))' "$@"
+}
 for model in 3 5 6 8 10; do
     : >"$root/new"; : >"$root/base"
     "$host" --model "$model" --main-screenshot "$root/n.png" >/dev/null 2>&1 # warm-up
     "$base" --model "$model" --main-screenshot "$root/b.png" >/dev/null 2>&1
     for _ in $(seq "$runs"); do
-        us "$host" --model "$model" --main-screenshot "$root/n.png" >>"$root/new"
-        us "$base" --model "$model" --main-screenshot "$root/b.png" >>"$root/base"
+        measure "$host" --model "$model" --main-screenshot "$root/n.png" >>"$root/new"
+        measure "$base" --model "$model" --main-screenshot "$root/b.png" >>"$root/base"
     done
-    n=$(median <"$root/new"); b=$(median <"$root/base")
-    awk -v m="$model" -v n="$n" -v b="$b" -v r="$runs" \
-        'BEGIN { printf "GT-%s: this build %.1f ms, base %.1f ms, ratio %.2f (medians of %d)\n", m, n/1000, b/1000, n/b, r }'
+    nw=$(cut -d' ' -f1 "$root/new" | median); bw=$(cut -d' ' -f1 "$root/base" | median)
+    nc=$(cut -d' ' -f2 "$root/new" | median); bc=$(cut -d' ' -f2 "$root/base" | median)
+    awk -v m="$model" -v nw="$nw" -v bw="$bw" -v nc="$nc" -v bc="$bc" -v r="$runs" \
+        'BEGIN { printf "GT-%s: wall: this build %.1f ms, base %.1f ms, ratio %.2f; CPU: %.1f ms, %.1f ms, ratio %.2f (medians of %d)\n", m, nw/1000, bw/1000, nw/bw, nc/1000, bc/1000, nc/bc, r }'
 done

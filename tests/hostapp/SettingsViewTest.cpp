@@ -221,18 +221,16 @@ TEST_P(SettingsViewTest, AComparedFileMarksExactlyTheParametersThatDifferAndTaki
     EXPECT_TRUE(view.note()->text().contains(settingsDiffer(int(changed.size()))))
         << qPrintable(view.note()->text());
 
+    // Only differences: exactly the marked ones.
+    view.onlyDifferencesBox()->setChecked(true);
+    EXPECT_EQ(shown(view), changed);
     if (model() == 10) {
         // For the gallery (and the README).
         w->show();
-        view.tree()->setCurrentIndex(view.filter()->mapFromSource(m.indexOf(*changed.begin())));
         QApplication::processEvents();
         QDir().mkpath(QStringLiteral(FERRULE_GALLERY_DIR));
         w->grab().save(QStringLiteral(FERRULE_GALLERY_DIR "/compare.png"));
     }
-
-    // Only differences: exactly the marked ones.
-    view.onlyDifferencesBox()->setChecked(true);
-    EXPECT_EQ(shown(view), changed);
 
     // Take Value on one, Take Page on another's page, Take All: each changes exactly the bytes
     // of the differing parameters it takes, to the file's, and one undo restores them.

@@ -4,6 +4,7 @@
 
 #include <QBrush>
 #include <QFont>
+#include <QHash>
 
 namespace ferrule {
 
@@ -54,9 +55,12 @@ void SettingsModel::build() {
     names_.clear();
     // A node per parameter, and about one per page or heading for every ten.
     nodes_.reserve(parameters_.size() + parameters_.size() / 10 + 16);
-    // The index lists a page's parameters together, in reading order: a page or heading node is
-    // made where its caption first appears.
-    int page = -1, heading = -1;
+    // The index lists a page's parameters together, in reading order: a page node is made where
+    // its caption first appears, and a heading node where the heading first appears on the page;
+    // the instances of a heading that recurs (a custom tone's preamp, then its speaker, then the
+    // next tone's preamp) gather under one node.
+    int page = -1;
+    QHash<QString, int> headings;
     const auto add = [this](int parent, const QString& text) {
         const int n = int(nodes_.size());
         nodes_.push_back({parent, 0, text, {}, -1});
@@ -69,13 +73,14 @@ void SettingsModel::build() {
         const Parameter& p = parameters_[i];
         if (page < 0 || nodes_[std::size_t(page)].text != p.page) {
             page = add(-1, p.page);
-            heading = -1;
+            headings.clear();
         }
         int parent = page;
         if (!p.heading.isEmpty()) {
-            if (heading < 0 || nodes_[std::size_t(heading)].text != p.heading)
-                heading = add(page, p.heading);
-            parent = heading;
+            auto heading = headings.find(p.heading);
+            if (heading == headings.end())
+                heading = headings.insert(p.heading, add(page, p.heading));
+            parent = *heading;
         }
         const int leaf = add(parent, QString());
         nodes_[std::size_t(leaf)].parameter = int(i);

@@ -45,10 +45,10 @@ SettingsView::SettingsView(QWidget* parent)
     tree_->setSelectionBehavior(QAbstractItemView::SelectRows);
     tree_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     tree_->setAccessibleName(QStringLiteral("Settings"));
-    tree_->header()->setStretchLastSection(false);
-    tree_->header()->setSectionResizeMode(SettingsModel::Setting, QHeaderView::Stretch);
+    // The values next to their captions; the last column shown takes what is left.
+    tree_->header()->resizeSection(SettingsModel::Setting, 380);
     for (int c = SettingsModel::Value; c < SettingsModel::ColumnCount; ++c)
-        tree_->header()->resizeSection(c, 150);
+        tree_->header()->resizeSection(c, 160);
     tree_->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     takeValue_ = new QAction(QStringLiteral("Take &Value"), this);
@@ -76,18 +76,18 @@ SettingsView::SettingsView(QWidget* parent)
 
     connect(filterBox_, &QLineEdit::textChanged, this, [this](const QString& text) {
         filter_->setText(text);
-        tree_->expandAll();
+        expand();
     });
     connect(onlyDifferences_, &QCheckBox::toggled, this, [this](bool only) {
         filter_->setOnlyDifferences(only);
-        tree_->expandAll();
+        expand();
     });
     connect(tree_, &QTreeView::activated, this, [this](const QModelIndex& index) {
         const QModelIndex source = filter_->mapToSource(index);
         if (model_->parameter(source)) emit openRequested(model_->page(source));
     });
     connect(model_, &QAbstractItemModel::modelReset, this, [this] {
-        tree_->expandAll();
+        expand();
         updateColumns();
         updateNote();
     });
@@ -97,6 +97,17 @@ SettingsView::SettingsView(QWidget* parent)
             &SettingsView::updateActions);
     updateColumns();
     updateActions();
+}
+
+void SettingsView::expand() {
+    // What the filter lets through is shown whole; unfiltered, the pages are an overview with
+    // the first one open.
+    if (!filter_->text().isEmpty() || filter_->onlyDifferences()) {
+        tree_->expandAll();
+        return;
+    }
+    tree_->collapseAll();
+    tree_->expandRecursively(filter_->index(0, 0));
 }
 
 void SettingsView::setOtherSide(SettingsModel::Side side, const QString& name) {

@@ -54,6 +54,7 @@ signals:
     void takeRequested(const std::vector<const Parameter*>& parameters, const QString& step);
 
 private:
+    void expand();
     void updateNote();
     void updateColumns();
     void updateActions();
