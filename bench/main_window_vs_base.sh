@@ -9,18 +9,6 @@ base="$1/bin/ferrule-host"
 shift
 # shellcheck source=process_common.sh
 source "$(dirname "$0")/process_common.sh" "$@"
-# "wall-us cpu-us" of one run.
-measure() {
-    python3 -c '
-import resource, subprocess, sys, time
-cpu = lambda r: r.ru_utime + r.ru_stime
-before = resource.getrusage(resource.RUSAGE_CHILDREN)
-start = time.monotonic_ns()
-subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-wall = (time.monotonic_ns() - start) // 1000
-after = resource.getrusage(resource.RUSAGE_CHILDREN)
-print(wall, int((cpu(after) - cpu(before)) * 1e6))' "$@"
-}
 for model in 3 5 6 8 10; do
     : >"$root/new"; : >"$root/base"
     "$host" --model "$model" --main-screenshot "$root/n.png" >/dev/null 2>&1 # warm-up
