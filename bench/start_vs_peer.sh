@@ -13,22 +13,7 @@ set -euo pipefail
 # shellcheck source=process_common.sh
 source "$(dirname "$0")/process_common.sh"
 peer="$build/bin/ferrule_stock_peer"
-prio=()
-[ "$(nice -n -5 nice 2>/dev/null)" = "$(($(nice) - 5))" ] && prio=(nice -n -5)
 
-# Wall time and CPU time (user and system, microseconds) and peak RSS (kilobytes) of one run.
-# The CPU time hardly depends on how busy the machine is; the wall time does.
-measure() {
-    python3 -c '
-import resource, subprocess, sys, time
-cpu = lambda r: r.ru_utime + r.ru_stime
-before = resource.getrusage(resource.RUSAGE_CHILDREN)
-start = time.monotonic_ns()
-subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-wall = (time.monotonic_ns() - start) // 1000
-after = resource.getrusage(resource.RUSAGE_CHILDREN)
-print(wall, int((cpu(after) - cpu(before)) * 1e6), after.ru_maxrss)' "${prio[@]}" "$@"
-}
 # Microseconds from the start of a process to the end of its first paint on the X server; the
 # process is ended then.
 first_frame() {

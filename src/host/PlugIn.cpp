@@ -129,10 +129,9 @@ void PlugIn::Start() {
     if (!form.isLoaded()) form.Form_Load();
     QVariant stored = 0;
     int page = 1;
-    if (RegRead(RegRoot::LocalMachine, kEditorKey,
-                QStringLiteral("SysLastDisp%1").arg(state_->model), stored))
+    if (RegRead(RegRoot::LocalMachine, kEditorKey, lastPageValue(state_->model), stored))
         page = stored.toInt();
-    if (page < 0 || page > 10) page = 1;
+    if (page < 0 || page > kLastPageKept) page = 1;
     form.ShowTab(page);
     form.exec();
 }

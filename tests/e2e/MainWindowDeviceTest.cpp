@@ -1,17 +1,20 @@
 // The librarian's window against ferrule-device over JACK: request, an edit through the real
-// editor, send changes; ports remembered across starts, and a port that vanished.
+// editor, a comparison with the device, send changes; ports remembered across starts, and a port
+// that vanished.
 
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "JackServer.h"
 #include "MonitorCounts.h"
 #include "QtPrinters.h"
+#include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
 #include "device/DumpMap.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 #include "ui/MainWindow.h"
 #include "ui/MidiMonitor.h"
+#include "ui/SettingsView.h"
 
 #include <QDir>
 #include <QFile>
@@ -86,6 +89,19 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         EditorDriver driver;
         driver.arm();
         ASSERT_TRUE(w.edit()) << qPrintable(w.lastResult());
+
+        // Compare with the device: a request that leaves the document as it is; the edited
+        // parameter alone differs.
+        const QByteArray edited = w.document().image();
+        w.compareWithDevice();
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        EXPECT_EQ(w.document().image(), edited);
+        const SettingsModel& settings = *w.settingsView()->model();
+        EXPECT_EQ(settings.differences(SettingsModel::DeviceSide), 1);
+        EXPECT_TRUE(settings.differs(ParameterIndex::of(model).covering(driver.memLoc),
+                                     SettingsModel::DeviceSide));
+        EXPECT_TRUE(w.lastResult().contains(settingsDiffer(1))) << qPrintable(w.lastResult());
+
         const int before = dataSetsOut(w.monitor()->model());
         ASSERT_GT(w.device().send(w.document().image(), true), 0);
         ASSERT_TRUE(waitForEnd(w, 30000)) << qPrintable(w.lastResult());

@@ -3,9 +3,13 @@
 #include "FailedSaveDialog.h"
 #include "MidiMonitor.h"
 #include "RecoveryQuestion.h"
+#include "SettingsView.h"
+#include "catalogue/PageCatalogue.h"
 #include "cli/DeviceRuns.h"
+#include "device/ModelDescription.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "document/ImageEdit.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
@@ -31,6 +35,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 #include <QToolButton>
+#include <QUndoStack>
+#include <QVBoxLayout>
 
 #include <utility>
 
@@ -52,6 +58,21 @@ QString readSetting(const QString& name) {
 void writeSetting(const QString& name, const QString& value) {
     RegCreateKey(RegRoot::LocalMachine, kHostKey);
     RegWrite(RegRoot::LocalMachine, kHostKey, name, value);
+}
+
+// The page a tab opens, by the tab's caption; -1 for none.
+int tabPage(const QString& caption) {
+    for (int tab = 0; tab < kTabCount; ++tab)
+        if (caption == QLatin1String(PageCatalogue::tabCaption(tab)))
+            return kTabPages[std::size_t(tab)];
+    return -1;
+}
+
+// A long text takes the window's width and wraps, as high as it needs at that width.
+void wrapWide(QLabel* label) {
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    label->setSizePolicy(policy);
 }
 
 QString formatName(DataFormat f) {
@@ -116,7 +137,9 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     };
 
     auto* central = new QWidget(this);
-    auto* form = new QFormLayout(central);
+    auto* outer = new QVBoxLayout(central);
+    auto* form = new QFormLayout;
+    outer->addLayout(form);
     // Fields keep their size, but for the long texts, which take the width and wrap.
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     modelBox_ = new QComboBox(central);
@@ -155,7 +178,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     });
     form->addRow(QStringLiteral("Last:"), result_);
     for (QLabel* text : {summary_, deviceState_, portLabel_, result_})
-        text->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+        wrapWide(text);
     form->addRow(QString(), editButton_);
     // What to do first, while the window holds nothing but the default data.
     hint_ = new QLabel(
@@ -171,8 +194,14 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     hint_->setBackgroundRole(QPalette::ToolTipBase);
     hint_->setForegroundRole(QPalette::ToolTipText);
     hint_->setAutoFillBackground(true);
-    hint_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    form->insertRow(0, hint_);
+    wrapWide(hint_);
+    outer->insertWidget(0, hint_);
+    undo_ = new QUndoStack(this);
+    view_ = new SettingsView(central);
+    view_->model()->setModel(document_.model());
+    outer->addWidget(view_, 1);
+    connect(view_, &SettingsView::openRequested, this, &MainWindow::editPage);
+    connect(view_, &SettingsView::takeRequested, this, &MainWindow::takeValuesOf);
     setCentralWidget(central);
 
     monitor_ = new MidiMonitor(this);
@@ -180,6 +209,8 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     dock->setObjectName(QStringLiteral("MidiMonitorDock"));
     dock->setWidget(monitor_);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
+    // The settings take the room; the monitor starts low.
+    resizeDocks({dock}, {150}, Qt::Vertical);
     connect(&device_, &DeviceSession::messageIn, monitor_->model(),
             [this](const QByteArray& m) { monitor_->model()->add(true, m); });
     connect(&device_, &DeviceSession::messageOut, monitor_->model(),
@@ -237,7 +268,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     buildPorts();
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
-    resize(920, 560);
+    resize(960, 720);
     showReadWarnings();
     refreshState();
 }
@@ -294,9 +325,32 @@ void MainWindow::buildActions() {
         file, QStringLiteral("&Quit"), [this] { close(); }, QKeySequence::Quit);
 
     QMenu* editMenu = menuBar()->addMenu(QStringLiteral("&Edit"));
+    undoAction_ = add(
+        editMenu, QStringLiteral("&Undo"), [this] { undo_->undo(); }, QKeySequence::Undo);
+    redoAction_ = add(
+        editMenu, QStringLiteral("&Redo"), [this] { undo_->redo(); }, QKeySequence::Redo);
+    connect(undo_, &QUndoStack::indexChanged, this, &MainWindow::updateUndoActions);
+    editMenu->addSeparator();
     edit_ = add(
         editMenu, QStringLiteral("&Edit System Settings…"), [this] { edit(); },
         QKeySequence(Qt::CTRL | Qt::Key_E));
+    editMenu->addSeparator();
+    add(editMenu, QStringLiteral("Compare with &File…"), [this] {
+        const QString path = QFileDialog::getOpenFileName(
+            this, QStringLiteral("Compare with system data"), QString(),
+            QStringLiteral("System data (*.syx *.bin *.raw);;All files (*)"));
+        if (!path.isEmpty()) compareWithFile(path);
+    });
+    compareDevice_ =
+        add(editMenu, QStringLiteral("Compare with &Device"), [this] { compareWithDevice(); });
+    clearComparison_ = add(editMenu, QStringLiteral("&Clear Comparison"), [this] {
+        view_->model()->setImage(SettingsModel::ComparedSide, {});
+        view_->setOtherSide(SettingsModel::DocumentSide, {});
+        say(QStringLiteral("the comparison is cleared"));
+        refreshState();
+    });
+    editMenu->addSeparator();
+    editMenu->addActions(view_->takeActions());
 
     QMenu* deviceMenu = menuBar()->addMenu(QStringLiteral("&Device"));
     // A greyed item says why, as on the tool bar.
@@ -346,6 +400,7 @@ void MainWindow::buildActions() {
     tools->setObjectName(QStringLiteral("DeviceToolBar"));
     for (QAction* a : {receive_, request_, send_, sendChanges_, stop_})
         tools->addAction(a);
+    updateUndoActions();
 }
 
 void MainWindow::buildPorts() {
@@ -533,6 +588,7 @@ void MainWindow::updateLock() {
 
 bool MainWindow::offerRecovery() {
     if (!journal_.offerRecovery(document_, askRecover_)) return false;
+    documentReplaced();
     say(QStringLiteral("recovered the changes that were not saved"));
     refreshState();
     return true;
@@ -583,6 +639,18 @@ void MainWindow::refreshState() {
     enableAction(sendChanges_, outWhy);
     enableAction(stop_,
                  idle ? QStringLiteral("no transfer with the device is running") : QString());
+    enableAction(compareDevice_, !inWhy.isEmpty() ? inWhy : outWhy);
+    // The document by parameter, beside what the device is known to hold.
+    SettingsModel* settings = view_->model();
+    settings->setModel(document_.model());
+    settings->setImage(SettingsModel::DocumentSide, document_.image());
+    settings->setImage(SettingsModel::DeviceSide,
+                       device_.knowsDevice() ? device_.knowledge().image : QByteArray());
+    enableAction(clearComparison_, settings->known(SettingsModel::ComparedSide)
+                                       ? QString()
+                                       : QStringLiteral("nothing is compared"));
+    view_->setTakeBlocked(idle ? QString() : busy);
+    updateUndoActions();
     // An edit while the device's data arrives would be overwritten by it, and what a transfer
     // learns of the device belongs to the model it started with.
     enable(modelBox_, idle ? QString() : busy,
@@ -607,8 +675,34 @@ void MainWindow::say(const QString& message) {
     result_->setText(shown);
 }
 
+void MainWindow::documentReplaced() {
+    undo_->clear();
+    view_->model()->setImage(SettingsModel::ComparedSide, {});
+    view_->setOtherSide(SettingsModel::DocumentSide, {});
+}
+
+void MainWindow::updateUndoActions() {
+    // Not while the device's data arrives: it would replace the document under the step. A
+    // greyed action says why.
+    const bool idle = device_.busy() == DeviceSession::Operation::None;
+    const auto update = [idle](QAction* action, const QString& verb, bool can,
+                               const QString& step) {
+        action->setText(can ? QStringLiteral("&%1 %2").arg(verb, step)
+                            : QStringLiteral("&%1").arg(verb));
+        const QString why = !idle  ? QStringLiteral("a transfer with the device is running")
+                            : !can ? QStringLiteral("nothing to %1").arg(verb.toLower())
+                                   : QString();
+        action->setEnabled(why.isEmpty());
+        action->setToolTip(why.isEmpty() ? QStringLiteral("%1 %2").arg(verb, step)
+                                         : QStringLiteral("Not now: %1").arg(why));
+    };
+    update(undoAction_, QStringLiteral("Undo"), undo_->canUndo(), undo_->undoText());
+    update(redoAction_, QStringLiteral("Redo"), undo_->canRedo(), undo_->redoText());
+}
+
 void MainWindow::newDocument() {
     document_ = SystemDocument(document_.model(), options_.dataSetHeader(document_.model()));
+    documentReplaced();
     say(QStringLiteral("new GT-%1 system data from the defaults").arg(document_.model()));
     refreshState();
 }
@@ -656,6 +750,7 @@ bool MainWindow::openFile(const QString& path) {
         doc->setReadOnly(true);
     }
     document_ = std::move(*doc);
+    documentReplaced();
     modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));
     device_.setHeader(document_.model(), options_.sysexHeader);
     rememberRecent(path);
@@ -706,15 +801,82 @@ void MainWindow::switchModel(int model) {
         if (reopened) next = std::move(*reopened);
     }
     document_ = std::move(next);
+    documentReplaced();
     device_.setHeader(model, options_.sysexHeader);
     say(QStringLiteral("now editing the GT-%1").arg(model));
     refreshState();
 }
 
-void MainWindow::takeImage(const QByteArray& image, const QString& why) {
-    document_.setImage(image);
+void MainWindow::takeImage(const QByteArray& image, const QString& why, const QString& step) {
+    if (image != document_.image())
+        undo_->push(new ImageEdit(
+            step.isEmpty() ? why : step, document_.image(), image,
+            [this] { return document_.image(); },
+            [this](const QByteArray& next, const QString& what) {
+                document_.setImage(next);
+                say(what);
+                refreshState();
+            }));
     say(why);
     refreshState();
+}
+
+void MainWindow::takeValuesOf(const std::vector<const Parameter*>& parameters,
+                              const QString& step) {
+    const SettingsModel* settings = view_->model();
+    const SettingsModel::Side side = view_->otherSide();
+    if (side == SettingsModel::DocumentSide || !settings->known(side)) return;
+    int differing = 0;
+    for (const Parameter* p : parameters)
+        differing += settings->differs(p, side) ? 1 : 0;
+    if (differing == 0) {
+        say(QStringLiteral("%1: nothing to take, the values are the same").arg(step));
+        return;
+    }
+    takeImage(takeValues(document_.image(), settings->image(side), parameters),
+              QStringLiteral("took %1 %2 from %3")
+                  .arg(differing)
+                  .arg(differing == 1 ? QStringLiteral("value") : QStringLiteral("values"),
+                       view_->otherName()),
+              step);
+}
+
+bool MainWindow::compareWithFile(const QString& path) {
+    // The one place a compared file is read: in every form the document itself can be opened
+    // from.
+    QString error;
+    const std::optional<SystemDocument> other = SystemDocument::open(
+        path, document_.model(), options_.dataSetHeader(document_.model()), &error);
+    if (!other) {
+        say(QStringLiteral("not compared: %1").arg(error));
+        return false;
+    }
+    view_->model()->setImage(SettingsModel::ComparedSide, other->image());
+    view_->setOtherSide(SettingsModel::ComparedSide, QFileInfo(path).fileName());
+    refreshState();
+    const int count = view_->model()->differences(SettingsModel::ComparedSide);
+    say(QStringLiteral("compared with %1: %2").arg(path, settingsDiffer(count)));
+    return true;
+}
+
+void MainWindow::compareWithDevice() {
+    compareAfterRead_ = true;
+    startReceive(true);
+    if (device_.busy() == DeviceSession::Operation::None) compareAfterRead_ = false;
+}
+
+bool MainWindow::editPage(const QString& page) {
+    // The editor starts on the page it remembers for the model, which it reads from the
+    // settings store: that is where the host sets it.
+    // It keeps only the first pages so; for the others it starts on the first.
+    const int number = tabPage(page);
+    const bool taken = number >= 0 && number <= kLastPageKept;
+    RegCreateKey(RegRoot::LocalMachine, kEditorKey);
+    RegWrite(RegRoot::LocalMachine, kEditorKey, lastPageValue(document_.model()),
+             taken ? number : 1);
+    if (!taken)
+        say(QStringLiteral("the editor starts on its System page: choose its %1 tab").arg(page));
+    return edit();
 }
 
 bool MainWindow::edit() {
@@ -755,7 +917,7 @@ bool MainWindow::edit() {
         return false;
     }
     if (result.changed) {
-        takeImage(result.image, QStringLiteral("edited"));
+        takeImage(result.image, QStringLiteral("edited"), QStringLiteral("Edit System Settings"));
     } else {
         say(QStringLiteral("the editor closed without changes"));
         refreshState();
@@ -765,7 +927,7 @@ bool MainWindow::edit() {
 
 void MainWindow::startReceive(bool request) {
     // What arrives replaces the document: unsaved changes are asked about first.
-    if (!sendAfterRead_ && !maybeSave()) return;
+    if (!sendAfterRead_ && !compareAfterRead_ && !maybeSave()) return;
     device_.receive(document_.image(), request, options_.timeoutS);
     if (device_.busy() == DeviceSession::Operation::None) {
         // The port may have gone while a question was open.
@@ -806,6 +968,19 @@ void MainWindow::startSend(bool onlyChanges) {
 }
 
 void MainWindow::operationFinished(bool ok, const QString& message) {
+    if (compareAfterRead_) {
+        // Read to compare: the device's data fills the Device column, the document stays.
+        compareAfterRead_ = false;
+        refreshState();
+        if (!ok) {
+            say(QStringLiteral("failed: %1").arg(message));
+            return;
+        }
+        view_->setOtherSide(SettingsModel::DeviceSide, QStringLiteral("the device"));
+        const int count = view_->model()->differences(SettingsModel::DeviceSide);
+        say(QStringLiteral("%1; compared: %2").arg(message, settingsDiffer(count)));
+        return;
+    }
     if (sendAfterRead_) {
         // The device was read only to know what it holds; the document stays as it is.
         sendAfterRead_ = false;
@@ -816,7 +991,7 @@ void MainWindow::operationFinished(bool ok, const QString& message) {
     }
     const bool readBack = std::exchange(readingBack_, false);
     if (ok && !device_.received().isEmpty() && message.startsWith(QLatin1String("received"))) {
-        takeImage(device_.received(), message);
+        takeImage(device_.received(), message, QStringLiteral("Receive"));
     } else {
         say(ok ? message : QStringLiteral("failed: %1").arg(message));
     }

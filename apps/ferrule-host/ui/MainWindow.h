@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class QAction;
 class QComboBox;
@@ -20,15 +21,21 @@ class QLabel;
 class QMenu;
 class QProgressBar;
 class QPushButton;
+class QUndoStack;
 
 namespace ferrule {
 
 class MidiMonitor;
+class SettingsView;
+struct Parameter;
 
 // The librarian's window: one model's system data as a document (new, open, save in either
 // form, recent files, drag and drop), the MIDI ports, the device operations (receive, request,
 // send, send changes, stop) with progress, the plug-in's editor on the document, and a MIDI
-// monitor. Nothing is lost: unsaved changes and running operations are asked about.
+// monitor. Its centre shows the document by parameter, beside what the device holds and a
+// compared file's values, any of which can be taken into the document. Every change of the
+// document's data is one undoable step. Nothing is lost: unsaved changes and running operations
+// are asked about.
 class MainWindow : public QMainWindow {
     Q_OBJECT
     Q_PROPERTY(QString documentPath READ documentPath)
@@ -42,6 +49,8 @@ public:
     bool documentModified() const { return document_.modified(); }
     DeviceSession& device() { return device_; }
     MidiMonitor* monitor() const { return monitor_; }
+    SettingsView* settingsView() const { return view_; }
+    QUndoStack* undoStack() const { return undo_; }
     QString lastResult() const { return lastResult_; }
     QString portState() const;
 
@@ -83,8 +92,20 @@ public:
     // What the Device line says.
     QString deviceStateText() const;
     void switchModel(int model);
-    // The document's image after an edit elsewhere (the editor, a receive).
-    void takeImage(const QByteArray& image, const QString& why);
+    // The document's image after an edit elsewhere (the editor, a receive): one undoable step,
+    // named `step` (or `why`) in the Edit menu.
+    void takeImage(const QByteArray& image, const QString& why, const QString& step = {});
+    // Opens the editor on a page, given by its tab's caption, as the editor's own remembered
+    // page.
+    bool editPage(const QString& page);
+    // Edit > Compare with Device: requests the device's data into the Device column; the
+    // document stays as it is.
+    void compareWithDevice();
+
+public slots:
+    // Compare with File… (and a history snapshot): the file's values in the Compared column,
+    // the differences marked; false (said on the Last line) when it cannot be read.
+    bool compareWithFile(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -107,6 +128,10 @@ private:
     void say(const QString& message);
     // The document's read warnings, on the status bar.
     void showReadWarnings();
+    void takeValuesOf(const std::vector<const Parameter*>& parameters, const QString& step);
+    // A new document in the window: nothing to undo, nothing compared.
+    void documentReplaced();
+    void updateUndoActions();
     std::optional<MidiApi> api() const;
 
     HostOptions options_;
@@ -128,6 +153,10 @@ private:
     QPushButton* cancel_ = nullptr;
     QMenu* recentMenu_ = nullptr;
     QPushButton* editButton_ = nullptr;
+    SettingsView* view_ = nullptr;
+    QUndoStack* undo_ = nullptr;
+    QAction *undoAction_ = nullptr, *redoAction_ = nullptr, *compareDevice_ = nullptr,
+            *clearComparison_ = nullptr;
     QAction* edit_ = nullptr;
     QAction *save_ = nullptr, *receive_ = nullptr, *request_ = nullptr, *send_ = nullptr,
             *sendChanges_ = nullptr, *stop_ = nullptr, *verify_ = nullptr;
@@ -138,6 +167,8 @@ private:
     bool sendAfterRead_ = false;
     bool readingBack_ = false; // the operation under way reads back a send
     AskSendAgain askSendAgain_;
+    // A request for Compare with Device: what arrives fills the Device column only.
+    bool compareAfterRead_ = false;
     AskSave askSave_;
     AskUnknownDevice askUnknown_;
     AskAfterFailedSave askFailed_;
