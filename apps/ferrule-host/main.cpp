@@ -5,6 +5,7 @@
 
 #include "cli/DeviceRuns.h"
 #include "cli/EditorRun.h"
+#include "cli/HistoryRun.h"
 #include "cli/HostOptions.h"
 #include "device/SyxFile.h"
 #include "document/SystemDocument.h"
@@ -109,6 +110,7 @@ int run(int argc, char** argv) {
     const HostOptions& options = *parsed.options;
 
     if (options.listMidiPorts) return runListPorts(options);
+    if (options.history) return runHistory();
 
     QString error;
     std::optional<SystemDocument> document = openDocument(options, &error);

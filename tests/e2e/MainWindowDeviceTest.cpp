@@ -10,6 +10,7 @@
 #include "device/DumpMap.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "device/SyxFile.h"
 #include "ui/MainWindow.h"
 #include "ui/MidiMonitor.h"
 
@@ -29,6 +30,13 @@ bool waitForEnd(MainWindow& w, int timeoutMs) {
     QSignalSpy spy(&w.device(), &DeviceSession::finished);
     if (!spy.wait(timeoutMs)) return false;
     return spy.first().first().toBool();
+}
+
+// The model's data of an image as the transmission sends it.
+QByteArray sentBytes(const QByteArray& image, int model) {
+    return SyxFile::write(
+        {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())},
+        model, Sysex::defaultHeader(model));
 }
 
 } // namespace
@@ -57,6 +65,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
                           QStringLiteral("--data"), startFile, QStringLiteral("--save"), saved});
     ASSERT_TRUE(device->ready());
 
+    QDir(History::defaultFolder()).removeRecursively();
     {
         HostOptions o = hostOptionsForTests(model);
         o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
@@ -81,6 +90,21 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         w.takeImage(w.device().received(), QStringLiteral("received"));
         EXPECT_EQ(w.document().image().mid(modelStretch(model).start, 200),
                   start.mid(modelStretch(model).start, 200));
+        // The history keeps each state of the device the window learns: read, then sent.
+        const auto newest = [&w](Snapshot::Kind kind) {
+            const QList<Snapshot> kept = w.history().snapshots();
+            EXPECT_FALSE(kept.isEmpty());
+            if (kept.isEmpty()) return QByteArray();
+            EXPECT_EQ(kept.first().kind, kind);
+            EXPECT_TRUE(kept.first().portText().contains("ferrule-device"))
+                << qPrintable(kept.first().portText());
+            QString error;
+            const auto doc =
+                SystemDocument::open(kept.first().path, model, Sysex::defaultHeader(model), &error);
+            EXPECT_TRUE(doc) << qPrintable(error);
+            return doc ? sentBytes(doc->image(), model) : QByteArray();
+        };
+        EXPECT_EQ(newest(Snapshot::Kind::Requested), sentBytes(w.device().received(), model));
 
         // Edit one parameter through the real editor, then send only what changed.
         EditorDriver driver;
@@ -92,8 +116,10 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         const int sent = dataSetsOut(w.monitor()->model()) - before;
         EXPECT_GE(sent, 1);
         EXPECT_LE(sent, 2) << "one parameter, at most two messages instead of 106";
-        // Nothing left to send now.
+        EXPECT_EQ(newest(Snapshot::Kind::Sent), sentBytes(w.document().image(), model));
+        // Nothing left to send now, and nothing new to keep.
         EXPECT_EQ(w.device().send(w.document().image(), true), 0);
+        EXPECT_EQ(w.history().snapshots().size(), 2);
 
         // The send ends when the last byte has left the line; JACK hands it over a cycle later.
         QTest::qWait(200);

@@ -1,5 +1,6 @@
 #include "DeviceRuns.h"
 
+#include "HistoryRun.h"
 #include "LinkWatch.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
@@ -126,6 +127,9 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
                                       : document.format();
         if (!document.saveAs(options.dataFile, format, &error)) return fail(1, error);
     }
+    keepInHistory(options.request ? Snapshot::Kind::Requested : Snapshot::Kind::Received, o.model,
+                  receiver.assembler().image(), o.header,
+                  {input.portName(), options.request ? output.portName() : QString()});
     const double wire = wireTimeMs(receiver.wireBytes());
     std::printf("received GT-%d system data: %d messages, %d bytes in %.1f ms (wire time %.1f ms)",
                 o.model, receiver.applied(), receiver.assembler().unitsReceived(),

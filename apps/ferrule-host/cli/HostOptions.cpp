@@ -10,8 +10,9 @@
 bool wantsHeadless(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const char* a = argv[i];
-        for (const char* option : {"--screenshot", "--describe", "--transmit", "--list-midi-ports",
-                                   "--export", "--receive", "--request", "--main-screenshot"})
+        for (const char* option :
+             {"--screenshot", "--describe", "--transmit", "--list-midi-ports", "--export",
+              "--receive", "--request", "--main-screenshot", "--history"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
     }
     return false;
@@ -24,7 +25,8 @@ bool wantsWidgets(int argc, char** argv) {
         for (const char* option :
              {"--screenshot", "--describe", "--transmit", "--main-screenshot", "--edit"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
-        for (const char* option : {"--export", "--receive", "--request", "--list-midi-ports"})
+        for (const char* option :
+             {"--export", "--receive", "--request", "--list-midi-ports", "--history"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) windowless = true;
     }
     return !windowless;
@@ -126,6 +128,11 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("main-screenshot"),
         QStringLiteral("Headless: render the main window to FILE.png and exit."),
         QStringLiteral("FILE.png"));
+    const QCommandLineOption history(
+        QStringLiteral("history"),
+        QStringLiteral("List the device's states kept in the history, newest first: time, "
+                       "model, kind, port and file, one a line; then exit."));
+    parser.addOption(history);
     parser.addPositionalArgument(
         QStringLiteral("FILE"),
         QStringLiteral("System data to open in the main window, as File > Open does: a raw "
@@ -241,6 +248,7 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
             return result;
         }
     }
+    o.history = parser.isSet(history);
     o.refuseUpdate = parser.isSet(refuse);
     o.gapMs = parser.value(gap).toInt(&ok);
     if (!ok || o.gapMs < 0 || o.gapMs > 10000) {

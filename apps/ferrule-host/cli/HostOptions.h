@@ -35,6 +35,9 @@ struct HostOptions {
     // window opens it as File > Open does.
     QString openFile;
 
+    // --history: list the history's snapshots and exit.
+    bool history = false;
+
     // The data-set header in use for a model (by default the options' model).
     QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.

@@ -1,11 +1,14 @@
 #include "MainWindow.h"
 
 #include "FailedSaveDialog.h"
+#include "HistoryDock.h"
+#include "HistoryModel.h"
 #include "MidiMonitor.h"
 #include "RecoveryQuestion.h"
 #include "cli/DeviceRuns.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "document/HostSettings.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
@@ -35,8 +38,6 @@ namespace ferrule {
 
 namespace {
 
-// The host's own settings (ports, recent files) sit beside the editor's.
-const QString kHostKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Host");
 constexpr int kRecentFiles = 8;
 // The title of the window's own dialogs.
 const QString kTitle = programName();
@@ -72,6 +73,10 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         return askAfterFailedSave(error, changedOnDisk, this);
     };
     askRecover_ = [this](const QString& question) { return askToRecover(question, this); };
+    askSendSnapshot_ = [this](const QString& text) {
+        return QMessageBox::question(this, kTitle, text, QMessageBox::Yes | QMessageBox::Cancel,
+                                     QMessageBox::Cancel) == QMessageBox::Yes;
+    };
     askReadOnly_ = [this](const QString& text) {
         return QMessageBox::question(this, kTitle, text, QMessageBox::Open | QMessageBox::Cancel,
                                      QMessageBox::Cancel) == QMessageBox::Open;
@@ -163,6 +168,15 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
             [this](const QByteArray& m) { monitor_->model()->add(true, m); });
     connect(&device_, &DeviceSession::messageOut, monitor_->model(),
             [this](const QByteArray& m) { monitor_->model()->add(false, m); });
+    // The history shares the bottom with the monitor, in front: a person looks back at the
+    // device's states more often than at its messages.
+    historyModel_ = new HistoryModel(&history_, this);
+    historyDock_ = new HistoryDock(historyModel_, this);
+    addDockWidget(Qt::BottomDockWidgetArea, historyDock_);
+    tabifyDockWidget(dock, historyDock_);
+    historyDock_->raise();
+    connect(historyDock_, &HistoryDock::openRequested, this, &MainWindow::openSnapshot);
+    connect(historyDock_, &HistoryDock::sendRequested, this, &MainWindow::sendSnapshot);
 
     progress_ = new QProgressBar(this);
     progress_->setMinimumWidth(300);
@@ -205,7 +219,8 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         showPorts();
         refreshState();
     });
-    connect(&device_, &DeviceSession::started, this, [this] {
+    connect(&device_, &DeviceSession::started, this, [this](DeviceSession::Operation op) {
+        operation_ = op;
         progress_->setRange(0, 0);
         refreshState();
     });
@@ -292,6 +307,7 @@ void MainWindow::buildActions() {
 
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
     view->addAction(findChild<QDockWidget*>(QStringLiteral("MidiMonitorDock"))->toggleViewAction());
+    view->addAction(historyDock_->toggleViewAction());
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(help, QStringLiteral("&About ferrule-host"), [this] {
@@ -534,6 +550,7 @@ void MainWindow::refreshState() {
     enableAction(request_, !inWhy.isEmpty() ? inWhy : outWhy);
     enableAction(send_, outWhy);
     enableAction(sendChanges_, outWhy);
+    historyDock_->setSendProblem(outWhy);
     enableAction(stop_,
                  idle ? QStringLiteral("no transfer with the device is running") : QString());
     // An edit while the device's data arrives would be overwritten by it, and what a transfer
@@ -756,7 +773,10 @@ void MainWindow::startSend(bool onlyChanges) {
     refreshState();
 }
 
-void MainWindow::operationFinished(bool ok, const QString& message) {
+void MainWindow::operationFinished(bool ok, const QString& done) {
+    // A failed or stopped operation leaves nothing in the history.
+    const QString message = ok ? done + recordSnapshot() : done;
+    operation_ = DeviceSession::Operation::None;
     if (sendAfterRead_) {
         // The device was read only to know what it holds; the document stays as it is.
         sendAfterRead_ = false;
@@ -771,6 +791,90 @@ void MainWindow::operationFinished(bool ok, const QString& message) {
         say(ok ? message : QStringLiteral("failed: %1").arg(message));
     }
     refreshState();
+}
+
+QString MainWindow::recordSnapshot() {
+    using Operation = DeviceSession::Operation;
+    Snapshot::Kind kind = Snapshot::Kind::Sent;
+    QByteArray image = device_.received();
+    QStringList ports;
+    switch (operation_) {
+    case Operation::Receive:
+        kind = Snapshot::Kind::Received;
+        ports = {device_.inputName()};
+        break;
+    case Operation::Request:
+        kind = Snapshot::Kind::Requested;
+        ports = {device_.inputName(), device_.outputName()};
+        break;
+    case Operation::Send:
+        // Whole or only the changes, the device now holds what it was last known to hold with
+        // the messages sent over it.
+        image = device_.knowledge().image;
+        ports = {device_.outputName()};
+        break;
+    case Operation::None:
+        return {};
+    }
+    if (image.isEmpty()) return {};
+    ports.removeAll(QString());
+    ports.removeDuplicates();
+    QString error;
+    history_.record(kind, document_.model(), image, options_.dataSetHeader(document_.model()),
+                    ports, &error);
+    return error.isEmpty() ? QString() : QStringLiteral("; not kept in the history: %1").arg(error);
+}
+
+std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path) {
+    QString error = QStringLiteral("%1 is not a snapshot of the history").arg(path);
+    std::optional<SystemDocument> doc;
+    if (const std::optional<Snapshot> s = History::of(path))
+        doc = SystemDocument::open(path, s->model, options_.dataSetHeader(s->model), &error);
+    if (!doc) {
+        say(error);
+        QMessageBox::warning(this, kTitle, error);
+    }
+    return doc;
+}
+
+bool MainWindow::openSnapshot(const QString& path) {
+    if (!maybeSave()) return false;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path);
+    if (!snapshot) return false;
+    // A new document: saving it must not write into the history.
+    SystemDocument next(snapshot->model(), snapshot->header());
+    next.setImage(snapshot->image());
+    document_ = std::move(next);
+    modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));
+    device_.setHeader(document_.model(), options_.sysexHeader);
+    const Snapshot s = *History::of(path);
+    say(QStringLiteral("opened the GT-%1 system data %2 on %3 as new data")
+            .arg(s.model)
+            .arg(Snapshot::kindName(s.kind), s.localTime()));
+    refreshState();
+    return true;
+}
+
+bool MainWindow::sendSnapshot(const QString& path) {
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path);
+    if (!snapshot) return false;
+    const Snapshot s = *History::of(path);
+    if (s.model != document_.model()) {
+        say(QStringLiteral("not sent: the snapshot holds GT-%1 system data and the window edits "
+                           "the GT-%2 (choose the GT-%1 in the Model box first)")
+                .arg(s.model)
+                .arg(document_.model()));
+        return false;
+    }
+    if (!askSendSnapshot_(QStringLiteral("Send the GT-%1 system data %2 on %3 to the device?\n\n"
+                                         "It replaces all of the device's system settings.")
+                              .arg(s.model)
+                              .arg(Snapshot::kindName(s.kind), s.localTime())))
+        return false;
+    const int queued = device_.send(snapshot->image(), false);
+    if (queued > 0) say(QStringLiteral("sending the snapshot: %1 messages…").arg(queued));
+    refreshState();
+    return queued > 0;
 }
 
 bool MainWindow::maybeSave() {

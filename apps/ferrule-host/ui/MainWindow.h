@@ -3,6 +3,7 @@
 #include "cli/HostOptions.h"
 #include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
+#include "document/History.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "plugin/PlugInEditor.h"
@@ -23,6 +24,8 @@ class QPushButton;
 
 namespace ferrule {
 
+class HistoryDock;
+class HistoryModel;
 class MidiMonitor;
 
 // The librarian's window: one model's system data as a document (new, open, save in either
@@ -42,6 +45,8 @@ public:
     bool documentModified() const { return document_.modified(); }
     DeviceSession& device() { return device_; }
     MidiMonitor* monitor() const { return monitor_; }
+    History& history() { return history_; }
+    HistoryDock* historyDock() const { return historyDock_; }
     QString lastResult() const { return lastResult_; }
     QString portState() const;
 
@@ -56,6 +61,9 @@ public:
     // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
     using AskReadOnly = std::function<bool(const QString& text)>;
     void setAskReadOnly(AskReadOnly ask) { askReadOnly_ = std::move(ask); }
+    // Sending a snapshot of the history to the device: true sends it.
+    using AskConfirm = std::function<bool(const QString& text)>;
+    void setAskSendSnapshot(AskConfirm ask) { askSendSnapshot_ = std::move(ask); }
     // The question about changes an earlier run left unsaved: true recovers them.
     void setAskRecover(DocumentJournal::Ask ask) { askRecover_ = std::move(ask); }
     // Offers the changes an earlier run left unsaved to this window's document, if there are
@@ -79,6 +87,10 @@ public:
     // What the Device line says.
     QString deviceStateText() const;
     void switchModel(int model);
+    // A snapshot of the history as a new document (unsaved changes are asked about first).
+    bool openSnapshot(const QString& path);
+    // A snapshot of the history sent to the device, as Send sends the document, once confirmed.
+    bool sendSnapshot(const QString& path);
     // The document's image after an edit elsewhere (the editor, a receive).
     void takeImage(const QByteArray& image, const QString& why);
 
@@ -98,6 +110,9 @@ private:
     bool maybeSave();
     void startReceive(bool request);
     void operationFinished(bool ok, const QString& message);
+    // Keeps what a finished operation read from or left in the device; a note when it could not.
+    QString recordSnapshot();
+    std::optional<SystemDocument> loadSnapshot(const QString& path);
     void say(const QString& message);
     std::optional<MidiApi> api() const;
 
@@ -107,6 +122,11 @@ private:
     PlugInEditor editor_;
     bool editorLoaded_ = false;
     MidiMonitor* monitor_ = nullptr;
+    History history_;
+    HistoryModel* historyModel_ = nullptr;
+    HistoryDock* historyDock_ = nullptr;
+    // The device operation under way, as it started.
+    DeviceSession::Operation operation_ = DeviceSession::Operation::None;
     QComboBox* modelBox_ = nullptr;
     QComboBox* apiBox_ = nullptr;
     QComboBox* inBox_ = nullptr;
@@ -133,6 +153,7 @@ private:
     AskAfterFailedSave askFailed_;
     AskReadOnly askReadOnly_;
     DocumentJournal::Ask askRecover_;
+    AskConfirm askSendSnapshot_;
     DocumentLock lock_;
     DocumentJournal journal_;
 };
