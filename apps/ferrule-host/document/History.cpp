@@ -15,6 +15,10 @@
 #include <algorithm>
 #include <array>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace ferrule {
 
 namespace {
@@ -34,20 +38,33 @@ QString portsFileOf(const QString& syxPath) {
     return syxPath.chopped(4) + QStringLiteral(".ports");
 }
 
+// The files are small and there may be a few hundred of them: read with the system's calls, not
+// through QFile's buffers.
 QByteArray readAll(const QString& path, qint64 max) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.size() > max) return {};
-    return file.readAll();
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return {};
+    struct stat st = {};
+    QByteArray bytes;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size <= max) {
+        bytes.resize(qsizetype(st.st_size));
+        if (::pread(fd, bytes.data(), bytes.size(), 0) != bytes.size()) bytes.clear();
+    }
+    ::close(fd);
+    return bytes;
 }
 
 // A whole .syx file as far as its ends tell: it begins with a message and ends one. The
 // messages themselves are checked when the snapshot is opened.
 bool looksWhole(const QString& path) {
-    QFile file(path);
-    const qint64 size = file.size();
-    if (size < 2 || size > SyxFile::kMaxSize || !file.open(QIODevice::ReadOnly)) return false;
-    const QByteArray first = file.read(1);
-    return file.seek(size - 1) && first == "\xF0" && file.read(1) == "\xF7";
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    struct stat st = {};
+    unsigned char first = 0, last = 0;
+    const bool whole = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size >= 2 &&
+                       st.st_size <= SyxFile::kMaxSize && ::pread(fd, &first, 1, 0) == 1 &&
+                       ::pread(fd, &last, 1, st.st_size - 1) == 1 && first == 0xF0 && last == 0xF7;
+    ::close(fd);
+    return whole;
 }
 
 } // namespace
@@ -91,16 +108,17 @@ int History::configuredLimit() {
 
 std::optional<Snapshot> History::of(const QString& path) {
     const QFileInfo file(path);
-    static const QRegularExpression name(
-        QStringLiteral("^(\\d{8}T\\d{9})-gt(\\d+)-([a-z]+)\\.syx$"));
+    static const QRegularExpression name(QStringLiteral(
+        "^(\\d{4})(\\d\\d)(\\d\\d)T(\\d\\d)(\\d\\d)(\\d\\d)(\\d{3})-gt(\\d+)-([a-z]+)\\.syx$"));
     const QRegularExpressionMatch m = name.match(file.fileName());
     if (!m.hasMatch()) return std::nullopt;
+    const auto number = [&m](int i) { return m.capturedView(i).toInt(); };
     Snapshot s;
-    const QDateTime named = QDateTime::fromString(m.captured(1), kTimeFormat);
-    s.time = QDateTime(named.date(), named.time(), QTimeZone::utc());
-    s.model = m.captured(2).toInt();
+    s.time = QDateTime(QDate(number(1), number(2), number(3)),
+                       QTime(number(4), number(5), number(6), number(7)), QTimeZone::utc());
+    s.model = number(8);
     const auto kind = std::find_if(kKinds.begin(), kKinds.end(), [&](Snapshot::Kind k) {
-        return Snapshot::kindName(k) == m.captured(3);
+        return Snapshot::kindName(k) == m.capturedView(9);
     });
     if (!s.time.isValid() || kind == kKinds.end()) return std::nullopt;
     s.kind = *kind;
@@ -155,17 +173,13 @@ std::optional<Snapshot> History::record(Snapshot::Kind kind, int model, const QB
         QFile::remove(portsFileOf(s.path));
         return std::nullopt;
     }
-    dropBeyondLimit();
+    // The new one is the newest: of the others, limit - 1 stay.
+    for (qsizetype i = limit_ - 1; i < earlier.size(); ++i) {
+        QFile::remove(earlier[i].path);
+        QFile::remove(portsFileOf(earlier[i].path));
+    }
     emit stored(s);
     return s;
-}
-
-void History::dropBeyondLimit() const {
-    const QList<Snapshot> list = snapshots();
-    for (qsizetype i = limit_; i < list.size(); ++i) {
-        QFile::remove(list[i].path);
-        QFile::remove(portsFileOf(list[i].path));
-    }
 }
 
 } // namespace ferrule

@@ -72,8 +72,6 @@ signals:
     void stored(const ferrule::Snapshot& snapshot);
 
 private:
-    void dropBeyondLimit() const;
-
     QString folder_;
     int limit_;
 };
