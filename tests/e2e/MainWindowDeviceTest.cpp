@@ -139,7 +139,8 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         EXPECT_EQ(differences, 0) << "the device holds the document";
     }
 
-    // A second start remembers the ports; with the device gone, the window says so.
+    // A second start remembers the ports; with the device gone, the window says so. The device
+    // that answers meanwhile gets the first state of the history back, once that is confirmed.
     {
         auto again = std::make_unique<DeviceProcess>(
             jack, QStringList{QStringLiteral("--model"), QString::number(model)});
@@ -148,6 +149,27 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
                      SystemDocument(model, Sysex::defaultHeader(model)));
         EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
         EXPECT_TRUE(w.portState().contains("ferrule-device")) << qPrintable(w.portState());
+
+        const Snapshot first = w.history().snapshots().last();
+        QStringList asked;
+        w.setAskSendSnapshot([&](const QString& question) {
+            asked << question;
+            return asked.size() > 1; // No the first time, Yes the second
+        });
+        EXPECT_FALSE(w.sendSnapshot(first.path));
+        EXPECT_EQ(w.device().busy(), DeviceSession::Operation::None) << "nothing sent on No";
+        ASSERT_TRUE(w.sendSnapshot(first.path));
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        ASSERT_EQ(asked.size(), 2);
+        EXPECT_TRUE(asked[0].contains(first.localTime())) << qPrintable(asked[0]);
+        // Read back (the request follows the send on the same line): the device holds the
+        // first state again, and the history does not keep that state twice.
+        w.device().receive(w.document().image(), true);
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        EXPECT_EQ(sentBytes(w.device().received(), model), sentBytes(start, model));
+        const QList<Snapshot> kept = w.history().snapshots();
+        ASSERT_EQ(kept.size(), 3);
+        EXPECT_EQ(kept.first().kind, Snapshot::Kind::Sent);
     }
     MainWindow gone(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
     EXPECT_FALSE(gone.device().hasInput());

@@ -216,6 +216,14 @@ TEST(HistoryDock, ANewSnapshotIsListedAndOpenMakesItANewDocumentAfterAskingAbout
     ASSERT_EQ(compared.size(), 1);
     EXPECT_EQ(compared[0][0].toString(), requested.path);
 
+    // Another model's state is not sent to this one.
+    int confirmations = 0;
+    window.setAskSendSnapshot([&](const QString&) { return ++confirmations > 0; });
+    EXPECT_FALSE(window.sendSnapshot(requested.path));
+    EXPECT_EQ(confirmations, 0);
+    EXPECT_TRUE(window.lastResult().startsWith(QLatin1String("not sent: the snapshot holds GT-8")))
+        << qPrintable(window.lastResult());
+
     // A snapshot stored meanwhile keeps the selection where it was.
     ASSERT_TRUE(store(history, Kind::Received, 10, randomImage(10, 8)));
     EXPECT_EQ(view->model()->rowCount(), 3);
