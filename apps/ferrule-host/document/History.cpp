@@ -25,6 +25,10 @@ namespace {
 
 constexpr std::array kKinds = {Snapshot::Kind::Received, Snapshot::Kind::Requested,
                                Snapshot::Kind::Sent, Snapshot::Kind::Verified};
+bool newestFirst(const Snapshot& a, const Snapshot& b) {
+    return a.time > b.time;
+}
+
 const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmsszzz");
 
 QString baseName(const Snapshot& s) {
@@ -131,12 +135,11 @@ std::optional<Snapshot> History::of(const QString& path) {
 
 QList<Snapshot> History::snapshots() const {
     QList<Snapshot> list;
-    const QStringList names = QDir(folder_).entryList({QStringLiteral("*.syx")}, QDir::Files,
-                                                      QDir::Name | QDir::Reversed);
+    const QStringList names =
+        QDir(folder_).entryList({QStringLiteral("*.syx")}, QDir::Files, QDir::NoSort);
     for (const QString& fileName : names)
         if (std::optional<Snapshot> s = of(QDir(folder_).filePath(fileName))) list << *s;
-    std::stable_sort(list.begin(), list.end(),
-                     [](const Snapshot& a, const Snapshot& b) { return a.time > b.time; });
+    std::sort(list.begin(), list.end(), newestFirst);
     return list;
 }
 
@@ -147,10 +150,10 @@ std::optional<Snapshot> History::record(Snapshot::Kind kind, int model, const QB
     const QByteArray syx = SyxFile::write(
         {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())},
         model, header);
-    const QList<Snapshot> earlier = snapshots();
-    const auto previous = std::find_if(earlier.begin(), earlier.end(),
+    QList<Snapshot> kept = snapshots();
+    const auto previous = std::find_if(kept.begin(), kept.end(),
                                        [model](const Snapshot& s) { return s.model == model; });
-    if (previous != earlier.end() && readAll(previous->path, SyxFile::kMaxSize) == syx)
+    if (previous != kept.end() && readAll(previous->path, SyxFile::kMaxSize) == syx)
         return std::nullopt;
     if (!QDir().mkpath(folder_)) {
         *error = QStringLiteral("the folder \"%1\" cannot be made").arg(folder_);
@@ -173,11 +176,13 @@ std::optional<Snapshot> History::record(Snapshot::Kind kind, int model, const QB
         QFile::remove(portsFileOf(s.path));
         return std::nullopt;
     }
-    // The new one is the newest: of the others, limit - 1 stay.
-    for (qsizetype i = limit_ - 1; i < earlier.size(); ++i) {
-        QFile::remove(earlier[i].path);
-        QFile::remove(portsFileOf(earlier[i].path));
+    // Beyond the limit, the oldest go (the new one too, should the clock have gone back).
+    kept.insert(std::lower_bound(kept.begin(), kept.end(), s, newestFirst), s);
+    for (qsizetype i = limit_; i < kept.size(); ++i) {
+        QFile::remove(kept[i].path);
+        QFile::remove(portsFileOf(kept[i].path));
     }
+    if (!QFile::exists(s.path)) return std::nullopt;
     emit stored(s);
     return s;
 }
