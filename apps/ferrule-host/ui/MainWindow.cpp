@@ -825,11 +825,13 @@ QString MainWindow::recordSnapshot() {
     return error.isEmpty() ? QString() : QStringLiteral("; not kept in the history: %1").arg(error);
 }
 
-std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path) {
+std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot) {
     QString error = QStringLiteral("%1 is not a snapshot of the history").arg(path);
     std::optional<SystemDocument> doc;
-    if (const std::optional<Snapshot> s = History::of(path))
+    if (const std::optional<Snapshot> s = History::of(path)) {
+        *snapshot = *s;
         doc = SystemDocument::open(path, s->model, options_.dataSetHeader(s->model), &error);
+    }
     if (!doc) {
         say(error);
         QMessageBox::warning(this, kTitle, error);
@@ -839,7 +841,8 @@ std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path) {
 
 bool MainWindow::openSnapshot(const QString& path) {
     if (!maybeSave()) return false;
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path);
+    Snapshot s;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
     if (!snapshot) return false;
     // A new document: saving it must not write into the history.
     SystemDocument next(snapshot->model(), snapshot->header());
@@ -847,7 +850,6 @@ bool MainWindow::openSnapshot(const QString& path) {
     document_ = std::move(next);
     modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));
     device_.setHeader(document_.model(), options_.sysexHeader);
-    const Snapshot s = *History::of(path);
     say(QStringLiteral("opened the GT-%1 system data %2 on %3 as new data")
             .arg(s.model)
             .arg(Snapshot::kindName(s.kind), s.localTime()));
@@ -856,9 +858,9 @@ bool MainWindow::openSnapshot(const QString& path) {
 }
 
 bool MainWindow::sendSnapshot(const QString& path) {
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path);
+    Snapshot s;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
     if (!snapshot) return false;
-    const Snapshot s = *History::of(path);
     if (s.model != document_.model()) {
         say(QStringLiteral("not sent: the snapshot holds GT-%1 system data and the window edits "
                            "the GT-%2 (choose the GT-%1 in the Model box first)")

@@ -112,7 +112,8 @@ private:
     void operationFinished(bool ok, const QString& message);
     // Keeps what a finished operation read from or left in the device; a note when it could not.
     QString recordSnapshot();
-    std::optional<SystemDocument> loadSnapshot(const QString& path);
+    // A snapshot's data, and what it is; nullopt when it cannot be read, which is said.
+    std::optional<SystemDocument> loadSnapshot(const QString& path, Snapshot* snapshot);
     void say(const QString& message);
     std::optional<MidiApi> api() const;
 
