@@ -53,9 +53,17 @@ HistoryDock::HistoryDock(HistoryModel* model, QWidget* parent)
     view_->setSelectionBehavior(QAbstractItemView::SelectRows);
     view_->setSelectionMode(QAbstractItemView::SingleSelection);
     view_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    view_->header()->setStretchLastSection(true);
-    view_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    view_->header()->setSectionResizeMode(HistoryModel::Port, QHeaderView::Stretch);
+    // The columns fit their widest text from the start; measuring every row instead would cost
+    // a full history's start dearly.
+    QHeaderView* header = view_->header();
+    header->setStretchLastSection(true);
+    const QFontMetrics metrics = view_->fontMetrics();
+    const int padding = 2 * metrics.horizontalAdvance(QLatin1Char('M'));
+    for (const auto& [column, widest] :
+         {std::pair{HistoryModel::Time, QStringLiteral("2026-11-24 12:27:44")},
+          std::pair{HistoryModel::Model, QStringLiteral("Model")},
+          std::pair{HistoryModel::Kind, QStringLiteral("requested")}})
+        header->resizeSection(column, metrics.horizontalAdvance(widest) + padding);
     view->activate = [this] { act(&HistoryDock::openRequested); };
     connect(view_, &QTreeView::doubleClicked, this, [this] { act(&HistoryDock::openRequested); });
     layout->addWidget(view_);

@@ -29,6 +29,9 @@ void HistoryModel::reload() {
     if (same) return;
     beginResetModel();
     rows_ = std::move(rows);
+    times_.clear();
+    for (const Snapshot& s : rows_)
+        times_ << s.localTime();
     endResetModel();
 }
 
@@ -47,7 +50,7 @@ QVariant HistoryModel::data(const QModelIndex& index, int role) const {
     if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole) return {};
     switch (index.column()) {
     case Time:
-        return s.localTime();
+        return times_.at(index.row());
     case Model:
         return QStringLiteral("GT-%1").arg(s.model);
     case Kind:

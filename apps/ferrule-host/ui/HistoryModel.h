@@ -32,6 +32,7 @@ private:
 
     History* history_;
     QList<Snapshot> rows_;
+    QStringList times_; // each row's local time, made once: the zone's rules are slow to apply
     QFileSystemWatcher watcher_;
 };
 
