@@ -4,7 +4,8 @@ build=${1:-build}
 runs=${2:-15}
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
-export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root"
+export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root" \
+    XDG_DATA_HOME="$root"
 host="$build/bin/ferrule-host"
 # Wall time of one run of a command, in microseconds.
 us() { local s e; s=$(date +%s%N); "$@" >/dev/null 2>&1; e=$(date +%s%N); echo $(( (e - s) / 1000 )); }

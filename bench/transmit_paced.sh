@@ -7,7 +7,8 @@ model=${2:-10}
 gap=${3:-20}
 root=$(mktemp -d)
 trap 'rm -rf "$root"' EXIT
-export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root"
+export QT_QPA_PLATFORM=offscreen FERRULE_SETTINGS_ROOT="$root" XDG_RUNTIME_DIR="$root" \
+    XDG_DATA_HOME="$root"
 out=$("$build/bin/ferrule-host" --model "$model" --transmit --gap "$gap" --syx "$root/out.syx")
 echo "$out"
 expected=$(echo "$out" | sed -n 's/.*= \([0-9.]*\) ms;.*/\1/p')

@@ -8,7 +8,7 @@
 set -euo pipefail
 
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev libgtest-dev
-          libbenchmark-dev jackd2 libjack-jackd2-dev librtmidi-dev fonts-dejavu-core xvfb xdotool
+          libbenchmark-dev time jackd2 libjack-jackd2-dev librtmidi-dev fonts-dejavu-core xvfb xdotool
           at-spi2-core dbus-x11 "$@")
 missing=()
 for p in "${packages[@]}"; do

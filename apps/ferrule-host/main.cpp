@@ -6,6 +6,7 @@
 #include "cli/DeviceRuns.h"
 #include "cli/DiffRun.h"
 #include "cli/EditorRun.h"
+#include "cli/HistoryRun.h"
 #include "cli/HostOptions.h"
 #include "device/SyxFile.h"
 #include "document/SystemDocument.h"
@@ -116,6 +117,7 @@ int run(int argc, char** argv) {
             options.adoptModel(model);
 
     if (options.listMidiPorts) return runListPorts(options);
+    if (options.history) return runHistory();
 
     QString error;
     std::optional<SystemDocument> document = openDocument(options, &error);

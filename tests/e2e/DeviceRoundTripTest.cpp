@@ -11,6 +11,7 @@
 #include "device/SysexCodec.h"
 #include "device/SyxFile.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -48,6 +49,15 @@ int mappedDifferences(const QByteArray& a, const QByteArray& b, int model) {
     return differences;
 }
 
+// `ferrule-host --history` in the settings root: each line's fields (time, model, kind, ports,
+// file), newest first.
+QList<QStringList> history(const QString& settingsRoot) {
+    const HostRun r = runHost({QStringLiteral("--history")}, settingsRoot);
+    EXPECT_EQ(r.exitCode, 0) << r.err.constData();
+    EXPECT_TRUE(r.err.isEmpty()) << r.err.constData();
+    return historyLines(r);
+}
+
 class DeviceRoundTrip : public ::testing::TestWithParam<int> {};
 
 } // namespace
@@ -77,6 +87,18 @@ TEST_P(DeviceRoundTrip, RequestGetsTheDevicesDataAndTransmitPutsTheHostsThere) {
                              << "\njackd: " << qPrintable(jack.serverOutput());
     EXPECT_TRUE(r.out.startsWith("received GT-")) << r.out.constData();
     EXPECT_EQ(mappedDifferences(imageOf(exported, model), deviceImage, model), 0);
+    // ...and the history keeps what was read, with the ports it came over.
+    QList<QStringList> kept = history(dir.path());
+    ASSERT_EQ(kept.size(), 1);
+    ASSERT_EQ(kept[0].size(), 5) << qPrintable(kept[0].join(QLatin1Char('|')));
+    EXPECT_TRUE(QDateTime::fromString(kept[0][0], QStringLiteral("yyyy-MM-dd HH:mm:ss")).isValid())
+        << qPrintable(kept[0][0]);
+    EXPECT_EQ(kept[0][1], QStringLiteral("GT-%1").arg(model));
+    EXPECT_EQ(kept[0][2], QStringLiteral("requested"));
+    EXPECT_TRUE(kept[0][3].contains(port)) << qPrintable(kept[0][3]);
+    EXPECT_TRUE(kept[0][4].startsWith(dir.path() + QStringLiteral("/ferrule-host/history/")))
+        << qPrintable(kept[0][4]);
+    EXPECT_EQ(readFile(kept[0][4]), readFile(exported));
 
     // Transmit: the host's data (another image) lands in the device.
     const QString hostData = dir.filePath(QStringLiteral("host.bin"));
@@ -91,6 +113,13 @@ TEST_P(DeviceRoundTrip, RequestGetsTheDevicesDataAndTransmitPutsTheHostsThere) {
     EXPECT_EQ(device.stop(), 0) << device.output().constData();
     EXPECT_TRUE(device.output().contains("rejected 0")) << device.output().constData();
     EXPECT_EQ(mappedDifferences(readFile(deviceSaved), hostImage, model), 0);
+    // The history's newest state is the one sent.
+    kept = history(dir.path());
+    ASSERT_EQ(kept.size(), 2);
+    EXPECT_EQ(kept[0][2], QStringLiteral("sent"));
+    EXPECT_TRUE(kept[0][3].contains(port)) << qPrintable(kept[0][3]);
+    EXPECT_GE(kept[0][0], kept[1][0]);
+    EXPECT_EQ(mappedDifferences(imageOf(kept[0][4], model), hostImage, model), 0);
     // And only the mapped bytes: the rest of the device's image is as it was.
     EXPECT_EQ(readFile(deviceSaved).left(modelStretch(model).start),
               deviceImage.left(modelStretch(model).start));
@@ -183,4 +212,9 @@ TEST(DeviceRead, ADumpStartedOnTheDeviceIsReceivedInAnyChunkingAndFailuresWriteN
     EXPECT_EQ(noMidi.exitCode, 3);
     EXPECT_TRUE(noMidi.err.contains("ferrule-host: no JACK server runs")) << noMidi.err.constData();
     EXPECT_FALSE(noMidi.out.contains("sent"));
+
+    // Of all these, only the dump that arrived whole is in the history.
+    const QList<QStringList> kept = history(dir.path());
+    ASSERT_EQ(kept.size(), 1);
+    EXPECT_EQ(kept[0].mid(1, 2), (QStringList{QStringLiteral("GT-6"), QStringLiteral("received")}));
 }

@@ -12,6 +12,7 @@
 #include "device/DumpMap.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "device/SyxFile.h"
 #include "ui/MainWindow.h"
 #include "ui/MidiMonitor.h"
 #include "ui/SettingsView.h"
@@ -32,6 +33,13 @@ bool waitForEnd(MainWindow& w, int timeoutMs) {
     QSignalSpy spy(&w.device(), &DeviceSession::finished);
     if (!spy.wait(timeoutMs)) return false;
     return spy.first().first().toBool();
+}
+
+// The model's data of an image as the transmission sends it.
+QByteArray sentBytes(const QByteArray& image, int model) {
+    return SyxFile::write(
+        {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())},
+        model, Sysex::defaultHeader(model));
 }
 
 } // namespace
@@ -60,6 +68,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
                           QStringLiteral("--data"), startFile, QStringLiteral("--save"), saved});
     ASSERT_TRUE(device->ready());
 
+    QDir(History::defaultFolder()).removeRecursively();
     {
         HostOptions o = hostOptionsForTests(model);
         o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
@@ -84,6 +93,21 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         w.takeImage(w.device().received(), QStringLiteral("received"));
         EXPECT_EQ(w.document().image().mid(modelStretch(model).start, 200),
                   start.mid(modelStretch(model).start, 200));
+        // The history keeps each state of the device the window learns: read, then sent.
+        const auto newest = [&w](Snapshot::Kind kind) {
+            const QList<Snapshot> kept = w.history().snapshots();
+            EXPECT_FALSE(kept.isEmpty());
+            if (kept.isEmpty()) return QByteArray();
+            EXPECT_EQ(kept.first().kind, kind);
+            EXPECT_TRUE(kept.first().portText().contains("ferrule-device"))
+                << qPrintable(kept.first().portText());
+            QString error;
+            const auto doc =
+                SystemDocument::open(kept.first().path, model, Sysex::defaultHeader(model), &error);
+            EXPECT_TRUE(doc) << qPrintable(error);
+            return doc ? sentBytes(doc->image(), model) : QByteArray();
+        };
+        EXPECT_EQ(newest(Snapshot::Kind::Requested), sentBytes(w.device().received(), model));
 
         // Edit one parameter through the real editor, then send only what changed.
         EditorDriver driver;
@@ -108,8 +132,11 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         const int sent = dataSetsOut(w.monitor()->model()) - before;
         EXPECT_GE(sent, 1);
         EXPECT_LE(sent, 2) << "one parameter, at most two messages instead of 106";
-        // Nothing left to send now.
+        // Verify is on by default: the send was read back, and is kept as verified.
+        EXPECT_EQ(newest(Snapshot::Kind::Verified), sentBytes(w.document().image(), model));
+        // Nothing left to send now, and nothing new to keep.
         EXPECT_EQ(w.device().send(w.document().image(), true), 0);
+        EXPECT_EQ(w.history().snapshots().size(), 2);
 
         // The send ends when the last byte has left the line; JACK hands it over a cycle later.
         QTest::qWait(200);
@@ -129,7 +156,8 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         EXPECT_EQ(differences, 0) << "the device holds the document";
     }
 
-    // A second start remembers the ports; with the device gone, the window says so.
+    // A second start remembers the ports; with the device gone, the window says so. The device
+    // that answers meanwhile gets the first state of the history back, once that is confirmed.
     {
         auto again = std::make_unique<DeviceProcess>(
             jack, QStringList{QStringLiteral("--model"), QString::number(model)});
@@ -138,6 +166,27 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
                      SystemDocument(model, Sysex::defaultHeader(model)));
         EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
         EXPECT_TRUE(w.portState().contains("ferrule-device")) << qPrintable(w.portState());
+
+        const Snapshot first = w.history().snapshots().last();
+        QStringList asked;
+        w.setAskSendSnapshot([&](const QString& question) {
+            asked << question;
+            return asked.size() > 1; // No the first time, Yes the second
+        });
+        EXPECT_FALSE(w.sendSnapshot(first.path));
+        EXPECT_EQ(w.device().busy(), DeviceSession::Operation::None) << "nothing sent on No";
+        ASSERT_TRUE(w.sendSnapshot(first.path));
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        ASSERT_EQ(asked.size(), 2);
+        EXPECT_TRUE(asked[0].contains(first.localTime())) << qPrintable(asked[0]);
+        // Read back (the request follows the send on the same line): the device holds the
+        // first state again, and the history does not keep that state twice.
+        w.device().receive(w.document().image(), true);
+        ASSERT_TRUE(waitForEnd(w, 60000)) << qPrintable(w.lastResult());
+        EXPECT_EQ(sentBytes(w.device().received(), model), sentBytes(start, model));
+        const QList<Snapshot> kept = w.history().snapshots();
+        ASSERT_EQ(kept.size(), 3);
+        EXPECT_EQ(kept.first().kind, Snapshot::Kind::Sent);
     }
     MainWindow gone(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
     EXPECT_FALSE(gone.device().hasInput());

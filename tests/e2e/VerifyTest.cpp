@@ -99,6 +99,9 @@ TEST_P(TransmitVerify, ExitSaysWhetherTheDeviceHoldsWhatWasSentAndListsWhatItDoe
     HostRun r = transmitTo({});
     EXPECT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData();
     EXPECT_TRUE(r.out.contains("verified: the GT-")) << r.out.constData();
+    // ...and the history keeps the send as verified.
+    EXPECT_EQ(historyLines(runHost({QStringLiteral("--history")}, dir.path())).value(0).value(2),
+              QStringLiteral("verified"));
 
     // One message lost on the way: exit 4, and exactly the settings it carried are listed.
     const auto [lost, held] = lostMessage(model, sent, before);

@@ -75,3 +75,13 @@ inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int
                        const QProcessEnvironment& extra = QProcessEnvironment()) {
     return runProgram(QStringLiteral(FERRULE_HOST_BINARY), args, settingsRoot, timeoutMs, extra);
 }
+
+// The lines `ferrule-host --history` printed, each split into its fields (time, model, kind,
+// ports, file), newest first.
+inline QList<QStringList> historyLines(const HostRun& r) {
+    QList<QStringList> lines;
+    for (const QString& line :
+         QString::fromUtf8(r.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        lines << line.split(QLatin1Char('\t'));
+    return lines;
+}

@@ -1,6 +1,7 @@
 #include "DeviceRuns.h"
 
 #include "DiffRun.h"
+#include "HistoryRun.h"
 #include "LinkWatch.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
@@ -150,6 +151,9 @@ int runReadDevice(const HostOptions& options, SystemDocument& document) {
                                       : document.format();
         if (!document.saveAs(options.dataFile, format, &error)) return fail(1, error);
     }
+    keepInHistory(options.request ? Snapshot::Kind::Requested : Snapshot::Kind::Received, o.model,
+                  receiver.assembler().image(), o.header,
+                  {input.portName(), options.request ? output.portName() : QString()});
     const double wire = wireTimeMs(receiver.wireBytes());
     QString report =
         QStringLiteral(

@@ -2,6 +2,7 @@
 
 #include "DeviceRuns.h"
 #include "HeadlessRun.h"
+#include "HistoryRun.h"
 #include "MidiInput.h"
 #include "MidiOutput.h"
 #include "document/DocumentJournal.h"
@@ -110,7 +111,16 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
         run.edited = [&journal, &document](const QByteArray& image) {
             journal->keep(document, image);
         };
-    const PlugInEditor::Result result = editor.edit(document.image(), run);
+    const QByteArray edited = document.image();
+    const PlugInEditor::Result result = editor.edit(edited, run);
+    // What --transmit sent to the device is the state the device is in now; verified when it
+    // was read back so.
+    if (options.transmit && midi.isOpen() && result.ok && headlessRun.transmitted()) {
+        QStringList ports{midi.portName()};
+        if (options.verify) ports << readBack.portName();
+        keepInHistory(headlessRun.verified() ? Snapshot::Kind::Verified : Snapshot::Kind::Sent,
+                      options.model, edited, options.dataSetHeader(), ports);
+    }
     // An editor that failed leaves its journal for the next start.
     if (!result.ok) return fail(1, QStringLiteral("error: %1").arg(result.error));
 

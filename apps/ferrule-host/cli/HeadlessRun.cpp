@@ -137,6 +137,7 @@ void HeadlessRun::reportTransmission() {
         close(editor_);
         return;
     }
+    transmitted_ = true;
     const double expected = pipeline_.wireMs() + pipeline_.gapsMs();
     std::printf("sent %d messages, %lld bytes\n", pipeline_.messages(),
                 static_cast<long long>(pipeline_.bytes()));
@@ -148,6 +149,10 @@ void HeadlessRun::reportTransmission() {
         return;
     }
     close(editor_);
+}
+
+bool HeadlessRun::verified() const {
+    return verifier_ && verifier_->outcome() == ferrule::SendVerifier::Outcome::Verified;
 }
 
 void HeadlessRun::verify() {

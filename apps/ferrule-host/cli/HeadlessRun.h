@@ -34,6 +34,10 @@ public:
     // Schedules the run for the moment the editor's modal loop starts (also opens --page).
     void arm();
     int status() const { return status_; }
+    // The whole transmission left for the device (read back or not).
+    bool transmitted() const { return transmitted_; }
+    // It was read back, and the device holds every byte sent.
+    bool verified() const;
 
 private slots:
     void transmissionStopped();
@@ -54,6 +58,7 @@ private:
     ferrule::PlugInInterface* plugIn_;
     QWidget* editor_ = nullptr;
     int status_ = 0;
+    bool transmitted_ = false;
     ferrule::MidiInput* readBackInput_ = nullptr;
     std::unique_ptr<ferrule::PacedOutput> requests_;
     std::unique_ptr<ferrule::SendVerifier> verifier_;

@@ -12,7 +12,7 @@ bool wantsHeadless(int argc, char** argv) {
         const char* a = argv[i];
         for (const char* option :
              {"--screenshot", "--describe", "--transmit", "--list-midi-ports", "--export",
-              "--receive", "--request", "--main-screenshot", "--diff"})
+              "--receive", "--request", "--main-screenshot", "--diff", "--history"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
     }
     return false;
@@ -26,7 +26,7 @@ bool wantsWidgets(int argc, char** argv) {
              {"--screenshot", "--describe", "--transmit", "--main-screenshot", "--edit"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) return true;
         for (const char* option :
-             {"--export", "--receive", "--request", "--list-midi-ports", "--diff"})
+             {"--export", "--receive", "--request", "--list-midi-ports", "--diff", "--history"})
             if (std::strncmp(a, option, std::strlen(option)) == 0) windowless = true;
     }
     return !windowless;
@@ -164,6 +164,11 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
         QStringLiteral("With --transmit: read back what was sent from --midi-in and compare it; "
                        "exit 4 listing the parameters the device holds otherwise."));
     parser.addOption(verify);
+    const QCommandLineOption history(
+        QStringLiteral("history"),
+        QStringLiteral("List the device's states kept in the history, newest first: time, "
+                       "model, kind, port and file, one a line; then exit."));
+    parser.addOption(history);
     parser.addPositionalArgument(
         QStringLiteral("FILE"),
         QStringLiteral("System data to open in the main window, as File > Open does: a raw "
@@ -291,6 +296,7 @@ ParsedOptions parseHostOptions(const QStringList& arguments) {
                                       "(where it reads back what was sent)");
         return result;
     }
+    o.history = parser.isSet(history);
     o.refuseUpdate = parser.isSet(refuse);
     o.gapMs = parser.value(gap).toInt(&ok);
     if (!ok || o.gapMs < 0 || o.gapMs > 10000) {

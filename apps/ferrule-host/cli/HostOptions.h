@@ -47,6 +47,9 @@ struct HostOptions {
     // Takes the model a text file names; the default title follows it.
     void adoptModel(int model);
 
+    // --history: list the history's snapshots and exit.
+    bool history = false;
+
     // The data-set header in use for a model (by default the options' model).
     QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.

@@ -1,6 +1,8 @@
 #include "MainWindow.h"
 
 #include "FailedSaveDialog.h"
+#include "HistoryDock.h"
+#include "HistoryModel.h"
 #include "MidiMonitor.h"
 #include "RecoveryQuestion.h"
 #include "SettingsView.h"
@@ -9,6 +11,7 @@
 #include "device/ModelDescription.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
+#include "document/HostSettings.h"
 #include "document/ImageEdit.h"
 #include "plugin/EditorWindow.h"
 #include "plugin/ProgramName.h"
@@ -44,8 +47,6 @@ namespace ferrule {
 
 namespace {
 
-// The host's own settings (ports, recent files) sit beside the editor's.
-const QString kHostKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Host");
 constexpr int kRecentFiles = 8;
 // The title of the window's own dialogs.
 const QString kTitle = programName();
@@ -103,6 +104,10 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
         return askAfterFailedSave(error, changedOnDisk, this);
     };
     askRecover_ = [this](const QString& question) { return askToRecover(question, this); };
+    askSendSnapshot_ = [this](const QString& text) {
+        return QMessageBox::question(this, kTitle, text, QMessageBox::Yes | QMessageBox::Cancel,
+                                     QMessageBox::Cancel) == QMessageBox::Yes;
+    };
     askReadOnly_ = [this](const QString& text) {
         return QMessageBox::question(this, kTitle, text, QMessageBox::Open | QMessageBox::Cancel,
                                      QMessageBox::Cancel) == QMessageBox::Open;
@@ -215,6 +220,16 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
             [this](const QByteArray& m) { monitor_->model()->add(true, m); });
     connect(&device_, &DeviceSession::messageOut, monitor_->model(),
             [this](const QByteArray& m) { monitor_->model()->add(false, m); });
+    // The history shares the bottom with the monitor, in front: a person looks back at the
+    // device's states more often than at its messages.
+    historyModel_ = new HistoryModel(&history_, this);
+    historyDock_ = new HistoryDock(historyModel_, this);
+    addDockWidget(Qt::BottomDockWidgetArea, historyDock_);
+    tabifyDockWidget(dock, historyDock_);
+    historyDock_->raise();
+    connect(historyDock_, &HistoryDock::openRequested, this, &MainWindow::openSnapshot);
+    connect(historyDock_, &HistoryDock::sendRequested, this, &MainWindow::sendSnapshot);
+    connect(historyDock_, &HistoryDock::compareRequested, this, &MainWindow::compareWithFile);
 
     progress_ = new QProgressBar(this);
     progress_->setMinimumWidth(300);
@@ -260,6 +275,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     connect(&device_, &DeviceSession::started, this, [this](DeviceSession::Operation op) {
         readingBack_ = op == DeviceSession::Operation::Verify;
         if (readingBack_) say(QStringLiteral("reading back what was sent…"));
+        operation_ = op;
         progress_->setRange(0, 0);
         refreshState();
     });
@@ -387,6 +403,7 @@ void MainWindow::buildActions() {
 
     QMenu* view = menuBar()->addMenu(QStringLiteral("&View"));
     view->addAction(findChild<QDockWidget*>(QStringLiteral("MidiMonitorDock"))->toggleViewAction());
+    view->addAction(historyDock_->toggleViewAction());
 
     QMenu* help = menuBar()->addMenu(QStringLiteral("&Help"));
     add(help, QStringLiteral("&About ferrule-host"), [this] {
@@ -637,6 +654,7 @@ void MainWindow::refreshState() {
     enableAction(request_, !inWhy.isEmpty() ? inWhy : outWhy);
     enableAction(send_, outWhy);
     enableAction(sendChanges_, outWhy);
+    historyDock_->setSendProblem(outWhy);
     enableAction(stop_,
                  idle ? QStringLiteral("no transfer with the device is running") : QString());
     enableAction(compareDevice_, !inWhy.isEmpty() ? inWhy : outWhy);
@@ -967,7 +985,12 @@ void MainWindow::startSend(bool onlyChanges) {
     refreshState();
 }
 
-void MainWindow::operationFinished(bool ok, const QString& message) {
+void MainWindow::operationFinished(bool ok, const QString& done) {
+    // A failed or stopped operation leaves nothing in the history; but a read-back that failed
+    // or found differences follows a send that happened, and that send is kept.
+    const bool sent = ok || operation_ == DeviceSession::Operation::Verify;
+    const QString message = sent ? done + recordSnapshot() : done;
+    operation_ = DeviceSession::Operation::None;
     if (compareAfterRead_) {
         // Read to compare: the device's data fills the Device column, the document stays.
         compareAfterRead_ = false;
@@ -1023,6 +1046,100 @@ void MainWindow::offerSendAgain() {
     const int queued = device_.sendAgain();
     if (queued > 0) say(QStringLiteral("sending %1 messages again…").arg(queued));
     refreshState();
+}
+
+QString MainWindow::recordSnapshot() {
+    using Operation = DeviceSession::Operation;
+    Snapshot::Kind kind = Snapshot::Kind::Sent;
+    QByteArray image = device_.received();
+    QStringList ports;
+    switch (operation_) {
+    case Operation::Receive:
+        kind = Snapshot::Kind::Received;
+        ports = {device_.inputName()};
+        break;
+    case Operation::Request:
+        kind = Snapshot::Kind::Requested;
+        ports = {device_.inputName(), device_.outputName()};
+        break;
+    case Operation::Send:
+        // Whole or only the changes, the device now holds what it was last known to hold with
+        // the messages sent over it.
+        image = device_.knowledge().image;
+        ports = {device_.outputName()};
+        break;
+    case Operation::Verify:
+        // What was sent, verified when the device was read back holding all of it.
+        if (const SendVerifier* v = device_.verification()) {
+            image = v->sentImage();
+            if (v->outcome() == SendVerifier::Outcome::Verified) kind = Snapshot::Kind::Verified;
+        }
+        ports = {device_.outputName(), device_.inputName()};
+        break;
+    case Operation::None:
+        return {};
+    }
+    if (image.isEmpty()) return {};
+    ports.removeAll(QString());
+    ports.removeDuplicates();
+    QString error;
+    history_.record(kind, document_.model(), image, options_.dataSetHeader(document_.model()),
+                    ports, &error);
+    return error.isEmpty() ? QString() : QStringLiteral("; not kept in the history: %1").arg(error);
+}
+
+std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot) {
+    QString error = QStringLiteral("%1 is not a snapshot of the history").arg(path);
+    std::optional<SystemDocument> doc;
+    if (const std::optional<Snapshot> s = History::of(path)) {
+        *snapshot = *s;
+        doc = SystemDocument::open(path, s->model, options_.dataSetHeader(s->model), &error);
+    }
+    if (!doc) {
+        say(error);
+        QMessageBox::warning(this, kTitle, error);
+    }
+    return doc;
+}
+
+bool MainWindow::openSnapshot(const QString& path) {
+    if (!maybeSave()) return false;
+    Snapshot s;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    if (!snapshot) return false;
+    // A new document: saving it must not write into the history.
+    SystemDocument next(snapshot->model(), snapshot->header());
+    next.setImage(snapshot->image());
+    document_ = std::move(next);
+    modelBox_->setCurrentIndex(modelBox_->findData(document_.model()));
+    device_.setHeader(document_.model(), options_.sysexHeader);
+    say(QStringLiteral("opened the GT-%1 system data %2 on %3 as new data")
+            .arg(s.model)
+            .arg(Snapshot::kindName(s.kind), s.localTime()));
+    refreshState();
+    return true;
+}
+
+bool MainWindow::sendSnapshot(const QString& path) {
+    Snapshot s;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    if (!snapshot) return false;
+    if (s.model != document_.model()) {
+        say(QStringLiteral("not sent: the snapshot holds GT-%1 system data and the window edits "
+                           "the GT-%2 (choose the GT-%1 in the Model box first)")
+                .arg(s.model)
+                .arg(document_.model()));
+        return false;
+    }
+    if (!askSendSnapshot_(QStringLiteral("Send the GT-%1 system data %2 on %3 to the device?\n\n"
+                                         "It replaces all of the device's system settings.")
+                              .arg(s.model)
+                              .arg(Snapshot::kindName(s.kind), s.localTime())))
+        return false;
+    const int queued = device_.send(snapshot->image(), false);
+    if (queued > 0) say(QStringLiteral("sending the snapshot: %1 messages…").arg(queued));
+    refreshState();
+    return queued > 0;
 }
 
 bool MainWindow::maybeSave() {

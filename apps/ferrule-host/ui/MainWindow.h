@@ -3,6 +3,7 @@
 #include "cli/HostOptions.h"
 #include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
+#include "document/History.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
 #include "plugin/PlugInEditor.h"
@@ -25,6 +26,8 @@ class QUndoStack;
 
 namespace ferrule {
 
+class HistoryDock;
+class HistoryModel;
 class MidiMonitor;
 class SettingsView;
 struct Parameter;
@@ -51,6 +54,8 @@ public:
     MidiMonitor* monitor() const { return monitor_; }
     SettingsView* settingsView() const { return view_; }
     QUndoStack* undoStack() const { return undo_; }
+    History& history() { return history_; }
+    HistoryDock* historyDock() const { return historyDock_; }
     QString lastResult() const { return lastResult_; }
     QString portState() const;
 
@@ -69,6 +74,9 @@ public:
     // Opening a file that another ferrule-host has unsaved changes to: true opens it read-only.
     using AskReadOnly = std::function<bool(const QString& text)>;
     void setAskReadOnly(AskReadOnly ask) { askReadOnly_ = std::move(ask); }
+    // Sending a snapshot of the history to the device: true sends it.
+    using AskConfirm = std::function<bool(const QString& text)>;
+    void setAskSendSnapshot(AskConfirm ask) { askSendSnapshot_ = std::move(ask); }
     // The question about changes an earlier run left unsaved: true recovers them.
     void setAskRecover(DocumentJournal::Ask ask) { askRecover_ = std::move(ask); }
     // Offers the changes an earlier run left unsaved to this window's document, if there are
@@ -102,6 +110,11 @@ public:
     // document stays as it is.
     void compareWithDevice();
 
+    // A snapshot of the history as a new document (unsaved changes are asked about first).
+    bool openSnapshot(const QString& path);
+    // A snapshot of the history sent to the device, as Send sends the document, once confirmed.
+    bool sendSnapshot(const QString& path);
+
 public slots:
     // Compare with File… (and a history snapshot): the file's values in the Compared column,
     // the differences marked; false (said on the Last line) when it cannot be read.
@@ -125,6 +138,10 @@ private:
     void operationFinished(bool ok, const QString& message);
     // After a read-back that found differences: lists them and offers to send them again.
     void offerSendAgain();
+    // Keeps what a finished operation read from or left in the device; a note when it could not.
+    QString recordSnapshot();
+    // A snapshot's data, and what it is; nullopt when it cannot be read, which is said.
+    std::optional<SystemDocument> loadSnapshot(const QString& path, Snapshot* snapshot);
     void say(const QString& message);
     // The document's read warnings, on the status bar.
     void showReadWarnings();
@@ -140,6 +157,11 @@ private:
     PlugInEditor editor_;
     bool editorLoaded_ = false;
     MidiMonitor* monitor_ = nullptr;
+    History history_;
+    HistoryModel* historyModel_ = nullptr;
+    HistoryDock* historyDock_ = nullptr;
+    // The device operation under way, as it started.
+    DeviceSession::Operation operation_ = DeviceSession::Operation::None;
     QComboBox* modelBox_ = nullptr;
     QComboBox* apiBox_ = nullptr;
     QComboBox* inBox_ = nullptr;
@@ -174,6 +196,7 @@ private:
     AskAfterFailedSave askFailed_;
     AskReadOnly askReadOnly_;
     DocumentJournal::Ask askRecover_;
+    AskConfirm askSendSnapshot_;
     DocumentLock lock_;
     DocumentJournal journal_;
 };
