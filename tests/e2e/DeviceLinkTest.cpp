@@ -400,7 +400,7 @@ TEST_F(DeviceLink, TheTimeLeftOfARequestAndASendIsNeverBelowTheWireTimeLeftAndEn
     // What holds however fast the machine is: the data still to come cannot cross the wire
     // faster than MIDI's rate (a request counts units, each at least a byte on the wire; a
     // send counts bytes), and once all is there nothing is left. How close the estimate comes
-    // to the clock is measured by bench/time_left.sh.
+    // to the clock is measured by the benchmark BM_TimeLeftAgainstTheClock.
     for (const bool request : {true, false}) {
         const char* what = request ? "request" : "send";
         struct Sample {

@@ -88,7 +88,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         ASSERT_TRUE(w.edit()) << qPrintable(w.lastResult());
         const int before = dataSetsOut(w.monitor()->model());
         ASSERT_GT(w.device().send(w.document().image(), true), 0);
-        ASSERT_TRUE(waitForEnd(w, 30000)) << qPrintable(w.lastResult());
+        ASSERT_TRUE(waitForEnd(w, 120000)) << qPrintable(w.lastResult());
         const int sent = dataSetsOut(w.monitor()->model()) - before;
         EXPECT_GE(sent, 1);
         EXPECT_LE(sent, 2) << "one parameter, at most two messages instead of 106";

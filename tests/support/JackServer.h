@@ -138,7 +138,8 @@ public:
     int stop() {
         if (device_.state() != QProcess::NotRunning) {
             device_.terminate();
-            if (!device_.waitForFinished(10000)) device_.kill();
+            // Its end includes saving the image and, in a sanitizer build, the leak check.
+            if (!device_.waitForFinished(120000)) device_.kill();
         }
         out_ += device_.readAllStandardOutput();
         err_ += device_.readAllStandardError();
