@@ -10,6 +10,7 @@
 #include "MidiInput.h"
 #include "MonitorCounts.h"
 #include "QtPrinters.h"
+#include "WindowPorts.h"
 #include "WireTime.h"
 #include "device/DumpMap.h"
 #include "device/SysexCodec.h"
@@ -98,6 +99,7 @@ protected:
             std::make_unique<MainWindow>(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w->setAskSave([](const QString&) { return QMessageBox::Discard; });
         w->setAskUnknownDevice([] { return MainWindow::UnknownDeviceAnswer::SendEverything; });
+        waitForPorts(*w, kHangMs);
         return w;
     }
     JackServer jack_;
@@ -194,6 +196,7 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
     ASSERT_TRUE(device->ready());
     w->refreshPorts();
+    waitForPorts(*w, kHangMs);
     ASSERT_TRUE(w->device().hasOutput()) << qPrintable(w->portState());
     ASSERT_GT(w->device().send(w->document().image(), false), 0);
     clock.restart();

@@ -6,6 +6,7 @@
 #include "JackServer.h"
 #include "MonitorCounts.h"
 #include "QtPrinters.h"
+#include "WindowPorts.h"
 #include "device/DefaultImage.h"
 #include "device/DumpMap.h"
 #include "device/ModelMap.h"
@@ -62,7 +63,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         o.midiIn = o.midiOut = QStringLiteral("ferrule-device");
         MainWindow w(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w.setAskSave([](const QString&) { return QMessageBox::Discard; });
-        ASSERT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
+        ASSERT_TRUE(waitForPorts(w)) << qPrintable(w.portState());
 
         // Request: the document becomes the device's data. Half way, the window is rendered
         // for the gallery (and the README).
@@ -125,7 +126,7 @@ TEST(MainWindowDevice, RequestEditSendChangesAndPortsThatAreRememberedOrGone) {
         ASSERT_TRUE(again->ready());
         MainWindow w(hostOptionsForTests(model),
                      SystemDocument(model, Sysex::defaultHeader(model)));
-        EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
+        EXPECT_TRUE(waitForPorts(w)) << qPrintable(w.portState());
         EXPECT_TRUE(w.portState().contains("ferrule-device")) << qPrintable(w.portState());
     }
     MainWindow gone(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
