@@ -197,7 +197,7 @@ TEST(DeviceRead, ADumpStartedOnTheDeviceIsReceivedInAnyChunkingAndFailuresWriteN
         runHost(gt6 + QStringList{QStringLiteral("--receive"), QStringLiteral("--midi-in"),
                                   QStringLiteral("no-such-port"), QStringLiteral("--export"),
                                   dir.filePath(QStringLiteral("x.syx"))},
-                dir.path(), 30000, jack.env());
+                dir.path(), 120000, jack.env());
     EXPECT_EQ(noPort.exitCode, 3);
     EXPECT_EQ(noPort.errLines().filter(QStringLiteral("ferrule-host:")),
               QStringList{QStringLiteral(
@@ -208,7 +208,7 @@ TEST(DeviceRead, ADumpStartedOnTheDeviceIsReceivedInAnyChunkingAndFailuresWriteN
     const HostRun noMidi =
         runHost(gt6 + QStringList{QStringLiteral("--transmit"), QStringLiteral("--midi-api"),
                                   QStringLiteral("jack"), QStringLiteral("--midi-out"), port},
-                dir.path(), 30000, noServer);
+                dir.path(), 120000, noServer);
     EXPECT_EQ(noMidi.exitCode, 3);
     EXPECT_TRUE(noMidi.err.contains("ferrule-host: no JACK server runs")) << noMidi.err.constData();
     EXPECT_FALSE(noMidi.out.contains("sent"));

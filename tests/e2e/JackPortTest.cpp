@@ -25,7 +25,7 @@ QByteArray sysex(int dataBytes, std::mt19937& random) {
 }
 
 // Runs the event loop until `input` has received `count` messages in all, or time runs out.
-QList<QByteArray> receive(MidiInput& input, int count, int timeoutMs = 10000) {
+QList<QByteArray> receive(MidiInput& input, int count, int timeoutMs = 120000) {
     QList<QByteArray> got;
     QObject::connect(&input, &MidiInput::messageReceived, [&](const QByteArray& m) { got << m; });
     QSignalSpy spy(&input, &MidiInput::messageReceived);

@@ -9,10 +9,12 @@
 #include "device/SysexCodec.h"
 #include "device/SyxFile.h"
 #include "document/HostSettings.h"
+#include "document/SettingsModel.h"
 #include "settings/SettingsStore.h"
 #include "ui/HistoryDock.h"
 #include "ui/HistoryModel.h"
 #include "ui/MainWindow.h"
+#include "ui/SettingsView.h"
 
 #include <QDir>
 #include <QFile>
@@ -209,12 +211,15 @@ TEST(HistoryDock, ANewSnapshotIsListedAndOpenMakesItANewDocumentAfterAskingAbout
     EXPECT_FALSE(send->isEnabled());
     EXPECT_TRUE(send->toolTip().startsWith(QLatin1String("Not now: ")))
         << qPrintable(send->toolTip());
-    EXPECT_FALSE(compare->isEnabled()) << "nothing in the window compares yet";
+    // Compare asks the window, which compares only a state of its own model.
     QSignalSpy compared(dock, &HistoryDock::compareRequested);
     ASSERT_TRUE(compare->isEnabled());
     compare->click();
     ASSERT_EQ(compared.size(), 1);
     EXPECT_EQ(compared[0][0].toString(), requested.path);
+    EXPECT_TRUE(window.lastResult().startsWith(
+        QLatin1String("not compared: the snapshot holds GT-8 system data")))
+        << qPrintable(window.lastResult());
 
     // Another model's state is not sent to this one.
     int confirmations = 0;
@@ -228,6 +233,10 @@ TEST(HistoryDock, ANewSnapshotIsListedAndOpenMakesItANewDocumentAfterAskingAbout
     ASSERT_TRUE(store(history, Kind::Received, 10, randomImage(10, 8)));
     EXPECT_EQ(view->model()->rowCount(), 3);
     EXPECT_EQ(dock->selected()->path, requested.path);
+    // A state of the window's own model fills the Compared column.
+    EXPECT_TRUE(window.compareWithSnapshot(history.snapshots().first().path))
+        << qPrintable(window.lastResult());
+    EXPECT_GT(window.settingsView()->model()->differences(SettingsModel::ComparedSide), 0);
 
     // Unsaved changes are asked about; Cancel keeps them.
     QByteArray edited = window.document().image();

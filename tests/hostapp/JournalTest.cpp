@@ -133,7 +133,7 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
                 const auto e = journal.read(path, model);
                 return e && e->image == image;
             },
-            10000));
+            120000));
         ASSERT_TRUE(readFile(path) == before);
     };
     struct Next {
@@ -221,7 +221,7 @@ TEST_P(WindowJournal, EditsInsideTheEditorAreJournaledBeforeOk) {
         driver.cancel = cancel;
         QByteArray journaled;
         driver.beforeClose = [&] {
-            if (QTest::qWaitFor([&] { return journal.read(path, model).has_value(); }, 10000))
+            if (QTest::qWaitFor([&] { return journal.read(path, model).has_value(); }, 120000))
                 journaled = journal.read(path, model)->image;
         };
         driver.arm();

@@ -161,7 +161,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
                  QStringLiteral(FERRULE_PLUGIN_FILE)});
     ASSERT_TRUE(other.waitForStarted());
     ASSERT_TRUE(
-        QTest::qWaitFor([&] { return DocumentLock::holder(path) == other.processId(); }, 20000))
+        QTest::qWaitFor([&] { return DocumentLock::holder(path) == other.processId(); }, 120000))
         << other.readAllStandardError().constData();
 
     // A third one that would edit it is refused, with the reason.
@@ -171,7 +171,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
                 {QStringLiteral("--edit"), QStringLiteral("--model"), QString::number(model),
                  QStringLiteral("--data"), path, QStringLiteral("--plugin"),
                  QStringLiteral(FERRULE_PLUGIN_FILE)});
-    ASSERT_TRUE(third.waitForFinished(20000));
+    ASSERT_TRUE(third.waitForFinished(120000));
     EXPECT_EQ(third.exitCode(), 2);
     EXPECT_TRUE(third.readAllStandardError().contains(
         QStringLiteral("has unsaved changes in another ferrule-host (process %1)")

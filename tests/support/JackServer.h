@@ -118,12 +118,16 @@ public:
         all.insert(jack.env());
         device_.setProcessEnvironment(all);
         device_.start(QStringLiteral(FERRULE_DEVICE_BINARY), args);
-        while (device_.waitForReadyRead(10000)) {
+        // The device says "ready" once its ports are there. A loaded machine can take many
+        // seconds to start it, so this waits for that line or for the device's end, not for a
+        // time; the test's own time limit is there for a device that hangs.
+        while (!ready_ && device_.waitForReadyRead(-1)) {
             out_ += device_.readAllStandardOutput();
-            if (out_.contains("ready")) {
-                ready_ = true;
-                break;
-            }
+            ready_ = out_.contains("ready");
+        }
+        if (!ready_) {
+            stop();
+            ADD_FAILURE() << "ferrule-device did not start: " << output().constData();
         }
     }
     ~DeviceProcess() { stop(); }
@@ -134,7 +138,8 @@ public:
     int stop() {
         if (device_.state() != QProcess::NotRunning) {
             device_.terminate();
-            if (!device_.waitForFinished(10000)) device_.kill();
+            // Its end includes saving the image and, in a sanitizer build, the leak check.
+            if (!device_.waitForFinished(120000)) device_.kill();
         }
         out_ += device_.readAllStandardOutput();
         err_ += device_.readAllStandardError();

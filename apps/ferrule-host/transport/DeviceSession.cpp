@@ -260,7 +260,10 @@ int DeviceSession::startSending(const QByteArray& image, const QByteArray& base,
         at = std::max(at, paced_.nowNs()) + wireTimeNs(m.size()) + gap;
     }
     emit started(operation_);
-    emit progress(0, total_, qint64(wireTimeMs(total_)) + opTotalMessages_ * gapMs_);
+    TimeLeft t;
+    t.leftWireMs = wireTimeMs(total_) + double(opTotalMessages_) * gapMs_;
+    t.leftExchanges = opTotalMessages_;
+    emit progress(0, total_, t.ms());
     return opTotalMessages_;
 }
 

@@ -9,6 +9,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace ferrule {
@@ -74,14 +75,18 @@ QString DumpReceiver::rangeName(const DumpMap::Range& r) const {
 
 qint64 DumpReceiver::msLeft() const {
     TimeLeft t;
+    if (assembler_.complete()) return 0;
     if (options_.request) {
+        // The exchanges done set the pace; of the one under way, what has arrived is off its
+        // wire time, so the time left falls with the bytes and never below their wire time.
         for (std::size_t i = 0; i < exchangeWireMs_.size(); ++i)
             (i < rangeIndex_ ? t.doneWireMs : t.leftWireMs) += exchangeWireMs_[i];
+        if (rangeIndex_ < exchangeWireMs_.size())
+            t.leftWireMs -= std::min(exchangeWireMs_[rangeIndex_], wireTimeMs(rangeBytes_));
         t.doneExchanges = int(rangeIndex_);
         t.leftExchanges = int(ranges_.size() - rangeIndex_);
         t.elapsedMs = lastExchangeEndMs_;
-        const double sinceMs = double(clock_.nsecsElapsed()) / 1e6 - lastExchangeEndMs_;
-        return std::max<qint64>(0, t.ms() - qint64(sinceMs));
+        return t.ms();
     }
     // A dump the device sends by itself: one exchange a block, at the device's own pace.
     t.doneWireMs = wireTimeMs(wireBytes_);
@@ -127,6 +132,7 @@ void DumpReceiver::onMessage(const QByteArray& message) {
     }
     ++applied_;
     wireBytes_ += message.size();
+    rangeBytes_ += message.size();
     emit progress(std::min(assembler_.unitsReceived(), unitsExpected()), unitsExpected());
     if (assembler_.complete()) {
         finish({});
@@ -140,6 +146,7 @@ void DumpReceiver::onMessage(const QByteArray& message) {
         while (rangeIndex_ < ranges_.size() && currentRangeComplete())
             ++rangeIndex_;
         tries_ = 0;
+        rangeBytes_ = 0;
         lastExchangeEndMs_ = double(clock_.nsecsElapsed()) / 1e6;
         if (rangeIndex_ < ranges_.size())
             sendRequest();

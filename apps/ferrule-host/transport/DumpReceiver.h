@@ -89,6 +89,7 @@ private:
     QString error_;
     QString details_;
     double lastExchangeEndMs_ = 0; // when the last range completed (request)
+    qint64 rangeBytes_ = 0;        // request: the answer bytes of the range under way so far
     int applied_ = 0, foreign_ = 0, badChecksums_ = 0, rejected_ = 0, requestsSent_ = 0;
     double elapsedMs_ = 0;
     qint64 wireBytes_ = 0;

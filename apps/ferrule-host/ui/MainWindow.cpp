@@ -229,7 +229,7 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     historyDock_->raise();
     connect(historyDock_, &HistoryDock::openRequested, this, &MainWindow::openSnapshot);
     connect(historyDock_, &HistoryDock::sendRequested, this, &MainWindow::sendSnapshot);
-    connect(historyDock_, &HistoryDock::compareRequested, this, &MainWindow::compareWithFile);
+    connect(historyDock_, &HistoryDock::compareRequested, this, &MainWindow::compareWithSnapshot);
 
     progress_ = new QProgressBar(this);
     progress_->setMinimumWidth(300);
@@ -869,12 +869,32 @@ bool MainWindow::compareWithFile(const QString& path) {
         say(QStringLiteral("not compared: %1").arg(error));
         return false;
     }
-    view_->model()->setImage(SettingsModel::ComparedSide, other->image());
-    view_->setOtherSide(SettingsModel::ComparedSide, QFileInfo(path).fileName());
+    showCompared(other->image(), QFileInfo(path).fileName(), path);
+    return true;
+}
+
+bool MainWindow::compareWithSnapshot(const QString& path) {
+    Snapshot s;
+    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    if (!snapshot) return false;
+    if (s.model != document_.model()) {
+        say(QStringLiteral("not compared: the snapshot holds GT-%1 system data and the window "
+                           "edits the GT-%2")
+                .arg(s.model)
+                .arg(document_.model()));
+        return false;
+    }
+    const QString name = QStringLiteral("%1 %2").arg(Snapshot::kindName(s.kind), s.localTime());
+    showCompared(snapshot->image(), name, QStringLiteral("the snapshot %1").arg(name));
+    return true;
+}
+
+void MainWindow::showCompared(const QByteArray& image, const QString& column, const QString& what) {
+    view_->model()->setImage(SettingsModel::ComparedSide, image);
+    view_->setOtherSide(SettingsModel::ComparedSide, column);
     refreshState();
     const int count = view_->model()->differences(SettingsModel::ComparedSide);
-    say(QStringLiteral("compared with %1: %2").arg(path, settingsDiffer(count)));
-    return true;
+    say(QStringLiteral("compared with %1: %2").arg(what, settingsDiffer(count)));
 }
 
 void MainWindow::compareWithDevice() {

@@ -119,6 +119,8 @@ public slots:
     // Compare with File… (and a history snapshot): the file's values in the Compared column,
     // the differences marked; false (said on the Last line) when it cannot be read.
     bool compareWithFile(const QString& path);
+    // The History dock's Compare: a snapshot of the same model in the Compared column.
+    bool compareWithSnapshot(const QString& path);
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -143,6 +145,8 @@ private:
     // A snapshot's data, and what it is; nullopt when it cannot be read, which is said.
     std::optional<SystemDocument> loadSnapshot(const QString& path, Snapshot* snapshot);
     void say(const QString& message);
+    // `image` in the Compared column, headed `column`; the count of differences said.
+    void showCompared(const QByteArray& image, const QString& column, const QString& what);
     // The document's read warnings, on the status bar.
     void showReadWarnings();
     void takeValuesOf(const std::vector<const Parameter*>& parameters, const QString& step);
