@@ -212,8 +212,8 @@ offers ferrule-device ''
     ASSERT_TRUE(bash.waitForFinished(60000));
     EXPECT_EQ(QString::fromUtf8(bash.readAllStandardOutput()).split(QLatin1Char('\n')),
               (QStringList{QStringLiteral("--model"), QStringLiteral("3 5 6 8 10"),
-                           QStringLiteral("alsa jack"), QStringLiteral("gt8.syx"), QString(),
-                           QStringLiteral("gt8.syx notes.txt"), QStringLiteral("--dump-after"),
-                           QString(), QString()}))
+                           QStringLiteral("alsa jack"), QStringLiteral("gt8.syx notes.txt"),
+                           QString(), QStringLiteral("gt8.syx notes.txt"),
+                           QStringLiteral("--dump-after"), QString(), QString()}))
         << bash.readAllStandardError().constData();
 }
