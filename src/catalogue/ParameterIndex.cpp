@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 
 namespace ferrule {
 
@@ -497,12 +498,16 @@ ParameterIndex ParameterIndex::build(int model) {
 }
 
 const ParameterIndex& ParameterIndex::of(int model) {
-    static const std::array<ParameterIndex, 5> indexes = {build(3), build(5), build(6), build(8),
-                                                          build(10)};
+    // Each model's index is built on its first use, by whichever thread asks first.
+    constexpr std::size_t n = std::size(kModels);
+    static std::array<std::once_flag, n> once;
+    static std::array<std::optional<ParameterIndex>, n> indexes;
     static const ParameterIndex none;
-    for (const ParameterIndex& index : indexes)
-        if (index.model() == model) return index;
-    return none;
+    const auto at = std::ranges::find(kModels, model);
+    if (at == std::end(kModels)) return none;
+    const auto k = std::size_t(at - std::begin(kModels));
+    std::call_once(once[k], [&] { indexes[k] = build(model); });
+    return *indexes[k];
 }
 
 const Parameter* ParameterIndex::find(QStringView name) const {
