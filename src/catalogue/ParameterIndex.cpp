@@ -530,6 +530,8 @@ std::vector<ParameterDifference> compareImages(int model, ImageBytes a, ImageByt
         if (std::size_t(i) < size && a[std::size_t(i)] != b[std::size_t(i)])
             differs[std::size_t(i)] = true;
     std::vector<ParameterDifference> differences;
+    // At most one a parameter and one an uncovered byte; only what is used is touched.
+    differences.reserve(index.parameters().size() + index.uncoveredBytes().size());
     // A parameter differs where one of its bytes that the transmission sends does; two bytes
     // that two parameters share make a difference of each.
     for (const Parameter& p : index.parameters())
@@ -548,9 +550,10 @@ std::vector<ParameterDifference> compareImages(int model, ImageBytes a, ImageByt
 
 QString differenceLine(const ParameterDifference& d) {
     if (!d.parameter)
-        return QStringLiteral("Address %1: %2 -> %3").arg(d.address).arg(d.a).arg(d.b);
-    return QStringLiteral("%1: %2 -> %3")
-        .arg(d.parameter->name(), d.parameter->valueText(d.a), d.parameter->valueText(d.b));
+        return u"Address " % QString::number(d.address) % u": " % QString::number(d.a) % u" -> " %
+               QString::number(d.b);
+    return d.parameter->name() % u": " % d.parameter->valueText(d.a) % u" -> " %
+           d.parameter->valueText(d.b);
 }
 
 } // namespace ferrule
