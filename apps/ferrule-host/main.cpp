@@ -1,165 +1,45 @@
 // ferrule-host: a stand-alone host for the Ferrule system-settings editor. It reads the system
 // data from a file or the device, runs the plug-in's editor on it, sends it to the device and
 // saves it. The parts: cli (options, headless runs), document (the data and its files),
-// transport (MIDI and pacing), plugin (the host object and the plug-in's editor).
+// transport (MIDI and pacing), plugin (the host object and the plug-in's editor), ui (the main
+// window). The program itself carries the runs without a window; the ones with windows are in
+// its windowed part, a library it loads only for them, so that a --diff or an --export starts
+// without the GUI libraries.
 
 #include "cli/DeviceRuns.h"
-#include "cli/DiffRun.h"
-#include "cli/EditorRun.h"
-#include "cli/HistoryRun.h"
-#include "cli/HostOptions.h"
-#include "device/SyxFile.h"
-#include "document/SystemDocument.h"
-#include "io/QtThreads.h"
-#include "ui/FirstFrameReport.h"
-#include "ui/MainWindow.h"
+#include "cli/HostRun.h"
 
-#include <QApplication>
-#include <QFile>
-#include <QFileInfo>
+#include <dlfcn.h>
 
-#include <csignal>
-#include <cstdio>
-#include <memory>
-#include <vector>
+#include <filesystem>
 
 using namespace ferrule;
 
 namespace {
 
-bool displayAvailable() {
-    return !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
-           !qEnvironmentVariableIsEmpty("DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-}
-
-// The model a file named alone holds: a .syx file's or a settings text's own, otherwise the
-// options' model.
-int modelToOpen(const HostOptions& options) {
-    if (const int model = SystemDocument::textModel(options.openFile)) return model;
-    QFile file(options.openFile);
-    if (!file.open(QIODevice::ReadOnly)) return options.model;
-    const int model = SyxFile::modelOf(file.read(SyxFile::kMaxSize), options.dataSetHeader());
-    return model != 0 ? model : options.model;
-}
-
-// The document the options name: the --data file, or the embedded default. A device read may
-// name a --data file that does not exist yet; it is created when the read succeeds. A file
-// named alone is opened by the main window itself, on the default data of its model.
-std::optional<SystemDocument> openDocument(const HostOptions& options, QString* error) {
-    if (!options.openFile.isEmpty()) {
-        const int model = modelToOpen(options);
-        return SystemDocument(model, options.dataSetHeader(model));
-    }
-    if (options.dataFile.isEmpty() ||
-        (options.readsDevice() && !QFileInfo::exists(options.dataFile)))
-        return SystemDocument(options.model, options.dataSetHeader());
-    return SystemDocument::open(options.dataFile, options.model, options.dataSetHeader(), error);
-}
-
-int run(int argc, char** argv) {
-    // A closed pipe or socket (a MIDI system that dropped us, a reader that went away) must
-    // come back as a failed write that is reported, not end the process unannounced.
-    std::signal(SIGPIPE, SIG_IGN);
-    const bool headless = wantsHeadless(argc, argv);
-    if (headless && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    bool needsDisplay = !headless;
-    for (int i = 1; i < argc; ++i) {
-        const QByteArray a(argv[i]);
-        if (a == "--help" || a == "-h" || a == "--version" || a == "-v") needsDisplay = false;
-    }
-    if (needsDisplay && !displayAvailable())
+// The windowed part's entry point, from the library beside the program (its folder relative
+// to the program's is the same in the build tree and when installed).
+int runWindowed(int argc, char** argv) {
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    const std::filesystem::path library =
+        self.parent_path() / FERRULE_WINDOWED_RELDIR / FERRULE_WINDOWED_FILE;
+    void* handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle)
         return fail(kExitBadInput,
-                    QStringLiteral("no display to show the editor on; use --screenshot FILE.png "
-                                   "to render it without one"));
-    if (!needsDisplay && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !displayAvailable())
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-
-    // Qt takes "-plugin NAME" for itself, so the command line is read from argv before
-    // QApplication sees it, and our --plugin option is kept away from Qt.
-    QStringList arguments;
-    std::vector<char*> qtArgv;
-    for (int i = 0; i < argc; ++i) {
-        arguments << QString::fromLocal8Bit(argv[i]);
-        const QByteArray a(argv[i]);
-        if (i > 0 && (a == "--plugin" || a == "-plugin") && i + 1 < argc) {
-            arguments << QString::fromLocal8Bit(argv[++i]);
-            continue;
-        }
-        if (i > 0 && (a.startsWith("--plugin=") || a.startsWith("-plugin="))) continue;
-        qtArgv.push_back(argv[i]);
-    }
-    int qtArgc = int(qtArgv.size());
-    qtArgv.push_back(nullptr);
-    // Runs that open no window start faster without the GUI: no platform, no fonts.
-    std::unique_ptr<QCoreApplication> app;
-    if (wantsWidgets(argc, argv)) {
-        app = std::make_unique<QApplication>(qtArgc, qtArgv.data());
-        FirstFrameReport::installIfAsked(QStringLiteral("SysForm"));
-    } else
-        app = std::make_unique<QCoreApplication>(qtArgc, qtArgv.data());
-    QCoreApplication::setApplicationName(QStringLiteral("ferrule-host"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(FERRULE_VERSION));
-    // The desktop entry the windows belong to (their app id on Wayland).
-    QGuiApplication::setDesktopFileName(QStringLiteral(FERRULE_APP_ID));
-
-    const ParsedOptions parsed = parseHostOptions(arguments);
-    if (!parsed.message.isEmpty()) {
-        std::fputs(qPrintable(parsed.message), stdout);
-        return 0;
-    }
-    if (!parsed.options) return fail(kExitBadInput, parsed.error);
-    HostOptions options = *parsed.options;
-    // A settings text names its model; without --model, that is the model to work on.
-    if (!options.modelGiven)
-        if (const int model = SystemDocument::textModel(options.dataFile))
-            options.adoptModel(model);
-
-    if (options.listMidiPorts) return runListPorts(options);
-    if (options.history) return runHistory();
-
-    QString error;
-    std::optional<SystemDocument> document = openDocument(options, &error);
-    if (!document) return fail(kExitBadInput, error);
-    printWarnings(*document);
-    if (!options.screenshot.isEmpty() &&
-        !options.screenshot.endsWith(QStringLiteral(".png"), Qt::CaseInsensitive))
-        return fail(
-            kExitBadInput,
-            QStringLiteral("screenshot file \"%1\" must end in .png").arg(options.screenshot));
-
-    if (options.readsDevice()) return runReadDevice(options, *document);
-    if (options.diffs()) return runDiff(options, *document);
-    if (!options.exportFile.isEmpty() && !options.editorHeadless())
-        return runExport(options, *document);
-    if (!options.mainScreenshot.isEmpty()) {
-        MainWindow window(options, std::move(*document));
-        window.show();
-        QApplication::processEvents();
-        if (!window.grab().save(options.mainScreenshot, "PNG"))
-            return fail(kExitBadInput, QStringLiteral("screenshot \"%1\" could not be written")
-                                           .arg(options.mainScreenshot));
-        std::printf("screenshot written to %s\n", qPrintable(options.mainScreenshot));
-        return 0;
-    }
-    if (options.mainWindow()) {
-        MainWindow window(options, std::move(*document));
-        window.show();
-        // A file that cannot be opened is said in the window, over the default data.
-        if (!options.openFile.isEmpty()) window.openFile(options.openFile);
-        window.offerRecovery();
-        return QApplication::exec();
-    }
-    return runEditor(options, *document);
+                    QStringLiteral("cannot load the windowed part: %1").arg(dlerror()));
+    using Entry = int (*)(int, char**);
+    const auto entry = reinterpret_cast<Entry>(dlsym(handle, kWindowedEntry));
+    if (!entry)
+        return fail(kExitBadInput, QStringLiteral("\"%1\" has no %2")
+                                       .arg(QString::fromStdString(library.string()),
+                                            QLatin1String(kWindowedEntry)));
+    return entry(argc, argv);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    waitForQtThreadsAtExit();
-    const int code = run(argc, argv);
-    // The application object is gone; its painting threads end before the process does.
-    waitForQtThreadsToEnd();
-    return code;
+    if (wantsWidgets(argc, argv)) return runWindowed(argc, argv);
+    return runHost(argc, argv, nullptr);
 }

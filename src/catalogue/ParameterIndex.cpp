@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 
 namespace ferrule {
 
@@ -339,30 +340,86 @@ std::vector<Parameter> IndexBuilder::run() {
     return std::move(out_);
 }
 
+// Spells a parameter's name, "Page / Heading / Caption [instance]" without the parts that are
+// empty, piece by piece into `add`.
+template <typename Add> void spellName(const Parameter& p, Add&& add) {
+    bool first = true;
+    for (const QString* part : {&p.page, &p.heading, &p.caption}) {
+        if (part->isEmpty()) continue;
+        if (!first) add(u" / ");
+        add(*part);
+        first = false;
+    }
+    if (!p.instance.isEmpty()) {
+        add(u" [");
+        add(p.instance);
+        add(u"]");
+    }
+}
+
+// FNV-1a over the UTF-16 code units, fed piece by piece: a name's hash without writing the name.
+class NameHash {
+public:
+    void operator()(QStringView piece) {
+        for (const QChar c : piece)
+            value = (value ^ c.unicode()) * 1099511628211u;
+    }
+    std::uint64_t value = 14695981039346656037u;
+};
+
+std::uint64_t nameHash(const Parameter& p) {
+    NameHash h;
+    spellName(p, h);
+    return h.value;
+}
+
+// The name table: each parameter's name's hash with the parameter, sorted. The names
+// themselves are not kept; a look-up compares the few whose hash matches.
+std::vector<std::pair<std::uint64_t, int>> hashNames(const std::vector<Parameter>& parameters) {
+    std::vector<std::pair<std::uint64_t, int>> table(parameters.size());
+    for (std::size_t i = 0; i < parameters.size(); ++i)
+        table[i] = {nameHash(parameters[i]), int(i)};
+    std::ranges::sort(table);
+    return table;
+}
+
+// The parameters that share their name with another, by the table's equal hashes, ascending.
+std::vector<std::size_t> clashing(const std::vector<Parameter>& parameters,
+                                  const std::vector<std::pair<std::uint64_t, int>>& table) {
+    std::vector<std::size_t> out;
+    for (std::size_t a = 0; a < table.size();) {
+        std::size_t b = a + 1;
+        while (b < table.size() && table[b].first == table[a].first)
+            ++b;
+        if (b - a > 1) {
+            QHash<QString, std::vector<std::size_t>> same;
+            for (std::size_t k = a; k < b; ++k)
+                same[parameters[std::size_t(table[k].second)].name()].push_back(
+                    std::size_t(table[k].second));
+            for (const std::vector<std::size_t>& group : std::as_const(same))
+                if (group.size() > 1) out.insert(out.end(), group.begin(), group.end());
+        }
+        a = b;
+    }
+    std::ranges::sort(out);
+    return out;
+}
+
 // Tells apart the parameters whose names would be the same: an option group takes its options
 // ("Gain (Low/Middle/High)" beside the "Gain" knob), another control the caption of the control
 // before it under its heading ("Presence (Level 2)"), and a number where that is not enough.
-// Gives every name and its parameter.
-QHash<QString, int> makeNamesUnique(std::vector<Parameter>& parameters) {
-    const std::size_t n = parameters.size();
-    std::vector<QString> names(n);
-    QHash<QString, int> byName;
-    byName.reserve(qsizetype(n));
-    QSet<QString> clashes;
-    for (std::size_t i = 0; i < n; ++i) {
-        names[i] = parameters[i].name();
-        const qsizetype before = byName.size();
-        byName.insert(names[i], int(i));
-        if (byName.size() == before) clashes.insert(names[i]);
-    }
-    if (clashes.isEmpty()) return byName;
+// Gives the name table.
+std::vector<std::pair<std::uint64_t, int>> makeNamesUnique(std::vector<Parameter>& parameters) {
+    std::vector<std::pair<std::uint64_t, int>> table = hashNames(parameters);
     // Only the parameters that bear a clashing name are worked on.
-    std::vector<std::size_t> involved;
-    for (std::size_t i = 0; i < n; ++i)
-        if (clashes.contains(names[i])) involved.push_back(i);
-    std::vector<QString> captions(n);
-    for (std::size_t i = 0; i < n; ++i)
+    const std::vector<std::size_t> involved = clashing(parameters, table);
+    if (involved.empty()) return table;
+    std::vector<QString> names(parameters.size());
+    std::vector<QString> captions(parameters.size());
+    for (std::size_t i = 0; i < parameters.size(); ++i)
         captions[i] = parameters[i].caption;
+    for (std::size_t i : involved)
+        names[i] = parameters[i].name();
     for (int pass = 0; pass < 3; ++pass) {
         QHash<QString, int> count;
         for (std::size_t i : involved)
@@ -391,11 +448,16 @@ QHash<QString, int> makeNamesUnique(std::vector<Parameter>& parameters) {
         for (std::size_t i : involved)
             names[i] = parameters[i].name();
     }
-    for (const QString& name : clashes)
-        byName.remove(name);
+    // Their entries in the table take their new names' hashes.
+    std::erase_if(table, [&](const auto& e) {
+        return std::ranges::binary_search(involved, std::size_t(e.second));
+    });
+    const auto kept = table.size();
     for (std::size_t i : involved)
-        byName.insert(names[i], int(i));
-    return byName;
+        table.push_back({nameHash(parameters[i]), int(i)});
+    std::ranges::sort(table.begin() + std::ptrdiff_t(kept), table.end());
+    std::ranges::inplace_merge(table, table.begin() + std::ptrdiff_t(kept));
+    return table;
 }
 
 } // namespace
@@ -403,12 +465,7 @@ QHash<QString, int> makeNamesUnique(std::vector<Parameter>& parameters) {
 QString Parameter::name() const {
     QString n;
     n.reserve(page.size() + heading.size() + caption.size() + instance.size() + 9);
-    for (const QString* part : {&page, &heading, &caption}) {
-        if (part->isEmpty()) continue;
-        if (!n.isEmpty()) n += u" / ";
-        n += *part;
-    }
-    if (!instance.isEmpty()) n += u" [" % instance % u']';
+    spellName(*this, [&n](QStringView piece) { n += piece; });
     return n;
 }
 
@@ -456,17 +513,20 @@ ParameterIndex ParameterIndex::build(int model) {
     index.model_ = model;
     if (describeModel(model).model == 0) return index;
     index.parameters_ = IndexBuilder(model).run();
+    // The table of which parameter covers a byte holds 16-bit numbers.
+    Q_ASSERT(index.parameters_.size() < 32768);
     index.byName_ = makeNamesUnique(index.parameters_);
 
-    std::vector<bool> sent(std::size_t(kImageSize), false);
+    std::vector<std::uint8_t> sent(std::size_t(kImageSize), 0);
     const int steps = TransmissionSchedule::stepTotal(model);
     for (int s = 0; s < steps; ++s)
         for (const ScheduledMessage& m : TransmissionSchedule::messages(model, s)) {
             // A block that would reach past the image is not sent.
             if (m.start + m.length > kImageSize) continue;
             for (int i = m.start; i < m.start + m.length; ++i)
-                sent[std::size_t(i)] = true;
+                sent[std::size_t(i)] = 1;
         }
+    index.sent_.reserve(std::size_t(std::ranges::count(sent, 1)));
     int low = kImageSize, high = 0;
     for (int i = 0; i < kImageSize; ++i)
         if (sent[std::size_t(i)]) {
@@ -483,31 +543,42 @@ ParameterIndex ParameterIndex::build(int model) {
     for (std::size_t k = 0; k < index.parameters_.size(); ++k) {
         const Parameter& p = index.parameters_[k];
         for (int b = 0; b < p.bytes; ++b) {
-            int& slot = index.byIndex_[std::size_t(p.address + b - index.start_)];
+            std::int16_t& slot = index.byIndex_[std::size_t(p.address + b - index.start_)];
             if (slot < 0)
-                slot = int(k);
+                slot = std::int16_t(k);
             else
                 index.shared_.push_back(p.address + b);
         }
     }
     std::ranges::sort(index.shared_);
+    index.uncovered_.reserve(index.sent_.size());
     for (int i : index.sent_)
         if (!index.covering(i)) index.uncovered_.push_back(i);
     return index;
 }
 
 const ParameterIndex& ParameterIndex::of(int model) {
-    static const std::array<ParameterIndex, 5> indexes = {build(3), build(5), build(6), build(8),
-                                                          build(10)};
+    // Each model's index is built on its first use, by whichever thread asks first.
+    constexpr std::size_t n = std::size(kModels);
+    static std::array<std::once_flag, n> once;
+    static std::array<std::optional<ParameterIndex>, n> indexes;
     static const ParameterIndex none;
-    for (const ParameterIndex& index : indexes)
-        if (index.model() == model) return index;
-    return none;
+    const auto at = std::ranges::find(kModels, model);
+    if (at == std::end(kModels)) return none;
+    const auto k = std::size_t(at - std::begin(kModels));
+    std::call_once(once[k], [&] { indexes[k] = build(model); });
+    return *indexes[k];
 }
 
 const Parameter* ParameterIndex::find(QStringView name) const {
-    const auto it = byName_.constFind(name.toString());
-    return it == byName_.cend() ? nullptr : &parameters_[std::size_t(*it)];
+    NameHash hash;
+    hash(name);
+    for (auto it = std::ranges::lower_bound(byName_, std::pair(hash.value, 0));
+         it != byName_.end() && it->first == hash.value; ++it) {
+        const Parameter& p = parameters_[std::size_t(it->second)];
+        if (p.name() == name) return &p;
+    }
+    return nullptr;
 }
 
 const Parameter* ParameterIndex::covering(int imageIndex) const {
@@ -525,6 +596,8 @@ std::vector<ParameterDifference> compareImages(int model, ImageBytes a, ImageByt
         if (std::size_t(i) < size && a[std::size_t(i)] != b[std::size_t(i)])
             differs[std::size_t(i)] = true;
     std::vector<ParameterDifference> differences;
+    // At most one a parameter and one an uncovered byte; only what is used is touched.
+    differences.reserve(index.parameters().size() + index.uncoveredBytes().size());
     // A parameter differs where one of its bytes that the transmission sends does; two bytes
     // that two parameters share make a difference of each.
     for (const Parameter& p : index.parameters())
@@ -543,9 +616,10 @@ std::vector<ParameterDifference> compareImages(int model, ImageBytes a, ImageByt
 
 QString differenceLine(const ParameterDifference& d) {
     if (!d.parameter)
-        return QStringLiteral("Address %1: %2 -> %3").arg(d.address).arg(d.a).arg(d.b);
-    return QStringLiteral("%1: %2 -> %3")
-        .arg(d.parameter->name(), d.parameter->valueText(d.a), d.parameter->valueText(d.b));
+        return u"Address " % QString::number(d.address) % u": " % QString::number(d.a) % u" -> " %
+               QString::number(d.b);
+    return d.parameter->name() % u": " % d.parameter->valueText(d.a) % u" -> " %
+           d.parameter->valueText(d.b);
 }
 
 } // namespace ferrule

@@ -2,7 +2,6 @@
 
 #include "device/TransmissionSchedule.h"
 
-#include <QHash>
 #include <QString>
 #include <QStringView>
 
@@ -10,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace ferrule {
@@ -76,10 +76,10 @@ private:
     int model_ = 0;
     std::vector<Parameter> parameters_;
     std::vector<int> uncovered_;
-    QHash<QString, int> byName_; // name → parameter
+    std::vector<std::pair<std::uint64_t, int>> byName_; // name's hash → parameter, sorted
     std::vector<int> shared_;
-    std::vector<int> sent_;    // the bytes the transmission sends, ascending
-    std::vector<int> byIndex_; // image index - stretch start → parameter, or -1
+    std::vector<int> sent_;             // the bytes the transmission sends, ascending
+    std::vector<std::int16_t> byIndex_; // image index - stretch start → parameter, or -1
     int start_ = 0;
 };
 

@@ -176,17 +176,37 @@ TEST_P(IndexLaws, ComparisonNamesExactlyTheSentBytesThatDifferEachOnce) {
     EXPECT_TRUE(compareImages(model(), same, same).empty());
 }
 
-// A control as the editor places it: its byte, its range and its caption.
+// A control as the editor places it: its byte, its range, its caption and the heading whose
+// frame the user sees it in.
 struct Placed {
     int address, minimum, maximum;
     QString caption;
+    QString heading;
 };
+
+// The caption of the innermost shown heading frame that holds the widget's centre; empty when
+// none does.
+QString headingOver(const ControlPools& pools, const QWidget* w) {
+    const QPoint centre = w->geometry().center();
+    QString caption;
+    int area = 1 << 30;
+    for (int h = 0; h < ControlPools::kHeadings; ++h) {
+        const QWidget* box = pools.tabBoxes[std::size_t(h)];
+        const QRect frame = box->geometry();
+        if (box->isHidden() || !frame.contains(centre) || frame.width() * frame.height() >= area)
+            continue;
+        area = frame.width() * frame.height();
+        caption = pools.headingCaption(h).trimmed();
+    }
+    return caption;
+}
 
 std::vector<Placed> placedControls(ControlPools& pools) {
     std::vector<Placed> out;
-    auto value = [&out](const ValueControl* c) {
+    auto value = [&](const ValueControl* c) {
         if (!c->isHidden() && !c->Off())
-            out.push_back({c->MemLoc(), c->property("minimum").toInt(), c->Max(), c->caption()});
+            out.push_back({c->MemLoc(), c->property("minimum").toInt(), c->Max(), c->caption(),
+                           headingOver(pools, c)});
     };
     for (const RKnob* k : pools.knobs)
         value(k);
@@ -197,12 +217,13 @@ std::vector<Placed> placedControls(ControlPools& pools) {
         if (!group->isVisible() || !group->Enabled()) continue;
         const QString title = group->title().trimmed();
         out.push_back({group->TFormat(), 0, group->itemCount() - 1,
-                       title.isEmpty() ? group->captions().join(QLatin1Char('/')) : title});
+                       title.isEmpty() ? group->captions().join(QLatin1Char('/')) : title,
+                       headingOver(pools, group->glyph(0))});
     }
     for (int i = 0; i < ControlPools::kSwitches; ++i)
         if (const QLabel* sw = pools.onOff[std::size_t(i)]; !sw->isHidden())
-            out.push_back(
-                {sw->property("Tag").toString().toInt(), 0, 1, sw->property("caption").toString()});
+            out.push_back({sw->property("Tag").toString().toInt(), 0, 1,
+                           sw->property("caption").toString(), headingOver(pools, sw)});
     return out;
 }
 
@@ -279,6 +300,15 @@ TEST_P(IndexPlacements, EveryPlacedControlIsExactlyOneParameterWithItsAddressRan
                     matches.push_back(&p);
             ASSERT_EQ(matches.size(), 1u)
                 << at << " '" << c.caption.toStdString() << "' at " << c.address;
+            const Parameter& p = *matches.front();
+            // A page with a selector numbers its heading ("Custom Preamp 2"); the number is the
+            // parameter's instance, the heading the same for all.
+            const QString number = c.heading.section(QLatin1Char(' '), -1);
+            const bool numbered = c.heading == p.heading + u' ' + number && number.toInt() > 0 &&
+                                  (p.instance.isEmpty() || p.instance.contains(number));
+            EXPECT_TRUE(c.heading == p.heading || numbered)
+                << at << " '" << c.caption.toStdString() << "' at " << c.address << " is under '"
+                << c.heading.toStdString() << "', not '" << p.heading.toStdString() << "'";
             Seen& s = seen[matches.front()];
             s.minimum = std::min(s.minimum, c.minimum);
             s.maximum = std::max(s.maximum, c.maximum);

@@ -1,6 +1,7 @@
 #include "HostFiles.h"
 
 #include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
@@ -111,4 +112,31 @@ TEST_F(HostProcessTest, HelpAndVersion) {
     r = runHost({QStringLiteral("--version")}, root());
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_TRUE(r.out.contains("4.2.0"));
+}
+
+// The program alone, without its windowed part beside it: the runs without a window work, a
+// run that needs windows says in one line what is missing.
+TEST_F(HostProcessTest, RunsWithoutAWindowNeedNotTheWindowedPart) {
+    const QString program = root() + QStringLiteral("/alone/ferrule-host");
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(program).path()));
+    ASSERT_TRUE(QFile::copy(QStringLiteral(FERRULE_HOST_BINARY), program));
+    const QString syx = root() + QStringLiteral("/gt10.syx");
+    HostRun r = runProgram(
+        program, {QStringLiteral("--model"), QStringLiteral("10"), QStringLiteral("--export"), syx},
+        root());
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    r = runProgram(program,
+                   {QStringLiteral("--model"), QStringLiteral("10"), QStringLiteral("--data"), syx,
+                    QStringLiteral("--diff"), syx},
+                   root());
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    r = runProgram(program,
+                   {QStringLiteral("--model"), QStringLiteral("10"), QStringLiteral("--screenshot"),
+                    root() + QStringLiteral("/x.png")},
+                   root());
+    EXPECT_EQ(r.exitCode, 2);
+    ASSERT_EQ(r.errLines().size(), 1) << r.err.toStdString();
+    EXPECT_TRUE(r.errLines().first().startsWith(
+        QLatin1String("ferrule-host: cannot load the windowed part: ")));
+    EXPECT_FALSE(QFileInfo::exists(root() + QStringLiteral("/x.png")));
 }

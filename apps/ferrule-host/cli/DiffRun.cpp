@@ -33,14 +33,14 @@ std::optional<SystemDocument> openDiffFile(const HostOptions& options, int model
 int printDifferences(const SystemDocument& a, const SystemDocument& b) {
     const std::vector<ParameterDifference> differences =
         compareImages(a.model(), bytesOf(a.image()), bytesOf(b.image()));
-    // One write for the whole list: a GT-10 whose every byte differs has 23,000 lines.
-    QString list;
-    list.reserve(qsizetype(differences.size()) * 40);
+    // One write for the whole list: a GT-10 whose every byte differs has 23,000 lines. The
+    // lines are encoded one by one, so that the list is never held twice.
+    QByteArray bytes;
+    bytes.reserve(qsizetype(differences.size()) * 32);
     for (const ParameterDifference& d : differences) {
-        list += differenceLine(d);
-        list += QLatin1Char('\n');
+        bytes += differenceLine(d).toLocal8Bit();
+        bytes += '\n';
     }
-    const QByteArray bytes = list.toLocal8Bit();
     std::fwrite(bytes.constData(), 1, std::size_t(bytes.size()), stdout);
     std::fflush(stdout);
     if (differences.empty()) {

@@ -1,0 +1,54 @@
+// The windowed part of ferrule-host: the main window, its screenshot and the plug-in's editor.
+// The program loads it only for the runs that open windows (see cli/HostRun.h).
+
+#include "cli/DeviceRuns.h"
+#include "cli/EditorRun.h"
+#include "cli/HostRun.h"
+#include "document/SystemDocument.h"
+#include "ui/FirstFrameReport.h"
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+
+#include <cstdio>
+
+using namespace ferrule;
+
+namespace {
+
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    auto app = std::make_unique<QApplication>(argc, argv);
+    FirstFrameReport::installIfAsked(QStringLiteral("SysForm"));
+    // The desktop entry the windows belong to (their app id on Wayland).
+    QGuiApplication::setDesktopFileName(QStringLiteral(FERRULE_APP_ID));
+    return app;
+}
+
+int runWindowed(const HostOptions& options, SystemDocument& document) {
+    if (!options.mainScreenshot.isEmpty()) {
+        MainWindow window(options, std::move(document));
+        window.show();
+        QApplication::processEvents();
+        if (!window.grab().save(options.mainScreenshot, "PNG"))
+            return fail(kExitBadInput, QStringLiteral("screenshot \"%1\" could not be written")
+                                           .arg(options.mainScreenshot));
+        std::printf("screenshot written to %s\n", qPrintable(options.mainScreenshot));
+        return 0;
+    }
+    if (options.mainWindow()) {
+        MainWindow window(options, std::move(document));
+        window.show();
+        // A file that cannot be opened is said in the window, over the default data.
+        if (!options.openFile.isEmpty()) window.openFile(options.openFile);
+        window.offerRecovery();
+        return QApplication::exec();
+    }
+    return runEditor(options, document);
+}
+
+} // namespace
+
+extern "C" Q_DECL_EXPORT int ferruleHostWindowed(int argc, char** argv) {
+    static const WindowedRuns runs{makeApplication, runWindowed};
+    return runHost(argc, argv, &runs);
+}
