@@ -1,13 +1,15 @@
 // A settings text as the host opens it (--data FILE.txt, Open…): read from disk, for the model
 // its model line names or, when it names none, the model the host runs for (the first byte picks
-// it). A text that opens, saved again and opened again, gives the same image, and the bytes of
-// that image the device is sent arrive unchanged; a text that is refused gets one line that names
+// it). A text that opens reads the same with its lines in another order, saved again and opened
+// again it gives the same image, and the bytes of that image the device is sent arrive
+// unchanged; a text that is refused gets one line that names
 // the file and, for a fault in the text, a line the text has; nothing throws.
 
 #include "FuzzLaw.h"
 
 #include "SystemDocument.h"
 #include "catalogue/ParameterIndex.h"
+#include "catalogue/SettingsText.h"
 #include "device/DefaultImage.h"
 #include "device/DumpMap.h"
 #include "device/ModelMap.h"
@@ -18,6 +20,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
 
@@ -65,6 +68,22 @@ void check(const QByteArray& bytes, int hostModel, const QString& path) {
         FERRULE_LAW(!warning.contains(QLatin1Char('\n')));
         FERRULE_LAW(namesALine(warning, lines));
     }
+
+    // The order of the lines does not matter: the model line first, then the others upside
+    // down, the text reads the same.
+    QList<QByteArray> rest = bytes.split('\n');
+    const auto modelLine = std::ranges::find_if(rest, [](const QByteArray& line) {
+        return SettingsText::modelOf(QString::fromUtf8(line)) != 0;
+    });
+    FERRULE_LAW(modelLine != rest.end());
+    QByteArray reordered = *modelLine;
+    rest.erase(modelLine);
+    std::ranges::reverse(rest);
+    for (const QByteArray& line : rest)
+        reordered += '\n' + line;
+    const SettingsText::Read upsideDown = SettingsText::read(QString::fromUtf8(reordered));
+    FERRULE_LAW(upsideDown.error.isEmpty() && upsideDown.image == doc->image());
+    FERRULE_LAW(upsideDown.warnings.size() == doc->warnings().size());
 
     // Saved as the host saves it, the text opens again onto the same image.
     SystemDocument saved = *doc;

@@ -3,8 +3,8 @@
 #
 #   fuzz/corpus/make-text-inputs.sh [FERRULE_HOST]   (default build/bin/ferrule-host)
 #
-# For every model the text of the default data and of an edited image, then texts with one
-# fault each, made from the GT-10's edited text and checked to be refused for that fault.
+# For every model the text of the default data and of an edited image, a GT-10 text of two
+# settings in one byte, then texts with one fault each, made from the GT-10's edited text and checked to be refused for that fault.
 set -euo pipefail
 cd "$(dirname "$0")"
 host=$(realpath "${1:-../../build/bin/ferrule-host}")
@@ -32,6 +32,12 @@ for m in 3 5 6 8 10; do
     "$host" --model "$m" --data "$work/edited.txt" --export "$out/gt$m-edited.txt" >/dev/null \
         2>&1
 done
+
+# One byte that two settings share, the GT-10's "USB Driver" in "EXP Pedal 2 (external) / Min":
+# the text lists both.
+echo -e '# Model: GT-10\nEXP / EXP Pedal 2 (external) / Min = 40' >"$work/edited.txt"
+"$host" --model 10 --data "$work/edited.txt" --export "$out/gt10-shared-byte.txt" >/dev/null
+grep -q '^System / System / USB Driver = 40$' "$out/gt10-shared-byte.txt"
 
 # refused NAME EXPECTED: the text in $work/bad.txt is refused with EXPECTED in its one line.
 refused() {
