@@ -2,8 +2,8 @@
 // its model line names or, when it names none, the model the host runs for (the first byte picks
 // it). A text that opens reads the same with its lines in another order, saved again and opened
 // again it gives the same image, and the bytes of that image the device is sent arrive
-// unchanged; a text that is refused gets one line that names
-// the file and, for a fault in the text, a line the text has; nothing throws.
+// unchanged; a text that is refused gets one line that names the file and, for a fault in the
+// text, a line the text has; nothing throws.
 
 #include "FuzzLaw.h"
 
