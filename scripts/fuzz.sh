@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Coverage-guided fuzzing of the loaders that take bytes from outside: .syx files, data files
-# (raw images), settings files and the MIDI input through the dump receiver.
+# (raw images), settings files, the MIDI input through the dump receiver and settings texts.
 #
 #   scripts/fuzz.sh SECONDS [TARGET...]
 #
@@ -16,7 +16,8 @@ cd "$(dirname "$0")/.."
 seconds=${1:?usage: scripts/fuzz.sh SECONDS [TARGET...]}
 shift
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(syx_file_fuzzer data_file_fuzzer ini_file_fuzzer midi_input_fuzzer)
+[ ${#targets[@]} -gt 0 ] ||
+    targets=(syx_file_fuzzer data_file_fuzzer ini_file_fuzzer midi_input_fuzzer text_file_fuzzer)
 input_timeout=${FUZZ_INPUT_TIMEOUT:-10}
 
 # clang with libFuzzer and the sanitizers' run-time, and the symbolizer for readable reports.
@@ -40,9 +41,12 @@ for t in "${targets[@]}"; do
     rm -f "$work"/crash-* "$work"/leak-* "$work"/timeout-* "$work"/oom-*
     echo "== $t: $seconds s"
     status=0
+    # A target's dictionary: the words of its input format.
+    dict=()
+    [ -f "fuzz/$t.dict" ] && dict=(-dict="fuzz/$t.dict")
     # New inputs go to the first folder; the committed starting inputs stay as they are.
     build-fuzz/fuzz/$t -max_total_time="$seconds" -timeout="$input_timeout" -detect_leaks=1 \
-        -print_final_stats=1 -artifact_prefix="$work/" "$work/corpus" "fuzz/corpus/$t" \
+        -print_final_stats=1 "${dict[@]}" -artifact_prefix="$work/" "$work/corpus" "fuzz/corpus/$t" \
         >"$work/log.txt" 2>&1 || status=$?
     done_line=$(grep -E '^#[0-9]+[[:space:]]+DONE' "$work/log.txt" | tail -1 || true)
     if [ $status -ne 0 ]; then

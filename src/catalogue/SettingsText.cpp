@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -216,6 +217,7 @@ Read read(QStringView text) {
     const Parameter* first = nullptr;
     std::vector<int> setOn;        // parameter (by its place in the index) → the line that set it
     std::vector<int> addressSetOn; // image index → the line that set it
+    std::vector<const Parameter*> byteSetBy; // image index → the setting that set it
 
     for (const QStringView raw : text.tokenize(u'\n')) {
         ++lineNumber;
@@ -237,6 +239,7 @@ Read read(QStringView text) {
             first = all.data();
             setOn.assign(all.size(), 0);
             addressSetOn.assign(kImageSize, 0);
+            byteSetBy.assign(kImageSize, nullptr);
             continue;
         }
         if (out.model == 0)
@@ -308,7 +311,20 @@ Read read(QStringView text) {
                                 .arg(*value)
                                 .arg(p->minimum)
                                 .arg(p->maximum);
+        // Two settings may lie in one byte (the GT-10's "USB Driver" in "EXP Pedal 2 (external)
+        // / Min"): the later may repeat what the earlier gave it, but not undo it unseen.
+        const std::span<std::uint8_t> bytes = image.subspan(std::size_t(p->address), p->bytes);
+        const std::array<std::uint8_t, 2> before = {bytes.front(), bytes.back()};
         p->store(image, *value);
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            const Parameter*& by = byteSetBy[std::size_t(p->address) + i];
+            if (by != nullptr && bytes[i] != before[i])
+                return fail(QStringLiteral("\"%1\" shares a byte with \"%2\" (line %3) and gives "
+                                           "it another value")
+                                .arg(p->name(), by->name())
+                                .arg(setOn[std::size_t(by - first)]));
+            by = p;
+        }
     }
     if (out.model == 0) {
         // The empty piece after a last line end is no line of its own.

@@ -278,3 +278,47 @@ TEST(SettingsTextFaults, EachFaultIsOneLineNamingItsLineAndNothingComesBack) {
             QStringLiteral("line 4: address %1 is set again (first on line 3)").arg(p.uncovered));
     }
 }
+
+TEST(SettingsTextFaults, TwoSettingsOfOneByteMayAgreeButNeverUndoEachOther) {
+    // Where two controls edit one byte, a text that gives it one value through both reads (the
+    // written text lists both); one that gives it two values is refused, whichever comes first.
+    int shared = 0;
+    for (const int model : kModels) {
+        const ParameterIndex& index = ParameterIndex::of(model);
+        const QByteArray defaults = makeDefaultImage();
+        for (const int b : index.sharedBytes()) {
+            ++shared;
+            // Each of the two settings' lines, from the text of the byte at x.
+            const auto lines = [&](int x) {
+                QByteArray image = defaults;
+                image[b] = char(x);
+                QStringList found;
+                for (const Parameter& p : index.parameters())
+                    if (b >= p.address && b < p.address + p.bytes)
+                        for (const QString& line :
+                             SettingsText::write(model, bytesOf(image)).split(u'\n'))
+                            if (line.startsWith(p.name() + QStringLiteral(" = "))) found << line;
+                return found;
+            };
+            const int x = defaults[b] ^ 1, y = defaults[b] ^ 2;
+            const QStringList atX = lines(x), atY = lines(y);
+            ASSERT_EQ(atX.size(), 2) << "GT-" << model << " byte " << b;
+            ASSERT_EQ(atY.size(), 2);
+            const QString head = QStringLiteral("# Model: GT-%1\n").arg(model);
+            const SettingsText::Read agree = readText(head + atX.join(u'\n'));
+            ASSERT_TRUE(agree.error.isEmpty()) << qPrintable(agree.error);
+            EXPECT_EQ(agree.image[b], char(x));
+            const QString name0 = atX[0].section(QStringLiteral(" = "), 0, 0);
+            const QString name1 = atX[1].section(QStringLiteral(" = "), 0, 0);
+            EXPECT_EQ(readText(head + atX[0] + u'\n' + atY[1]).error,
+                      QStringLiteral("line 3: \"%1\" shares a byte with \"%2\" (line 2) and gives "
+                                     "it another value")
+                          .arg(name1, name0));
+            EXPECT_EQ(readText(head + atY[1] + u'\n' + atX[0]).error,
+                      QStringLiteral("line 3: \"%1\" shares a byte with \"%2\" (line 2) and gives "
+                                     "it another value")
+                          .arg(name0, name1));
+        }
+    }
+    EXPECT_GT(shared, 0);
+}

@@ -95,6 +95,16 @@ TEST(Document, OpensBothFormsAndRefusesWhatIsNotAFileOfSystemData) {
         EXPECT_FALSE(open(r.path, &error));
         EXPECT_TRUE(error.contains(r.says)) << qPrintable(error);
     }
+    // A text of the largest size allowed is read (and refused for what it says); one byte
+    // more and it is refused unread.
+    const QString text = dir.filePath(QStringLiteral("big.txt"));
+    writeFile(text, QByteArray(4 << 20, '#'));
+    EXPECT_FALSE(open(text, &error));
+    EXPECT_TRUE(error.endsWith("line 1: the text ends without a model line (\"# Model: GT-N\")"))
+        << qPrintable(error);
+    writeFile(text, QByteArray((4 << 20) + 1, '#'));
+    EXPECT_FALSE(open(text, &error));
+    EXPECT_TRUE(error.contains("holds more than 4194304 bytes")) << qPrintable(error);
     writeFile(raw, image.left(100));
     EXPECT_FALSE(open(raw, &error));
     EXPECT_TRUE(error.contains("holds 100 bytes")) << qPrintable(error);
