@@ -9,6 +9,7 @@
 #include "OptionHover.h"
 #include "PageArea.h"
 #include "ValueBinding.h"
+#include "controls/HostFont.h"
 #include "controls/RKnob.h"
 #include "controls/Twips.h"
 #include "controls/VSlider.h"
