@@ -393,9 +393,7 @@ void SysForm::Form_Load() {
 }
 
 void SysForm::Form_Unload() {
-    if (state_.model != 0)
-        RegWrite(RegRoot::LocalMachine, kEditorKey,
-                 QStringLiteral("SysLastDisp%1").arg(state_.model), currentPage_);
+    if (state_.model != 0) writeLastPage(state_.model, currentPage_);
 }
 
 void SysForm::unload() {

@@ -11,6 +11,12 @@ namespace ferrule {
 enum class RegRoot { LocalMachine, CurrentUser };
 
 inline const QString kEditorKey = QStringLiteral("SOFTWARE\\Quarrow\\Tonebench\\Multi");
+// The editor's value of the page it showed last on a model, under kEditorKey; it starts on that
+// page when it is 0 to kLastPageKept, else on page 1.
+inline QString lastPageValue(int model) {
+    return QStringLiteral("SysLastDisp%1").arg(model);
+}
+inline constexpr int kLastPageKept = 10;
 
 // Reads valueName into result. result's current type says what the caller expects; on failure
 // an integer result becomes 0, a string result the empty string, and false is returned.
@@ -26,5 +32,10 @@ bool RegCreateKey(RegRoot root, const QString& key);
 
 // The file that holds a key (for diagnostics and tests).
 QString settingsFileFor(RegRoot root, const QString& key);
+
+// The page the editor starts on for a model: the one stored under lastPageValue, or page 1.
+int readLastPage(int model);
+// Stores the page the editor showed last on a model; false when the key does not exist.
+bool writeLastPage(int model, int page);
 
 } // namespace ferrule
