@@ -1,23 +1,11 @@
 #pragma once
 
-#include <QString>
+#include "sysdata/HostFontSettings.h"
 
 class QWidget;
 class QFont;
 
 namespace ferrule {
-
-// The host's font as read once from its seven font members.
-struct HostFontSettings {
-    int family = 0; // the character set number
-    QString name;
-    float size = 0.0F;
-    bool bold = false;
-    bool italic = false;
-    bool underline = false;
-    bool strikethrough = false;
-    bool valid = false;
-};
 
 // Applies the host font to a window, its labels and its command buttons: character set, name,
 // italic, underline and strikethrough; the size and the weight stay as designed.

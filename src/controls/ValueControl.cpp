@@ -2,6 +2,7 @@
 
 #include "HostFont.h"
 #include "Twips.h"
+#include "sysdata/FerruleError.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -11,7 +12,6 @@
 #include <QWheelEvent>
 
 #include <algorithm>
-#include <exception>
 
 namespace ferrule {
 
@@ -141,11 +141,7 @@ bool ValueControl::pressOnLabel(const QMouseEvent* e) {
 }
 
 void ValueControl::guarded(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& e) {
-        emit failed(QString::fromStdString(e.what()));
-    }
+    ReportErrors(action, [this](const QString& m) { emit failed(m); });
 }
 
 void ValueControl::mouseReleaseEvent(QMouseEvent* e) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controls/cCheckRadio.h"
+
 #include <QObject>
 #include <QPointer>
 
@@ -11,7 +13,6 @@ class QWidget;
 namespace ferrule {
 
 class ControlPools;
-class cCheckRadio;
 
 // Lights option items up under the mouse and lets them be clicked through their labels: a move
 // over a glyph or its label begins a hover over the union of both and captures the mouse to the

@@ -9,6 +9,7 @@
 #include "OptionHover.h"
 #include "PageArea.h"
 #include "ValueBinding.h"
+#include "controls/HostFont.h"
 #include "controls/RKnob.h"
 #include "controls/Twips.h"
 #include "controls/VSlider.h"
@@ -174,11 +175,7 @@ void SysForm::buildChrome() {
              -1);
     binding_ = new ValueBinding(
         state_, *pools_, *builder_, views_, *history_, [this] { return currentPage_; },
-        [this](const QString& m) {
-            lastError_ = m;
-            if (errorReporter_) errorReporter_(m);
-        },
-        this);
+        [this](const QString& m) { report(m); }, this);
     binding_->connectControls();
     hover_ = new OptionHover(pageArea_, *pools_, this);
     hover_->install();
@@ -208,14 +205,14 @@ void SysForm::setErrorReporter(std::function<void(const QString&)> reporter) {
     errorReporter_ = std::move(reporter);
 }
 
+// Errors of the host as well as the library's own: reported, the window stays open.
+void SysForm::report(const QString& message) {
+    lastError_ = message;
+    if (errorReporter_) errorReporter_(message);
+}
+
 void SysForm::runGuarded(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& e) {
-        // Errors of the host as well as the library's own: reported, the window stays open.
-        lastError_ = QString::fromStdString(e.what());
-        if (errorReporter_) errorReporter_(lastError_);
-    }
+    ReportErrors(action, [this](const QString& m) { report(m); });
 }
 
 // ---- set-up and lifecycle --------------------------------------------------------------------
@@ -239,10 +236,7 @@ void SysForm::Setup() {
                                *pools_->groups[ControlPools::kSelectorList], this);
         connect(grid_, &GridEditor::editStarting, history_, &EditHistory::begin);
         connect(grid_, &GridEditor::editFinished, history_, &EditHistory::end);
-        grid_->setErrorReporter([this](const QString& m) {
-            lastError_ = m;
-            if (errorReporter_) errorReporter_(m);
-        });
+        grid_->setErrorReporter([this](const QString& m) { report(m); });
         builder_->setGridHooks({[this](bool v) { grid_->ShowHarmonistGrid(v); },
                                 [this](bool v) { grid_->ShowPhraseGrid(v); },
                                 [this] { grid_->RefreshHarmonistGrid(); },
@@ -399,8 +393,7 @@ void SysForm::Form_Load() {
 }
 
 void SysForm::Form_Unload() {
-    if (state_.model != 0)
-        RegWrite(RegRoot::LocalMachine, kEditorKey, lastPageValue(state_.model), currentPage_);
+    if (state_.model != 0) writeLastPage(state_.model, currentPage_);
 }
 
 void SysForm::unload() {

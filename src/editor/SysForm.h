@@ -138,6 +138,7 @@ protected:
 private:
     void buildChrome();
     void unload();
+    void report(const QString& message);
     void runGuarded(const std::function<void()>& action);
     void showCommandNormal(int i);
 

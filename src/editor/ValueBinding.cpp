@@ -7,13 +7,12 @@
 #include "controls/cCheckRadio.h"
 #include "pages/ControlPools.h"
 #include "pages/PageBuilder.h"
+#include "sysdata/FerruleError.h"
 #include "sysdata/ModuleState.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QMouseEvent>
-
-#include <exception>
 
 namespace ferrule {
 
@@ -30,11 +29,7 @@ ValueBinding::ValueBinding(ModuleState& state, ControlPools& pools, PageBuilder&
     , reportError_(std::move(reportError)) {}
 
 void ValueBinding::guarded(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& e) {
-        reportError_(QString::fromStdString(e.what()));
-    }
+    ReportErrors(action, reportError_);
 }
 
 void ValueBinding::connectControls() {

@@ -127,12 +127,7 @@ void PlugIn::Start() {
     SysForm& form = ensureEditor();
     if (state_->model == 0) Format(10);
     if (!form.isLoaded()) form.Form_Load();
-    QVariant stored = 0;
-    int page = 1;
-    if (RegRead(RegRoot::LocalMachine, kEditorKey, lastPageValue(state_->model), stored))
-        page = stored.toInt();
-    if (page < 0 || page > kLastPageKept) page = 1;
-    form.ShowTab(page);
+    form.ShowTab(readLastPage(state_->model));
     form.exec();
 }
 

@@ -6,14 +6,13 @@
 #include "catalogue/StepText.h"
 #include "controls/CaptionLabel.h"
 #include "controls/cCheckRadio.h"
+#include "sysdata/FerruleError.h"
 #include "sysdata/SystemImage.h"
 
 #include <QLabel>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
-
-#include <exception>
 
 namespace ferrule {
 namespace {
@@ -104,11 +103,9 @@ void GridEditor::build(QWidget* pageArea) {
 }
 
 void GridEditor::guarded(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const std::exception& e) {
-        if (report_) report_(QString::fromStdString(e.what()));
-    }
+    ReportErrors(action, [this](const QString& m) {
+        if (report_) report_(m);
+    });
 }
 
 void GridEditor::edit(const std::function<void()>& action) {

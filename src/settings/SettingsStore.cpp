@@ -151,4 +151,15 @@ bool RegCreateKey(RegRoot root, const QString& key) {
     return AtomicFile::write(file, "; Tonebench settings\n", nullptr);
 }
 
+int readLastPage(int model) {
+    QVariant stored = 0;
+    if (!RegRead(RegRoot::LocalMachine, kEditorKey, lastPageValue(model), stored)) return 1;
+    const int page = stored.toInt();
+    return page >= 0 && page <= kLastPageKept ? page : 1;
+}
+
+bool writeLastPage(int model, int page) {
+    return RegWrite(RegRoot::LocalMachine, kEditorKey, lastPageValue(model), page);
+}
+
 } // namespace ferrule

@@ -33,4 +33,9 @@ bool RegCreateKey(RegRoot root, const QString& key);
 // The file that holds a key (for diagnostics and tests).
 QString settingsFileFor(RegRoot root, const QString& key);
 
+// The page the editor starts on for a model: the one stored under lastPageValue, or page 1.
+int readLastPage(int model);
+// Stores the page the editor showed last on a model; false when the key does not exist.
+bool writeLastPage(int model, int page);
+
 } // namespace ferrule

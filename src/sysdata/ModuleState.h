@@ -1,8 +1,8 @@
 #pragma once
 
+#include "HostFontSettings.h"
 #include "HostLink.h"
 #include "SystemImage.h"
-#include "controls/HostFont.h"
 
 #include <QPointer>
 #include <QStringList>

@@ -2,8 +2,10 @@
 // second press comes as a double-click event), and Escape and the close box, which ask before
 // they give up changed values.
 
+#include "../controls/MouseHelpers.h"
 #include "EditorFixture.h"
 #include "RealMouse.h"
+#include "controls/RKnob.h"
 #include "editor/ImageButton.h"
 #include "pages/ControlPools.h"
 
@@ -72,6 +74,30 @@ TEST(EditorClicks, ADoubleClickOnTransmitStartsOnce) {
     realMouse::doubleClick(midi, midi->rect().center());
     EXPECT_EQ(f.form->currentPage(), 4);
     EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
+}
+
+// A host that fails while the window runs, behind a click on a knob, an undo or a page switch:
+// each failure is reported once, nothing reaches the event loop and the window stays open.
+TEST(EditorClicks, AFailingHostIsReportedAndTheWindowStaysOpen) {
+    EditorFixture f;
+    f.open(10, 1);
+    RKnob* knob = nullptr;
+    for (RKnob* k : f.form->pools().knobs)
+        if (k->isVisible() && !knob) knob = k;
+    ASSERT_NE(knob, nullptr);
+    clickLabel(knob, Qt::RightButton);
+    ASSERT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
+    f.host.failValueText = true;
+    clickLabel(knob, Qt::RightButton);
+    f.form->undo();
+    f.form->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(f.form.get()));
+    QTest::keyClick(f.form->focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+    ASSERT_EQ(f.errors.size(), 3) << f.errors.join(QLatin1Char('\n')).toStdString();
+    for (const QString& e : f.errors)
+        EXPECT_TRUE(e.contains(QStringLiteral("the host failed"))) << e.toStdString();
+    EXPECT_TRUE(f.form->isVisible());
+    EXPECT_EQ(f.form->lastError(), f.errors.last());
 }
 
 // An on/off switch toggles on its click: a press dragged off and released elsewhere leaves it, a

@@ -35,6 +35,7 @@ void TestHost::SetGTUpdate(bool flag, int) {
 }
 
 QString TestHost::ValueText(int value, int format, int type) {
+    if (failValueText) throw std::runtime_error("the host failed");
     return valueTextPrefix.isEmpty()
                ? QString::number(value)
                : QStringLiteral("%1%2/%3/%4").arg(valueTextPrefix).arg(value).arg(format).arg(type);

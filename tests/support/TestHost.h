@@ -50,6 +50,7 @@ public:
     bool refuseUpdate = false; // SetGTUpdate leaves the flag as it is
     int panelColour = 0x808080;
     QString valueTextPrefix;
+    bool failValueText = false; // ValueText throws, as a host that breaks down would
     struct Block {
         int address;
         QByteArray data;

@@ -910,8 +910,7 @@ bool MainWindow::editPage(const QString& page) {
     const int number = tabPage(page);
     const bool taken = number >= 0 && number <= kLastPageKept;
     RegCreateKey(RegRoot::LocalMachine, kEditorKey);
-    RegWrite(RegRoot::LocalMachine, kEditorKey, lastPageValue(document_.model()),
-             taken ? number : 1);
+    writeLastPage(document_.model(), taken ? number : 1);
     if (!taken)
         say(QStringLiteral("the editor starts on its System page: choose its %1 tab").arg(page));
     return edit();
