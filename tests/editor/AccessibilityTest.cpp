@@ -29,16 +29,13 @@ std::string str(const QString& s) {
     return s.toStdString();
 }
 
-} // namespace
+// One page of each model, with what a reader finds on it.
+class ReaderPage : public ::testing::TestWithParam<std::pair<int, int>> {
+protected:
+    void SetUp() override { f.open(GetParam().first, GetParam().second); }
 
-TEST(Accessibility, EveryControlOfAPageReadsAsTheUserSeesIt) {
-    EditorFixture f;
-    ControlPools& pools = f.form->pools();
-    const std::map<int, int> pageOf = {{3, 1}, {5, 9}, {6, 8}, {8, 11}, {10, 14}};
-    for (const auto& [model, page] : pageOf) {
-        f.open(model, page);
-        const std::string where = "GT-" + std::to_string(model);
-        int seen = 0;
+    // Knobs and sliders: their role, caption, value text and range; counts what it read.
+    void readValueControls(int& seen) {
         for (int i = 0; i < ControlPools::kKnobs + ControlPools::kSliders; ++i) {
             const bool isKnob = i < ControlPools::kKnobs;
             const std::size_t at = std::size_t(isKnob ? i : i - ControlPools::kKnobs);
@@ -50,25 +47,28 @@ TEST(Accessibility, EveryControlOfAPageReadsAsTheUserSeesIt) {
             QAccessibleInterface* a = reader(c);
             ASSERT_NE(a, nullptr);
             EXPECT_EQ(a->role(), isKnob ? QAccessible::Dial : QAccessible::Slider);
-            EXPECT_EQ(str(a->text(QAccessible::Name)), str(caption->text())) << where;
-            EXPECT_EQ(str(a->text(QAccessible::Value)), str(c->valueText())) << where;
+            EXPECT_EQ(str(a->text(QAccessible::Name)), str(caption->text()));
+            EXPECT_EQ(str(a->text(QAccessible::Value)), str(c->valueText()));
             QAccessibleValueInterface* v = a->valueInterface();
             ASSERT_NE(v, nullptr);
             EXPECT_EQ(v->currentValue().toInt(), c->Value());
             EXPECT_EQ(v->maximumValue().toInt(), c->Max());
             EXPECT_EQ(a->state().disabled, !c->property("inputEnabled").toBool());
         }
+    }
+
+    // Option groups' items and the on/off switches; counts what it read.
+    void readOptions(int& seen) {
         for (cCheckRadio* group : pools.groups) {
             if (!group->isVisible()) continue;
-            for (int item = 0; item < group->itemCount(); ++item) {
-                ++seen;
+            for (int item = 0; item < group->itemCount(); ++item, ++seen) {
                 QAccessibleInterface* a = reader(group->glyph(item));
                 ASSERT_NE(a, nullptr);
                 EXPECT_EQ(a->role(), group->itemCount() > 1 ? QAccessible::RadioButton
                                                             : QAccessible::CheckBox);
                 EXPECT_EQ(str(a->text(QAccessible::Name)), str(group->label(item)->text()));
                 EXPECT_EQ(str(a->text(QAccessible::Description)), str(group->title()));
-                EXPECT_EQ(a->state().checked, group->selectedIndex() == item) << where;
+                EXPECT_EQ(a->state().checked, group->selectedIndex() == item);
             }
         }
         for (int i = 0; i < ControlPools::kSwitches; ++i) {
@@ -82,30 +82,48 @@ TEST(Accessibility, EveryControlOfAPageReadsAsTheUserSeesIt) {
                       str(pools.onOffLabels[std::size_t(i)]->text()));
             EXPECT_EQ(a->state().checked, sw->property("picture").toInt() == 11);
         }
-        EXPECT_GT(seen, 5) << where;
-        QAccessibleInterface* tab = reader(f.form->tabButton(f.form->currentTab()));
-        EXPECT_EQ(tab->role(), QAccessible::PageTab);
-        EXPECT_FALSE(tab->text(QAccessible::Name).isEmpty());
-
-        // The Tab key: from the last command button round to the page, through it in reading
-        // order, and on to the tab bar; Shift+Tab goes back.
-        std::vector<QWidget*> chain;
-        f.form->commandButton(3)->setFocus(Qt::TabFocusReason);
-        for (int n = 0; n < 200; ++n) {
-            QTest::keyClick(f.form->focusWidget(), Qt::Key_Tab);
-            QWidget* w = f.form->focusWidget();
-            if (w->objectName().startsWith(QLatin1String("TabButton"))) break;
-            chain.push_back(w);
-        }
-        KeyboardNavigation* keys = f.form->findChild<KeyboardNavigation*>();
-        ASSERT_NE(keys, nullptr);
-        EXPECT_EQ(chain, keys->pageOrder()) << where;
-        EXPECT_EQ(int(chain.size()), seen)
-            << where << ": every control the reader sees takes focus";
-        QTest::keyClick(f.form->focusWidget(), Qt::Key_Backtab);
-        EXPECT_EQ(f.form->focusWidget(), chain.empty() ? nullptr : chain.back());
     }
+
+    EditorFixture f;
+    ControlPools& pools = f.form->pools();
+};
+
+} // namespace
+
+TEST_P(ReaderPage, EveryControlReadsAsTheUserSeesItAndTakesTheFocusInReadingOrder) {
+    int seen = 0;
+    ASSERT_NO_FATAL_FAILURE(readValueControls(seen));
+    ASSERT_NO_FATAL_FAILURE(readOptions(seen));
+    EXPECT_GT(seen, 5);
+    QAccessibleInterface* tab = reader(f.form->tabButton(f.form->currentTab()));
+    EXPECT_EQ(tab->role(), QAccessible::PageTab);
+    EXPECT_FALSE(tab->text(QAccessible::Name).isEmpty());
+
+    // The Tab key: from the last command button round to the page, through it in reading
+    // order, and on to the tab bar; Shift+Tab goes back.
+    std::vector<QWidget*> chain;
+    f.form->commandButton(3)->setFocus(Qt::TabFocusReason);
+    for (int n = 0; n < 200; ++n) {
+        QTest::keyClick(f.form->focusWidget(), Qt::Key_Tab);
+        QWidget* w = f.form->focusWidget();
+        if (w->objectName().startsWith(QLatin1String("TabButton"))) break;
+        chain.push_back(w);
+    }
+    KeyboardNavigation* keys = f.form->findChild<KeyboardNavigation*>();
+    ASSERT_NE(keys, nullptr);
+    EXPECT_EQ(chain, keys->pageOrder());
+    EXPECT_EQ(int(chain.size()), seen) << "every control the reader sees takes focus";
+    QTest::keyClick(f.form->focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(f.form->focusWidget(), chain.empty() ? nullptr : chain.back());
 }
+
+INSTANTIATE_TEST_SUITE_P(EveryModel, ReaderPage,
+                         ::testing::Values(std::pair{3, 1}, std::pair{5, 9}, std::pair{6, 8},
+                                           std::pair{8, 11}, std::pair{10, 14}),
+                         [](const auto& info) {
+                             return "GT" + std::to_string(info.param.first) + "Page" +
+                                    std::to_string(info.param.second);
+                         });
 
 TEST(Accessibility, ActionsGoThroughTheUsersPathAndTheGridIsATable) {
     EditorFixture f;

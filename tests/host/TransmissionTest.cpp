@@ -1,5 +1,6 @@
 #include "host/Transmission.h"
 #include "EditorSession.h"
+#include "PlugInFixture.h"
 #include "TestHost.h"
 #include "device/ModelMap.h"
 #include "device/TransmissionSchedule.h"
@@ -50,16 +51,7 @@ QByteArray dataOf(const QByteArray& image, const Expected& m) {
     return out;
 }
 
-class TransmissionTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        RegCreateKey(RegRoot::LocalMachine, kEditorKey);
-        host.fillPattern();
-        plugIn.Interface(&host);
-    }
-    TestHost host;
-    PlugIn plugIn;
-};
+using TransmissionTest = PlugInFixture;
 
 } // namespace
 

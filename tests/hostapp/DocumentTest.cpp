@@ -1,6 +1,7 @@
 // The document and its files: what is accepted, what is refused before anything is read, and
 // saves that fail without losing the edits or the old file.
 
+#include "DocumentFiles.h"
 #include "QtPrinters.h"
 #include "SmallDisk.h"
 #include "device/DefaultImage.h"
@@ -22,32 +23,8 @@ using namespace ferrule;
 
 namespace {
 
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    ASSERT_EQ(f.write(bytes), bytes.size());
-}
-
-// Gives the file a modification time `seconds` from now, as a later write would.
-bool touch(const QString& path, int seconds) {
-    QFile f(path);
-    return f.open(QIODevice::ReadWrite) &&
-           f.setFileTime(QDateTime::currentDateTime().addSecs(seconds),
-                         QFileDevice::FileModificationTime);
-}
-
-QByteArray readFile(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 std::optional<SystemDocument> open(const QString& path, QString* error, int model = 10) {
     return SystemDocument::open(path, model, Sysex::defaultHeader(model), error);
-}
-
-QByteArray edited(QByteArray image, int index) {
-    image[index] = char((image[index] + 1) & 0x7F);
-    return image;
 }
 
 } // namespace
@@ -59,24 +36,24 @@ TEST(Document, OpensBothFormsAndRefusesWhatIsNotAFileOfSystemData) {
     QByteArray image = makeDefaultImage();
     image[19200] = 77;
     const QString raw = dir.filePath(QStringLiteral("gt10.bin"));
-    writeFile(raw, image);
+    ASSERT_TRUE(writeFile(raw, image));
     std::optional<SystemDocument> doc = open(raw, &error);
     ASSERT_TRUE(doc) << qPrintable(error);
     EXPECT_EQ(doc->format(), DataFormat::Raw);
     const QString syx = dir.filePath(QStringLiteral("gt10.syx"));
-    writeFile(syx, doc->encode(DataFormat::Syx));
+    ASSERT_TRUE(writeFile(syx, doc->encode(DataFormat::Syx)));
     std::optional<SystemDocument> fromSyx = open(syx, &error);
     ASSERT_TRUE(fromSyx) << qPrintable(error);
     EXPECT_EQ(fromSyx->format(), DataFormat::Syx);
     EXPECT_EQ(fromSyx->image(), image);
 
     // Saving keeps the form; an edit changes exactly its bytes in the raw file.
-    fromSyx->setImage(edited(fromSyx->image(), 19200));
+    fromSyx->setImage(changed(fromSyx->image(), 19200));
     EXPECT_TRUE(fromSyx->modified());
     ASSERT_TRUE(fromSyx->save(&error)) << qPrintable(error);
     EXPECT_FALSE(fromSyx->modified());
     EXPECT_TRUE(readFile(syx).startsWith(char(0xF0)));
-    EXPECT_EQ(open(syx, &error)->image(), edited(image, 19200));
+    EXPECT_EQ(open(syx, &error)->image(), changed(image, 19200));
 
     // Refused at once, with one line naming the problem.
     const QString fifo = dir.filePath(QStringLiteral("fifo"));
@@ -98,14 +75,14 @@ TEST(Document, OpensBothFormsAndRefusesWhatIsNotAFileOfSystemData) {
     // A text of the largest size allowed is read (and refused for what it says); one byte
     // more and it is refused unread.
     const QString text = dir.filePath(QStringLiteral("big.txt"));
-    writeFile(text, QByteArray(4 << 20, '#'));
+    ASSERT_TRUE(writeFile(text, QByteArray(4 << 20, '#')));
     EXPECT_FALSE(open(text, &error));
     EXPECT_TRUE(error.endsWith("line 1: the text ends without a model line (\"# Model: GT-N\")"))
         << qPrintable(error);
-    writeFile(text, QByteArray((4 << 20) + 1, '#'));
+    ASSERT_TRUE(writeFile(text, QByteArray((4 << 20) + 1, '#')));
     EXPECT_FALSE(open(text, &error));
     EXPECT_TRUE(error.contains("holds more than 4194304 bytes")) << qPrintable(error);
-    writeFile(raw, image.left(100));
+    ASSERT_TRUE(writeFile(raw, image.left(100)));
     EXPECT_FALSE(open(raw, &error));
     EXPECT_TRUE(error.contains("holds 100 bytes")) << qPrintable(error);
     EXPECT_FALSE(open(syx, &error, 8));
@@ -127,7 +104,7 @@ TEST(Document, ARawImageThatNoMessageCouldCarryIsRefusedNamingTheByte) {
         ASSERT_GE(whole, 0);
         QByteArray image = makeDefaultImage();
         image[whole] = char(0x9A);
-        writeFile(raw, image);
+        ASSERT_TRUE(writeFile(raw, image));
         EXPECT_FALSE(open(raw, &error, model)) << model;
         EXPECT_TRUE(error.endsWith(QStringLiteral("byte %1 is 0x9A; GT-%2 system data are 7-bit "
                                                   "values (0-127)")
@@ -137,10 +114,10 @@ TEST(Document, ARawImageThatNoMessageCouldCarryIsRefusedNamingTheByte) {
         if (nibble < 0) continue;
         image = makeDefaultImage();
         image[nibble] = char(0xFF);
-        writeFile(raw, image);
+        ASSERT_TRUE(writeFile(raw, image));
         const std::optional<SystemDocument> doc = open(raw, &error, model);
         ASSERT_TRUE(doc) << qPrintable(error);
-        writeFile(raw, doc->encode(DataFormat::Syx));
+        ASSERT_TRUE(writeFile(raw, doc->encode(DataFormat::Syx)));
         const std::optional<SystemDocument> again = open(raw, &error, model);
         ASSERT_TRUE(again) << qPrintable(error);
         EXPECT_EQ(again->image(), image);
@@ -159,7 +136,7 @@ TEST(Document, RandomFilesNeverLoadSilentlyOrCrash) {
         for (auto& b : bytes)
             b = char(random());
         if (n % 3 == 0 && !bytes.isEmpty()) bytes[0] = char(0xF0);
-        writeFile(path, bytes);
+        ASSERT_TRUE(writeFile(path, bytes));
         const bool loaded = open(path, &error).has_value();
         if (loaded) {
             EXPECT_TRUE(bytes.size() == kImageSize && bytes[0] != char(0xF0)) << n;
@@ -174,9 +151,10 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
     if (!disk.available()) GTEST_SKIP() << "cannot mount a tmpfs here";
     const QString path = disk.path(QStringLiteral("gt10.bin"));
     const QByteArray original = makeDefaultImage();
-    writeFile(path, original);
+    ASSERT_TRUE(writeFile(path, original));
     // A stale temporary file of ours from an earlier crash.
-    writeFile(disk.path(QStringLiteral(".gt10.bin.ferrule-Ab12Cd")), QByteArray(100, 'x'));
+    ASSERT_TRUE(
+        writeFile(disk.path(QStringLiteral(".gt10.bin.ferrule-Ab12Cd")), QByteArray(100, 'x')));
     QString error;
     std::optional<SystemDocument> doc = open(path, &error);
     ASSERT_TRUE(doc);
@@ -188,7 +166,7 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
         while (filler.write(block) == block.size()) {
         }
     }
-    const QByteArray edits = edited(original, 19300);
+    const QByteArray edits = changed(original, 19300);
     doc->setImage(edits);
 
     QTemporaryDir elsewhere;
@@ -219,7 +197,7 @@ TEST(Document, AFailedSaveKeepsTheOldFileAndTheEditsUntilTheUserChooses) {
     SmallDisk readOnly(64);
     ASSERT_TRUE(readOnly.available());
     const QString ro = readOnly.path(QStringLiteral("gt10.bin"));
-    writeFile(ro, original);
+    ASSERT_TRUE(writeFile(ro, original));
     ASSERT_TRUE(readOnly.makeReadOnly());
     std::optional<SystemDocument> roDoc = open(ro, &error);
     ASSERT_TRUE(roDoc);
@@ -241,7 +219,7 @@ TEST(Document, ASaveOverAFileChangedOnDiskAsksAndNothingIsLostWithoutAChoice) {
     QString error;
     const QString path = dir.filePath(QStringLiteral("gt10.bin"));
     const QByteArray original = makeDefaultImage();
-    writeFile(path, original);
+    ASSERT_TRUE(writeFile(path, original));
     std::optional<SystemDocument> doc = open(path, &error);
     ASSERT_TRUE(doc) << qPrintable(error);
     struct Asked {
@@ -256,19 +234,19 @@ TEST(Document, ASaveOverAFileChangedOnDiskAsksAndNothingIsLostWithoutAChoice) {
     };
 
     // Written again with the same bytes (a backup tool, a sync): not a change, no question.
-    writeFile(path, original);
+    ASSERT_TRUE(writeFile(path, original));
     ASSERT_TRUE(touch(path, 5));
-    doc->setImage(edited(original, 19200));
+    doc->setImage(changed(original, 19200));
     ASSERT_TRUE(saveWithRecovery(*doc, ask, &error)) << qPrintable(error);
     EXPECT_TRUE(asked.isEmpty());
 
     // Another program writes other bytes: each answer does what it says.
-    const QByteArray theirs = edited(original, 19300);
-    const QByteArray ours = edited(doc->image(), 19400);
+    const QByteArray theirs = changed(original, 19300);
+    const QByteArray ours = changed(doc->image(), 19400);
     const QString rescue = dir.filePath(QStringLiteral("mine.syx"));
     for (const SaveChoice::Kind kind :
          {SaveChoice::Discard, SaveChoice::Overwrite, SaveChoice::SaveAs}) {
-        writeFile(path, theirs);
+        ASSERT_TRUE(writeFile(path, theirs));
         ASSERT_TRUE(touch(path, 10 + int(kind)));
         doc->setImage(ours);
         asked.clear();

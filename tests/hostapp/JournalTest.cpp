@@ -1,6 +1,7 @@
 // The recovery journal: what it keeps and what it refuses to read, and the window that writes it
 // after each edit (in the editor too, before OK) and recovers it on the next start.
 
+#include "DocumentFiles.h"
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "HostProcess.h"
@@ -25,37 +26,9 @@ using namespace ferrule;
 
 namespace {
 
-QByteArray readFile(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
-// A model's data saved as a raw image in `dir`: values in the middle of most ranges, so that a
-// knob can step down.
-QString savedDefault(const QTemporaryDir& dir, const QString& name, int model) {
-    SystemDocument doc(model, Sysex::defaultHeader(model));
-    QByteArray image = doc.image();
-    for (int i = modelStretch(model).start; i < kImageSize; ++i)
-        image[i] = char(5);
-    doc.setImage(image);
-    QString error;
-    const QString path = dir.filePath(name);
-    return doc.saveAs(path, DataFormat::Raw, &error) ? path : QString();
-}
-
 SystemDocument reopen(const QString& path, int model) {
     QString error;
     return *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error);
-}
-
-QByteArray changed(QByteArray image, int index) {
-    image[index] = char((image[index] + 1) & 0x7F);
-    return image;
 }
 
 } // namespace
@@ -63,7 +36,7 @@ QByteArray changed(QByteArray image, int index) {
 TEST(RecoveryJournal, KeepsAnEntryWholeAndReadsNothingElse) {
     QTemporaryDir dir;
     const RecoveryJournal journal(dir.filePath(QStringLiteral("recovery")));
-    const QString path = savedDefault(dir, QStringLiteral("a.bin"), 8);
+    const QString path = saveMidRange(dir.filePath(QStringLiteral("a.bin")), 8, DataFormat::Raw);
     ASSERT_TRUE(QFile::link(path, dir.filePath(QStringLiteral("link.bin"))));
     JournalEntry entry{path,
                        8,
@@ -113,18 +86,16 @@ TEST(RecoveryJournal, KeepsAnEntryWholeAndReadsNothingElse) {
     EXPECT_FALSE(journal.read(path, 8).has_value());
 }
 
-class WindowJournal : public ::testing::TestWithParam<int> {};
-
 // An edit, a death before saving, and a new window: each answer, and a file changed meanwhile.
-TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscard) {
-    const int model = GetParam();
-    QTemporaryDir dir;
-    const QString path = savedDefault(dir, QStringLiteral("data.bin"), model);
-    const QByteArray original = readFile(path);
-    const RecoveryJournal journal;
-    const QString journalFile = journal.fileFor(path, model);
+class WindowJournal : public ::testing::TestWithParam<int> {
+protected:
+    struct Next {
+        QStringList asked;
+        std::unique_ptr<MainWindow> window;
+    };
+
     // A window that edits and then dies: its journal is all that is left.
-    const auto editAndDie = [&](const QByteArray& image) {
+    void editAndDie(const QByteArray& image) {
         const QByteArray before = readFile(path);
         MainWindow window(hostOptionsForTests(model), reopen(path, model));
         window.takeImage(image, QStringLiteral("edited"));
@@ -135,24 +106,31 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
             },
             120000));
         ASSERT_TRUE(readFile(path) == before);
-    };
-    struct Next {
-        QStringList asked;
-        std::unique_ptr<MainWindow> window;
-    };
-    const auto nextStart = [&](bool recover) {
+    }
+    // The next window, answering the question about recovering with `recover`.
+    Next nextStart(bool recover) {
         Next next{{},
                   std::make_unique<MainWindow>(hostOptionsForTests(model), reopen(path, model))};
-        next.window->setAskRecover([&next, recover](const QString& q) {
-            next.asked << q;
+        next.window->setAskRecover([&asked = next.asked, recover](const QString& q) {
+            asked << q;
             return recover;
         });
         next.window->offerRecovery();
         return next;
-    };
+    }
 
+    const int model = GetParam();
+    QTemporaryDir dir;
+    const QString path =
+        saveMidRange(dir.filePath(QStringLiteral("data.bin")), model, DataFormat::Raw);
+    const QByteArray original = readFile(path);
     const QByteArray edited = changed(original, 10500);
-    editAndDie(edited);
+    const RecoveryJournal journal;
+    const QString journalFile = journal.fileFor(path, model);
+};
+
+TEST_P(WindowJournal, DiscardRemovesTheJournalAndADamagedOneIsNotAskedAbout) {
+    ASSERT_NO_FATAL_FAILURE(editAndDie(edited));
     Next discard = nextStart(false);
     ASSERT_EQ(discard.asked.size(), 1);
     const auto question = QRegularExpression(
@@ -167,8 +145,10 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
     ASSERT_TRUE(writeFile(journalFile, QByteArray("Ferrule recovery journal 1\n") + "cut"));
     EXPECT_TRUE(nextStart(true).asked.isEmpty());
     EXPECT_TRUE(QFile::exists(journalFile));
+}
 
-    editAndDie(edited);
+TEST_P(WindowJournal, RecoverShowsTheEditsUnsavedAndASaveRemovesTheJournal) {
+    ASSERT_NO_FATAL_FAILURE(editAndDie(edited));
     Next recover = nextStart(true);
     ASSERT_EQ(recover.asked.size(), 1);
     EXPECT_TRUE(recover.window->documentModified());
@@ -178,26 +158,20 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
     ASSERT_TRUE(recover.window->save());
     EXPECT_TRUE(readFile(path) == edited);
     EXPECT_FALSE(QFile::exists(journalFile)) << "a save removes the journal";
-    recover.window.reset();
+}
 
-    // Another program writes the file after the edits began: the question says so, and a save
-    // over it asks first.
-    const QByteArray second = changed(edited, 10600);
-    editAndDie(second);
-    ASSERT_TRUE(writeFile(path, changed(edited, 10700)));
-    {
-        // As a write a while later: a time of its own.
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::ReadWrite));
-        ASSERT_TRUE(f.setFileTime(QDateTime::currentDateTime().addSecs(5),
-                                  QFileDevice::FileModificationTime));
-    }
+// Another program writes the file after the edits began: the question says so, and a save over
+// it asks first.
+TEST_P(WindowJournal, AFileChangedMeanwhileIsNamedInTheQuestionAndASaveOverItAsks) {
+    ASSERT_NO_FATAL_FAILURE(editAndDie(edited));
+    ASSERT_TRUE(writeFile(path, changed(original, 10700)));
+    ASSERT_TRUE(touch(path, 5)) << "as a write a while later: a time of its own";
     Next meanwhile = nextStart(true);
     ASSERT_EQ(meanwhile.asked.size(), 1);
     EXPECT_TRUE(
         meanwhile.asked[0].contains("\n\ndata.bin was changed on disk after it was read here"))
         << qPrintable(meanwhile.asked[0]);
-    EXPECT_TRUE(meanwhile.window->document().image() == second);
+    EXPECT_TRUE(meanwhile.window->document().image() == edited);
     bool askedOverwrite = false;
     meanwhile.window->setAskAfterFailedSave([&](const QString&, bool changedOnDisk) {
         askedOverwrite = changedOnDisk;
@@ -205,7 +179,7 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
     });
     ASSERT_TRUE(meanwhile.window->save());
     EXPECT_TRUE(askedOverwrite);
-    EXPECT_TRUE(readFile(path) == second);
+    EXPECT_TRUE(readFile(path) == edited);
 }
 
 // The edits made inside the editor are journaled before OK; Cancel discards them and the
@@ -213,7 +187,8 @@ TEST_P(WindowJournal, AnUnsavedEditComesBackInTheNextWindowAndGoesOnSaveOrDiscar
 TEST_P(WindowJournal, EditsInsideTheEditorAreJournaledBeforeOk) {
     const int model = GetParam();
     QTemporaryDir dir;
-    const QString path = savedDefault(dir, QStringLiteral("editor.bin"), model);
+    const QString path =
+        saveMidRange(dir.filePath(QStringLiteral("editor.bin")), model, DataFormat::Raw);
     const RecoveryJournal journal;
     for (const bool cancel : {false, true}) {
         MainWindow window(hostOptionsForTests(model), reopen(path, model));
@@ -247,7 +222,8 @@ INSTANTIATE_TEST_SUITE_P(Models, WindowJournal, ::testing::Values(3, 10),
 // Runs without a display never ask and leave a journal where it is.
 TEST(WindowJournal, HeadlessRunsNeitherAskNorTouchTheJournal) {
     QTemporaryDir dir;
-    const QString path = savedDefault(dir, QStringLiteral("headless.bin"), 8);
+    const QString path =
+        saveMidRange(dir.filePath(QStringLiteral("headless.bin")), 8, DataFormat::Raw);
     const QString dataHome = qEnvironmentVariable("XDG_DATA_HOME");
     // The child's data folder is this process's: the journal is where both look.
     const RecoveryJournal journal(QDir(dataHome).filePath(QStringLiteral("ferrule-host/recovery")));

@@ -2,6 +2,7 @@
 // saved changes exactly the parameter's bytes; unsaved changes are asked about.
 
 #include "ui/MainWindow.h"
+#include "DocumentFiles.h"
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "QtPrinters.h"
@@ -31,11 +32,6 @@ using namespace ferrule;
 
 namespace {
 
-QByteArray readFile(const QString& path) {
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
 QByteArray imageOfSyx(const QString& path, int model) {
     return SyxFile::read(readFile(path), model, Sysex::defaultHeader(model), makeDefaultImage())
         .image;
@@ -47,16 +43,7 @@ TEST(MainWindow, AnEditThroughTheEditorSavedChangesExactlyThatParametersBytes) {
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("gt10.syx"));
     const int model = 10;
-    {
-        // Values in the middle of most ranges, so that a knob can step down.
-        SystemDocument doc(model, Sysex::defaultHeader(model));
-        QByteArray image = doc.image();
-        for (int i = modelStretch(model).start; i < kImageSize; ++i)
-            image[i] = char(5);
-        doc.setImage(image);
-        QString error;
-        ASSERT_TRUE(doc.saveAs(path, DataFormat::Syx, &error)) << qPrintable(error);
-    }
+    ASSERT_EQ(saveMidRange(path, model, DataFormat::Syx), path);
     const QByteArray before = imageOfSyx(path, model);
     MainWindow window(hostOptionsForTests(model),
                       SystemDocument(model, Sysex::defaultHeader(model)));
@@ -97,8 +84,7 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     QString error;
     ASSERT_TRUE(doc.saveAs(path, DataFormat::Raw, &error));
     const QByteArray original = readFile(path);
-    QByteArray edited = original;
-    edited[10500] = char(edited[10500] + 1);
+    const QByteArray edited = changed(original, 10500);
 
     MainWindow window(hostOptionsForTests(model), doc);
     QStringList asked;
@@ -117,23 +103,19 @@ TEST(MainWindow, UnsavedChangesAreAskedAboutAndEachAnswerDoesWhatItSays) {
     ASSERT_EQ(asked.size(), 1);
     EXPECT_TRUE(asked[0].contains("gt8.bin has unsaved changes"));
 
-    // Discard: closes, the file keeps its old bytes.
-    MainWindow discard(hostOptionsForTests(model),
-                       *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
-    discard.setAskSave([](const QString&) { return QMessageBox::Discard; });
-    discard.takeImage(edited, QStringLiteral("edited"));
-    discard.show();
-    EXPECT_TRUE(discard.close());
-    EXPECT_EQ(readFile(path), original);
-
-    // Save: closes after writing the changes.
-    MainWindow keep(hostOptionsForTests(model),
-                    *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
-    keep.setAskSave([](const QString&) { return QMessageBox::Save; });
-    keep.takeImage(edited, QStringLiteral("edited"));
-    keep.show();
-    EXPECT_TRUE(keep.close());
-    EXPECT_EQ(readFile(path), edited);
+    // A window on the file, edited, closed with `reply` to the question.
+    const auto closeAnswering = [&](QMessageBox::StandardButton reply) {
+        MainWindow w(hostOptionsForTests(model),
+                     *SystemDocument::open(path, model, Sysex::defaultHeader(model), &error));
+        w.setAskSave([reply](const QString&) { return reply; });
+        w.takeImage(edited, QStringLiteral("edited"));
+        w.show();
+        return w.close();
+    };
+    EXPECT_TRUE(closeAnswering(QMessageBox::Discard));
+    EXPECT_EQ(readFile(path), original) << "Discard closes, the file keeps its old bytes";
+    EXPECT_TRUE(closeAnswering(QMessageBox::Save));
+    EXPECT_EQ(readFile(path), edited) << "Save closes after writing the changes";
 }
 
 TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHostIsGone) {
@@ -141,11 +123,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     const QString path = dir.filePath(QStringLiteral("gt8.bin"));
     const int model = 8;
     const QByteArray original = makeDefaultImage();
-    {
-        QFile f(path);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(original);
-    }
+    ASSERT_TRUE(writeFile(path, original));
     // Another ferrule-host edits the file in its editor; the lock lives in the runtime folder,
     // which this process and the other share.
     QTemporaryDir runtime;
@@ -155,10 +133,14 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), dir.path());
     other.setProcessEnvironment(env);
-    other.start(QStringLiteral(FERRULE_HOST_BINARY),
-                {QStringLiteral("--edit"), QStringLiteral("--model"), QString::number(model),
-                 QStringLiteral("--data"), path, QStringLiteral("--plugin"),
-                 QStringLiteral(FERRULE_PLUGIN_FILE)});
+    const QStringList edit = {QStringLiteral("--edit"),
+                              QStringLiteral("--model"),
+                              QString::number(model),
+                              QStringLiteral("--data"),
+                              path,
+                              QStringLiteral("--plugin"),
+                              QStringLiteral(FERRULE_PLUGIN_FILE)};
+    other.start(QStringLiteral(FERRULE_HOST_BINARY), edit);
     ASSERT_TRUE(other.waitForStarted());
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return DocumentLock::holder(path) == other.processId(); }, 120000))
@@ -167,10 +149,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     // A third one that would edit it is refused, with the reason.
     QProcess third;
     third.setProcessEnvironment(env);
-    third.start(QStringLiteral(FERRULE_HOST_BINARY),
-                {QStringLiteral("--edit"), QStringLiteral("--model"), QString::number(model),
-                 QStringLiteral("--data"), path, QStringLiteral("--plugin"),
-                 QStringLiteral(FERRULE_PLUGIN_FILE)});
+    third.start(QStringLiteral(FERRULE_HOST_BINARY), edit);
     ASSERT_TRUE(third.waitForFinished(120000));
     EXPECT_EQ(third.exitCode(), 2);
     EXPECT_TRUE(third.readAllStandardError().contains(
@@ -193,8 +172,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     ASSERT_EQ(asked.size(), 1);
     EXPECT_TRUE(asked[0].startsWith("gt8.bin has unsaved changes in another ferrule-host"));
     EXPECT_TRUE(window.document().readOnly());
-    QByteArray edits = original;
-    edits[10500] = char(edits[10500] + 1);
+    const QByteArray edits = changed(original, 10500);
     window.takeImage(edits, QStringLiteral("edited"));
     EXPECT_FALSE(window.holdsFileLock());
     EXPECT_FALSE(window.save());

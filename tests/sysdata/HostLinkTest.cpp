@@ -1,4 +1,5 @@
 #include "sysdata/HostLink.h"
+#include "PlugInFixture.h"
 #include "TestHost.h"
 #include "sysdata/FerruleError.h"
 #include "sysdata/ValueText.h"
@@ -6,17 +7,6 @@
 #include <gtest/gtest.h>
 
 using namespace ferrule;
-
-namespace {
-std::string errorOf(const std::function<void()>& f) {
-    try {
-        f();
-    } catch (const FerruleError& e) {
-        return e.what();
-    }
-    return {};
-}
-} // namespace
 
 TEST(HostLink, ReadsPropertiesAndCallsMethodsByName) {
     TestHost host;
