@@ -36,10 +36,10 @@ void ImageButton::keyPressEvent(QKeyEvent* e) {
     QWidget::keyPressEvent(e);
 }
 
-void ImageButton::setPicture(const QPixmap& pixmap, const QString& name) {
-    pixmap_ = pixmap;
+void ImageButton::setPicture(QSize size, Picture picture, const QString& name) {
+    picture_ = std::move(picture);
     pictureName_ = name;
-    resize(pixmap.deviceIndependentSize().toSize());
+    resize(size);
     update();
 }
 
@@ -51,8 +51,9 @@ int ImageButton::heightTwips() const {
 }
 
 void ImageButton::paintEvent(QPaintEvent*) {
+    if (!picture_) return;
     QPainter p(this);
-    p.drawPixmap(0, 0, pixmap_);
+    p.drawPixmap(0, 0, picture_());
 }
 
 void ImageButton::mousePressEvent(QMouseEvent* e) {

@@ -3,6 +3,8 @@
 #include <QPixmap>
 #include <QWidget>
 
+#include <functional>
+
 namespace ferrule {
 
 // A plain picture that reports mouse presses, moves and releases with the pointer position in
@@ -10,7 +12,8 @@ namespace ferrule {
 // The second press of a double-click is no new press: it is not reported, so that a double-click
 // acts once, and its release finds no press to complete.
 // The window swaps its picture; `picture` names the source element it shows (for example
-// "Img(40)"), so that a tool can read which picture is up.
+// "Img(40)"), so that a tool can read which picture is up. The picture itself is asked for when
+// the button is painted: a button that is never seen never has its picture drawn.
 class ImageButton : public QWidget {
     Q_OBJECT
     Q_PROPERTY(int index READ index CONSTANT)
@@ -19,7 +22,9 @@ public:
     ImageButton(int index, QWidget* parent);
 
     int index() const { return index_; }
-    void setPicture(const QPixmap& pixmap, const QString& name);
+    using Picture = std::function<const QPixmap&()>;
+    // Shows `picture`, of `size` logical pixels (the button takes that size).
+    void setPicture(QSize size, Picture picture, const QString& name);
     QString pictureName() const { return pictureName_; }
     int widthTwips() const;
     int heightTwips() const;
@@ -43,7 +48,7 @@ protected:
 
 private:
     int index_;
-    QPixmap pixmap_;
+    Picture picture_;
     QString pictureName_;
 };
 

@@ -98,30 +98,29 @@ void SysForm::buildChrome() {
     for (int i = 0; i < 13; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("TabButton%1").arg(i));
-        b->setPicture(art().Img(i), QStringLiteral("Img(%1)").arg(i));
+        tabButtons_[std::size_t(i)] = b;
+        showTabPicture(i, i);
         const TabDesign design = tabDesign(i);
         b->move(twipsToPx(design.left), twipsToPx(kTabTop));
         b->setVisible(design.visible);
         b->setToolTip(ButtonArt::tabCaption(i));
         b->setAccessibleName(ButtonArt::tabCaption(i));
-        tabButtons_[std::size_t(i)] = b;
     }
     for (int i = 0; i < 5; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("ModeButton%1").arg(i));
         b->setAccessibleName(ButtonArt::modeCaption(i));
-        b->setPicture(art().mImg(i), QStringLiteral("mImg(%1)").arg(i));
-        b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
         modeButtons_[std::size_t(i)] = b;
+        showModePicture(i, i);
+        b->move(twipsToPx(kModeLeft + kModeStep * i), twipsToPx(kModeTop));
     }
     for (int i = 0; i < 4; ++i) {
         auto* b = new ImageButton(i, this);
         b->setObjectName(QStringLiteral("CButton%1").arg(i));
-        b->setAccessibleName(ButtonArt::commandCaption(i));
         b->setProperty("ferruleCommandButton", true);
-        b->setPicture(art().CButton(i + 4), QStringLiteral("CButton(%1)").arg(i + 4));
-        b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
         commandButtons_[std::size_t(i)] = b;
+        showCommandPicture(i, i + 4);
+        b->move(twipsToPx(kCommandLeft + kCommandStep * i), twipsToPx(kCommandTop));
     }
     buildButtonRows();
     txWarning_ = new QLabel(QStringLiteral("Sending system data to the device…"), this);
@@ -569,22 +568,30 @@ int SysForm::modelForModeButton(int index) {
     return kModels[index];
 }
 
+// The pictures are drawn when a button is first painted with them, at the window's pixel ratio
+// then: a hidden tab's never are.
 void SysForm::showTabPicture(int tab, int picture) {
-    tabButtons_[std::size_t(tab)]->setPicture(art().Img(picture),
-                                              QStringLiteral("Img(%1)").arg(picture));
+    tabButtons_[std::size_t(tab)]->setPicture(
+        {ButtonArt::kTabWidth, ButtonArt::kTabHeight},
+        [this, picture]() -> const QPixmap& { return art().Img(picture); },
+        QStringLiteral("Img(%1)").arg(picture));
 }
 
 void SysForm::showModePicture(int button, int picture) {
-    modeButtons_[std::size_t(button)]->setPicture(art().mImg(picture),
-                                                  QStringLiteral("mImg(%1)").arg(picture));
+    modeButtons_[std::size_t(button)]->setPicture(
+        {ButtonArt::kModeWidth, ButtonArt::kModeHeight},
+        [this, picture]() -> const QPixmap& { return art().mImg(picture); },
+        QStringLiteral("mImg(%1)").arg(picture));
 }
 
 void SysForm::showCommandPicture(int button, int picture) {
     // While a transmission runs the transmit button reads "Stop".
     commandButtons_[std::size_t(button)]->setAccessibleName(
         picture >= 12 ? QStringLiteral("Stop") : ButtonArt::commandCaption(button));
-    commandButtons_[std::size_t(button)]->setPicture(art().CButton(picture),
-                                                     QStringLiteral("CButton(%1)").arg(picture));
+    commandButtons_[std::size_t(button)]->setPicture(
+        {ButtonArt::kCommandWidth, ButtonArt::kCommandHeight},
+        [this, picture]() -> const QPixmap& { return art().CButton(picture); },
+        QStringLiteral("CButton(%1)").arg(picture));
 }
 
 void SysForm::showCommandNormal(int i) {

@@ -24,6 +24,7 @@
 #include <QWidget>
 
 #include <cstdio>
+#include <optional>
 
 namespace ferrule {
 
@@ -43,12 +44,13 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
             return fail(kExitDevice, why);
     }
     // --verify reads back from the device's output; a port that cannot be opened fails before
-    // anything is sent.
-    MidiInput readBack;
+    // anything is sent. Other runs have no input, nor its ring and wake-up.
+    std::optional<MidiInput> readBack;
     if (options.verify) {
         QString why;
         const std::optional<MidiApi> api = chosenMidiApi(options, &why);
-        if (!api || !readBack.open(*api, QStringLiteral("ferrule-host"), options.midiIn, &why))
+        if (!api ||
+            !readBack.emplace().open(*api, QStringLiteral("ferrule-host"), options.midiIn, &why))
             return fail(kExitDevice, why);
     }
     BlockPipeline pipeline({options.sysexHeader, options.gapMs, options.syxFile}, &midi);
@@ -98,7 +100,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
                              box.exec();
                          });
     HeadlessRun headlessRun(options, pipeline, plugIn);
-    if (options.verify) headlessRun.setReadBack(&readBack, &midi, document.image());
+    if (readBack) headlessRun.setReadBack(&*readBack, &midi, document.image());
     PlugInEditor::Run run;
     run.model = options.model;
     run.title = options.title;
