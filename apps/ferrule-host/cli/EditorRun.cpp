@@ -119,7 +119,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     // was read back so.
     if (options.transmit && midi.isOpen() && result.ok && headlessRun.transmitted()) {
         QStringList ports{midi.portName()};
-        if (options.verify) ports << readBack.portName();
+        if (readBack) ports << readBack->portName();
         keepInHistory(headlessRun.verified() ? Snapshot::Kind::Verified : Snapshot::Kind::Sent,
                       options.model, edited, options.dataSetHeader(), ports);
     }
