@@ -69,11 +69,11 @@ struct PacedLink {
 TEST_F(Loopback, PacedMessagesArriveWholeInOrderNeverBeforeTheirWireTime) {
     PacedLink link;
     QList<QByteArray> sent, received;
-    QList<qint64> arrivedNs;
-    QObject::connect(&link.deviceIn, &MidiInput::messageReceived, [&](const QByteArray& m) {
-        received << m;
-        arrivedNs << link.paced.nowNs();
-    });
+    QList<qint64> leftNs;
+    QObject::connect(&link.paced, &PacedOutput::messageSent,
+                     [&](const QByteArray&) { leftNs << link.paced.nowNs(); });
+    QObject::connect(&link.deviceIn, &MidiInput::messageReceived,
+                     [&](const QByteArray& m) { received << m; });
     const qint64 startNs = link.paced.nowNs();
     for (int i = 0; i < 24; ++i) {
         sent << sysex(std::uniform_int_distribution(3, 200)(random), random);
@@ -84,7 +84,7 @@ TEST_F(Loopback, PacedMessagesArriveWholeInOrderNeverBeforeTheirWireTime) {
     qint64 wire = 0;
     for (int i = 0; i < sent.size(); ++i) {
         wire += wireTimeNs(sent[i].size());
-        EXPECT_GE(arrivedNs[i] - startNs, wire) << "message " << i << " left early";
+        EXPECT_GE(leftNs[i] - startNs, wire) << "message " << i << " left early";
     }
 }
 
