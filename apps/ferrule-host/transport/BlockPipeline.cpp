@@ -29,9 +29,7 @@ BlockPipeline::BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject
     : QObject(parent)
     , options_(std::move(options))
     , midi_(midi) {
-    timer_.setSingleShot(true);
-    timer_.setTimerType(Qt::PreciseTimer);
-    connect(&timer_, &QTimer::timeout, this, &BlockPipeline::drained);
+    connect(&pacer_, &ferrule::PacingTimer::due, this, &BlockPipeline::drained);
 }
 
 bool BlockPipeline::open(QString* error) {
@@ -51,11 +49,8 @@ bool BlockPipeline::hasOutput() const {
 }
 
 void BlockPipeline::arm(double atMs) {
-    // Whole milliseconds down; drained() waits out the fraction, so QueueEmpty comes on the
-    // deadline rather than up to a millisecond after it.
-    armedAtMs_ = atMs;
-    const double wait = std::max(0.0, atMs - double(clock_.nsecsElapsed()) / 1e6);
-    timer_.start(int(std::floor(wait)));
+    // On the deadline, not up to a millisecond after it.
+    pacer_.fireAt(startNs_ + std::llround(atMs * 1e6));
 }
 
 void BlockPipeline::send(int address, const QByteArray& data, int model) {
@@ -87,11 +82,11 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
         syxBytes_ += message.size();
     }
     emit messageSent(message);
-    if (!clock_.isValid()) {
-        clock_.start();
+    if (startNs_ < 0) {
+        startNs_ = pacer_.nowNs();
         deadlineMs_ = 0;
     }
-    const double now = double(clock_.nsecsElapsed()) / 1e6;
+    const double now = nowMs();
     const double wire = wireTimeMs(message.size());
     deadlineMs_ = std::max(deadlineMs_, now) + wire + options_.gapMs;
     ++messages_;
@@ -103,7 +98,7 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
 
 void BlockPipeline::fail(const QString& why) {
     failure_ = why;
-    timer_.stop();
+    pacer_.stop();
     QTimer::singleShot(0, this, [this] { emit outputFailed(failure_); });
 }
 
@@ -124,8 +119,6 @@ QString BlockPipeline::deliveryReport() const {
 
 void BlockPipeline::drained() {
     if (!queueEmpty_ || failed()) return;
-    while (double(clock_.nsecsElapsed()) / 1e6 < armedAtMs_) {
-    }
     const int before = messages_;
     try {
         queueEmpty_();
@@ -133,13 +126,12 @@ void BlockPipeline::drained() {
     } catch (const std::exception& e) {
         if (failed()) return; // the output's failure ends the transmission
         std::fprintf(stderr, "ferrule-host: QueueEmpty: %s\n", e.what());
-        if (++failures_ < kFailuresBeforeStopping)
-            arm(double(clock_.nsecsElapsed()) / 1e6 + options_.gapMs);
+        if (++failures_ < kFailuresBeforeStopping) arm(nowMs() + options_.gapMs);
         return;
     }
-    if (running_ && endMs_ < 0 && !running_()) endMs_ = double(clock_.nsecsElapsed()) / 1e6;
+    if (running_ && endMs_ < 0 && !running_()) endMs_ = nowMs();
     if (messages_ == before) {
         // Nothing was queued, so the queue is still empty: the next QueueEmpty comes at once.
-        if (++idleCalls_ < kIdleCallsBeforeStopping) arm(double(clock_.nsecsElapsed()) / 1e6);
+        if (++idleCalls_ < kIdleCallsBeforeStopping) arm(nowMs());
     }
 }

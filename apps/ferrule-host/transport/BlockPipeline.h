@@ -1,10 +1,10 @@
 #pragma once
 
+#include "PacingTimer.h"
+
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QObject>
-#include <QTimer>
 
 #include <functional>
 
@@ -67,16 +67,17 @@ private:
     void drained();
     void fail(const QString& why);
     void arm(double atMs);
+    // Milliseconds since the first message.
+    double nowMs() const { return double(pacer_.nowNs() - startNs_) / 1e6; }
 
     Options options_;
     ferrule::MidiOutput* midi_;
     QFile syx_;
-    QTimer timer_;
-    QElapsedTimer clock_;
+    ferrule::PacingTimer pacer_;
+    qint64 startNs_ = -1; // when the first message left, on the pacer's clock
     std::function<void()> queueEmpty_;
     std::function<bool()> running_;
     double deadlineMs_ = 0;
-    double armedAtMs_ = 0;
     int messages_ = 0;
     qint64 bytes_ = 0;
     double wireMs_ = 0;

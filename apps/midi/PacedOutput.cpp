@@ -9,17 +9,14 @@ namespace ferrule {
 PacedOutput::PacedOutput(Sink sink, QObject* parent)
     : QObject(parent)
     , sink_(std::move(sink)) {
-    clock_.start();
-    timer_.setSingleShot(true);
-    timer_.setTimerType(Qt::PreciseTimer);
-    connect(&timer_, &QTimer::timeout, this, &PacedOutput::pump);
+    connect(&timer_, &PacingTimer::due, this, &PacedOutput::pump);
 }
 
 void PacedOutput::enqueue(const QByteArray& message, qint64 notBeforeNs) {
     const qint64 start = std::max({lineFreeNs_, notBeforeNs, nowNs()});
     lineFreeNs_ = start + wireTimeNs(message.size());
     queue_.push_back({message, lineFreeNs_});
-    schedule();
+    timer_.fireAt(queue_.front().dueNs);
 }
 
 void PacedOutput::clear() {
@@ -28,19 +25,8 @@ void PacedOutput::clear() {
     lineFreeNs_ = std::min(lineFreeNs_, nowNs());
 }
 
-void PacedOutput::schedule() {
-    if (queue_.empty()) return;
-    const qint64 waitNs = queue_.front().dueNs - nowNs();
-    // Whole milliseconds down: a message may leave up to 1 ms early rather than late, and the
-    // pump sends everything that is due.
-    timer_.start(int(std::max<qint64>(0, waitNs / 1000000)));
-}
-
 void PacedOutput::pump() {
-    // Spin out the last fraction of a millisecond so the message leaves on time.
-    while (!queue_.empty() && queue_.front().dueNs - nowNs() > 0 &&
-           queue_.front().dueNs - nowNs() < 1000000) {
-    }
+    // Everything that is due leaves now.
     while (!queue_.empty() && queue_.front().dueNs <= nowNs()) {
         const Item item = queue_.front();
         queue_.pop_front();
@@ -57,7 +43,7 @@ void PacedOutput::pump() {
     if (queue_.empty())
         emit drained();
     else
-        schedule();
+        timer_.fireAt(queue_.front().dueNs);
 }
 
 } // namespace ferrule

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "PacingTimer.h"
+
 #include <QByteArray>
-#include <QElapsedTimer>
 #include <QObject>
-#include <QTimer>
 
 #include <deque>
 #include <functional>
@@ -25,7 +25,7 @@ public:
     void enqueue(const QByteArray& message, qint64 notBeforeNs = 0);
     void clear();
     bool idle() const { return queue_.empty(); }
-    qint64 nowNs() const { return clock_.nsecsElapsed(); }
+    qint64 nowNs() const { return timer_.nowNs(); }
     int sentMessages() const { return sent_; }
     qint64 sentBytes() const { return bytes_; }
 
@@ -40,11 +40,9 @@ private:
         qint64 dueNs;
     };
     void pump();
-    void schedule();
 
     Sink sink_;
-    QElapsedTimer clock_;
-    QTimer timer_;
+    PacingTimer timer_;
     std::deque<Item> queue_;
     qint64 lineFreeNs_ = 0;
     int sent_ = 0;
