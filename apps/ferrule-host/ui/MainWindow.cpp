@@ -299,7 +299,11 @@ void MainWindow::showReadWarnings() {
                                                         .arg(warnings.size() - 1));
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow() {
+    // The undo stack, a child, empties itself as it goes and says so: not to a window that is
+    // no longer whole.
+    undo_->disconnect(this);
+}
 
 void MainWindow::buildActions() {
     QMenu* file = menuBar()->addMenu(QStringLiteral("&File"));
