@@ -22,7 +22,7 @@ for m in 3 5 6 8 10; do
     "$host" --model "$m" --export "$out/gt$m-default.txt" >/dev/null
     "$host" --model "$m" --data "$work/changed.bin" --export "$work/changed.txt" >/dev/null
     { echo "# Model: GT-$m"
-      awk -v seed="$m" 'BEGIN { srand(seed) }
+      awk -v start="$m" 'BEGIN { srand(start) }
           /^#|^$/ { next }
           /^Address/ { bytes[nb++] = $0; next }
           { settings[ns++] = $0 }
