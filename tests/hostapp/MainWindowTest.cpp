@@ -5,6 +5,10 @@
 #include "DocumentFiles.h"
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
+#include "LoopbackDriver.h"
+#include "MidiInput.h"
+#include "MidiModule.h"
+#include "MidiOutput.h"
 #include "QtPrinters.h"
 #include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
@@ -322,4 +326,29 @@ TEST(MainWindow, ASettingsTextOpensAsTheModelItNamesShowsItsWarningsAndSavesAsTe
     const QByteArray saved = readFile(copy);
     EXPECT_TRUE(saved.startsWith("# Ferrule system settings\n# Model: GT-3\n"));
     EXPECT_TRUE(saved.contains(knob->name().toUtf8() + " = 127\n")) << saved.constData();
+}
+
+// Choosing ports, and choosing them again, closes the old ones on purpose: that is no loss, and
+// the window must not report the ports as lost or as "open again".
+TEST(MainWindow, ChoosingPortsIsNeitherALossNorAReturn) {
+    LoopbackDriver midi;
+    useMidiDriver(&midi);
+    {
+        QString error;
+        MidiInput deviceIn;
+        MidiOutput deviceOut;
+        ASSERT_TRUE(deviceIn.openVirtual(MidiApi::Alsa, "dev", "dev in", &error) &&
+                    deviceOut.openVirtual(MidiApi::Alsa, "dev", "dev out", &error))
+            << qPrintable(error);
+        MainWindow window(hostOptionsForTests(8), SystemDocument(8, Sysex::defaultHeader(8)));
+        for (int choice = 0; choice < 3; ++choice) {
+            ASSERT_TRUE(window.setPorts(choice == 1 ? QString() : QStringLiteral("dev out"),
+                                        QStringLiteral("dev in")))
+                << qPrintable(window.portState());
+            EXPECT_TRUE(window.device().linkProblem().isEmpty());
+            EXPECT_FALSE(window.lastResult().contains(QLatin1String("again")))
+                << choice << ": " << qPrintable(window.lastResult());
+        }
+    }
+    useMidiDriver(nullptr);
 }

@@ -252,9 +252,10 @@ MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWid
     connect(&device_, &DeviceSession::linkChanged, this, [this] {
         // A port lost or back is the latest thing that happened, so it is said as such; an
         // operation the loss ended has said so already, with what had left by then.
+        // A port closed on purpose (the user chose another) leaves no problem: not a loss.
         const QString problem = device_.linkProblem();
-        const bool lost =
-            (hadInput_ && !device_.hasInput()) || (hadOutput_ && !device_.hasOutput());
+        const bool lost = !problem.isEmpty() && ((hadInput_ && !device_.hasInput()) ||
+                                                 (hadOutput_ && !device_.hasOutput()));
         const auto saidAlready = [&] {
             for (const QString& part : problem.split(QStringLiteral("; ")))
                 if (lastResult_.contains(part)) return true;
