@@ -9,6 +9,7 @@
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
 #include "device/ModelDescription.h"
+#include "device/ModelMap.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
 #include "sysdata/SystemImage.h"
@@ -45,8 +46,15 @@ TEST_P(IndexLaws, EverySentByteIsCoveredOnceOrListedAsEditedByNoControl) {
         ASSERT_TRUE(p.bytes == 1 || p.bytes == 2) << where(p);
         ASSERT_GE(p.address, 0) << where(p);
         ASSERT_LE(p.address + p.bytes, kImageSize) << where(p);
-        for (int b = 0; b < p.bytes; ++b)
+        for (int b = 0; b < p.bytes; ++b) {
             ++owners[std::size_t(p.address + b)];
+            // The transmission carries every byte of a parameter in the model's stretch (the
+            // GT-10's "Map Select" is bound outside it).
+            const ModelStretch stretch = modelStretch(model());
+            EXPECT_TRUE(p.address < stretch.start || p.address >= stretch.end ||
+                        std::ranges::binary_search(index().sentBytes(), p.address + b))
+                << where(p) << " byte " << b << " is never sent";
+        }
     }
     const std::set<int> uncovered(index().uncoveredBytes().begin(), index().uncoveredBytes().end());
     const std::set<int> shared(index().sharedBytes().begin(), index().sharedBytes().end());
