@@ -268,11 +268,7 @@ TEST(MainWindow, ASettingsTextOpensAsTheModelItNamesShowsItsWarningsAndSavesAsTe
         if (knob == nullptr && p.bytes == 1 && p.maximum < 127) knob = &p;
     ASSERT_NE(knob, nullptr);
     const QString text = dir.filePath(QStringLiteral("gt3.txt"));
-    {
-        QFile f(text);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("# Model: GT-3\n" + knob->name().toUtf8() + " = 127\n");
-    }
+    ASSERT_TRUE(writeFile(text, "# Model: GT-3\n" + knob->name().toUtf8() + " = 127\n"));
     MainWindow window(hostOptionsForTests(10), SystemDocument(10, Sysex::defaultHeader(10)));
     window.show();
     // No question: the text says which model it holds.
