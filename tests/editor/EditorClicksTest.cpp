@@ -2,9 +2,9 @@
 // second press comes as a double-click event), and Escape and the close box, which ask before
 // they give up changed values.
 
-#include "../controls/MouseHelpers.h"
 #include "BoxAnswerer.h"
 #include "EditorFixture.h"
+#include "MouseHelpers.h"
 #include "RealMouse.h"
 #include "controls/RKnob.h"
 #include "editor/ImageButton.h"

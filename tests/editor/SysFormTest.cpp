@@ -1,4 +1,5 @@
 #include "editor/SysForm.h"
+#include "MouseHelpers.h"
 #include "TestHost.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
@@ -40,16 +41,8 @@ protected:
 void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {}) {
     const QPoint at(w->width() / 2, w->height() / 2);
     QTest::mousePress(w, Qt::LeftButton, {}, at);
-    if (!drag.isNull()) {
-        QMouseEvent move(QEvent::MouseMove, at + drag, w->mapToGlobal(at + drag), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QApplication::sendEvent(w, &move);
-    }
-    if (!back.isNull()) {
-        QMouseEvent move(QEvent::MouseMove, at, w->mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
-                         {});
-        QApplication::sendEvent(w, &move);
-    }
+    if (!drag.isNull()) moveTo(w, (at + drag).x() * 15, (at + drag).y() * 15);
+    if (!back.isNull()) moveTo(w, at.x() * 15, at.y() * 15);
     QTest::mouseRelease(w, Qt::LeftButton, {}, at + drag);
 }
 
@@ -162,9 +155,7 @@ TEST_F(SysFormTest, CommandButtonPicturesFollowThePress) {
     ImageButton* reload = form->commandButton(1);
     QTest::mousePress(reload, Qt::LeftButton);
     EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(9)"));
-    QMouseEvent move(QEvent::MouseMove, QPointF(-5, 3), reload->mapToGlobal(QPointF(-5, 3)),
-                     Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(reload, &move);
+    moveTo(reload, -75, 45); // dragged off
     EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(5)"));
     QTest::mouseRelease(reload, Qt::LeftButton);
     EXPECT_EQ(host.reads, 43252) << "a dragged-off press does not reload";

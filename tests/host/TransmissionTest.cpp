@@ -1,6 +1,7 @@
 #include "host/Transmission.h"
 #include "BoxAnswerer.h"
 #include "EditorSession.h"
+#include "MouseHelpers.h"
 #include "PlugInFixture.h"
 #include "TestHost.h"
 #include "device/ModelMap.h"
@@ -205,9 +206,7 @@ TEST_F(TransmissionTest, TransmitButtonPicturesWhileSending) {
     EXPECT_EQ(plugIn.state().transmissionStep, 1);
     QTest::mousePress(transmit, Qt::LeftButton);
     EXPECT_EQ(transmit->pictureName(), QStringLiteral("CButton(13)"));
-    QMouseEvent off(QEvent::MouseMove, QPointF(-4, 2), transmit->mapToGlobal(QPointF(-4, 2)),
-                    Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(transmit, &off);
+    moveTo(transmit, -60, 30); // dragged off
     EXPECT_EQ(transmit->pictureName(), QStringLiteral("CButton(12)"));
     QTest::mouseRelease(transmit, Qt::LeftButton);
     EXPECT_EQ(plugIn.state().transmissionStep, 1) << "dragged off: still sending";

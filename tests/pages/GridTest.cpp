@@ -1,5 +1,5 @@
-#include "../controls/MouseHelpers.h"
 #include "EditorFixture.h"
+#include "MouseHelpers.h"
 #include "catalogue/StepText.h"
 #include "controls/cCheckRadio.h"
 #include "device/ModelDescription.h"

@@ -1,5 +1,5 @@
-#include "../controls/MouseHelpers.h"
 #include "EditorFixture.h"
+#include "MouseHelpers.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"

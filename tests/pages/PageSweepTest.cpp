@@ -2,7 +2,7 @@
 // real mouse path; the whole image must then differ from before exactly by that control's
 // parameter write.
 
-#include "../controls/MouseHelpers.h"
+#include "MouseHelpers.h"
 #include "PageStates.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
