@@ -4,11 +4,12 @@
 // real editor places, on every page in every selector state, is exactly one parameter.
 
 #include "catalogue/ParameterIndex.h"
-#include "EditorFixture.h"
+#include "PageStates.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
 #include "device/ModelDescription.h"
+#include "device/ModelMap.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
 #include "sysdata/SystemImage.h"
@@ -45,8 +46,15 @@ TEST_P(IndexLaws, EverySentByteIsCoveredOnceOrListedAsEditedByNoControl) {
         ASSERT_TRUE(p.bytes == 1 || p.bytes == 2) << where(p);
         ASSERT_GE(p.address, 0) << where(p);
         ASSERT_LE(p.address + p.bytes, kImageSize) << where(p);
-        for (int b = 0; b < p.bytes; ++b)
+        for (int b = 0; b < p.bytes; ++b) {
             ++owners[std::size_t(p.address + b)];
+            // The transmission carries every byte of a parameter in the model's stretch (the
+            // GT-10's "Map Select" is bound outside it).
+            const ModelStretch stretch = modelStretch(model());
+            EXPECT_TRUE(p.address < stretch.start || p.address >= stretch.end ||
+                        std::ranges::binary_search(index().sentBytes(), p.address + b))
+                << where(p) << " byte " << b << " is never sent";
+        }
     }
     const std::set<int> uncovered(index().uncoveredBytes().begin(), index().uncoveredBytes().end());
     const std::set<int> shared(index().sharedBytes().begin(), index().sharedBytes().end());
@@ -229,57 +237,6 @@ std::vector<Placed> placedControls(ControlPools& pools) {
 
 class IndexPlacements : public IndexLaws {
 protected:
-    // Opens every page of the model in every state of its selector, and of the bytes its
-    // placements follow (a channel, a pedal's function), and hands over what it shows.
-    void everyState(const std::function<void(const std::string&)>& visit) {
-        ControlPools& pools = f.form->pools();
-        cCheckRadio* selector = pools.groups[ControlPools::kSelectorList];
-        const ModelDescription& d = describeModel(model());
-        auto channel = [&](int c) {
-            for (const SystemPreampLayout& p : d.systemPreamps)
-                f.state.image.set(p.channelByte, c);
-        };
-        for (int page : pagesOf(model())) {
-            const std::string at =
-                "GT-" + std::to_string(model()) + " page " + std::to_string(page);
-            if (page == 9 && model() != 5) {
-                for (int c = 0; c < 2; ++c)
-                    for (int n = 0; n < 3; ++n) {
-                        channel(c);
-                        f.open(model(), 9);
-                        selector->ClickOn(n);
-                        visit(at + " tone " + std::to_string(n + 1));
-                    }
-            } else if (page == 11 || page == 15) {
-                // Page 11's shared rows follow the GT-10's "Preamp Mode" when the page is
-                // built, its channel rows the selector.
-                const int count = page == 15 ? 2 : int(d.systemPreamps.size());
-                const int modes = page == 11 && model() == 10 ? 4 : 1;
-                for (int c = 0; c < 2; ++c)
-                    for (int mode = 0; mode < modes; ++mode)
-                        for (int k = 0; k < count; ++k) {
-                            channel(c);
-                            if (modes > 1) f.state.image.set(kGt10PreampMode, mode);
-                            f.open(model(), page);
-                            if (count > 1) selector->ClickOn(k);
-                            visit(at + " selection " + std::to_string(k));
-                        }
-            } else if (page == 14) {
-                for (int function = 0; function <= 6; ++function) {
-                    f.open(model(), page);
-                    for (int i : {0, 2})
-                        f.state.image.writeParameter(pools.sliders[std::size_t(i)]->MemLoc(),
-                                                     model(), function);
-                    f.rebuild(page);
-                    visit(at + " function " + std::to_string(function));
-                }
-            } else if (page != 5 && page != 6) {
-                f.open(model(), page);
-                visit(at);
-            }
-        }
-    }
-
     EditorFixture f;
 };
 
@@ -288,7 +245,7 @@ TEST_P(IndexPlacements, EveryPlacedControlIsExactlyOneParameterWithItsAddressRan
         int minimum = 1 << 20, maximum = -1;
     };
     std::map<const Parameter*, Seen> seen;
-    everyState([&](const std::string& at) {
+    everyPageState(f, model(), [&](const std::string& at) {
         const auto placed = placedControls(f.form->pools());
         ASSERT_FALSE(placed.empty()) << at;
         for (const Placed& c : placed) {

@@ -3,6 +3,7 @@
 // bad file is one line naming its line, and nothing else comes back.
 
 #include "catalogue/SettingsText.h"
+#include "ImageSpans.h"
 #include "QtPrinters.h"
 #include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
@@ -16,14 +17,6 @@
 using namespace ferrule;
 
 namespace {
-
-ImageBytes bytesOf(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
-
-std::span<std::uint8_t> writable(QByteArray& image) {
-    return {reinterpret_cast<std::uint8_t*>(image.data()), std::size_t(image.size())};
-}
 
 // Every image byte the model's transmission sends, with the most it can carry (255 for a byte
 // sent as two nibbles, 127 for one sent whole).

@@ -2,6 +2,7 @@
 // double-click's second press is no press of the control's own, and the value label is a control
 // of its own whose clicks step the value and show no help.
 
+#include "MouseHelpers.h"
 #include "RealMouse.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
@@ -34,12 +35,6 @@ protected:
         control.show();
         helpWasShown();
     }
-    QList<int> changes() const {
-        QList<int> out;
-        for (const auto& args : spy)
-            out << args.at(0).toInt();
-        return out;
-    }
     QPoint label() const { return control.valueLabelRect().center(); }
 
     Control control;
@@ -53,15 +48,15 @@ TYPED_TEST_SUITE(RealClickTest, Controls);
 
 TYPED_TEST(RealClickTest, ADoubleClickOnTheValueStepsOnce) {
     realMouse::doubleClick(&this->control, this->label());
-    EXPECT_EQ(this->changes(), (QList<int>{49}));
+    EXPECT_EQ(reported(this->spy), (QList<int>{49}));
     realMouse::doubleClick(&this->control, this->label(), Qt::RightButton);
-    EXPECT_EQ(this->changes(), (QList<int>{49, 50}));
+    EXPECT_EQ(reported(this->spy), (QList<int>{49, 50}));
     helpWasShown();
 }
 
 TYPED_TEST(RealClickTest, ARightClickOnTheValueStepsUpAndShowsNoHelp) {
     realMouse::click(&this->control, this->label(), Qt::RightButton);
-    EXPECT_EQ(this->changes(), (QList<int>{51}));
+    EXPECT_EQ(reported(this->spy), (QList<int>{51}));
     EXPECT_FALSE(helpWasShown()) << "the value label is a control of its own";
     // Above the label, on the control itself, the right button shows the help and steps nothing.
     realMouse::click(&this->control, QPoint(this->label().x(), 2), Qt::RightButton);

@@ -6,6 +6,7 @@
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 
+#include "ImageSpans.h"
 #include "QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -15,17 +16,6 @@
 using namespace ferrule;
 
 namespace {
-
-QByteArray randomImage(std::mt19937& random) {
-    QByteArray image(kImageSize, 0);
-    for (auto& b : image)
-        b = char(random() & 0x7F);
-    return image;
-}
-
-ImageBytes bytesOf(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
 
 // One address unit of the stream a transmission sends: its linear address and data byte.
 struct Unit {

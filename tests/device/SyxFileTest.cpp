@@ -7,6 +7,7 @@
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 
+#include "ImageSpans.h"
 #include "QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -16,17 +17,6 @@
 using namespace ferrule;
 
 namespace {
-
-ImageBytes bytesOf(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
-
-QByteArray randomImage(std::mt19937& random) {
-    QByteArray image(kImageSize, 0);
-    for (auto& b : image)
-        b = char(random() & 0x7F);
-    return image;
-}
 
 SyxFile::Loaded load(const QByteArray& file, int model) {
     return SyxFile::read(file, model, Sysex::defaultHeader(model), makeDefaultImage());

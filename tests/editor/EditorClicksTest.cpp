@@ -2,46 +2,21 @@
 // second press comes as a double-click event), and Escape and the close box, which ask before
 // they give up changed values.
 
-#include "../controls/MouseHelpers.h"
+#include "BoxAnswerer.h"
 #include "EditorFixture.h"
+#include "MouseHelpers.h"
 #include "RealMouse.h"
 #include "controls/RKnob.h"
 #include "editor/ImageButton.h"
 #include "pages/ControlPools.h"
 
-#include <QAbstractButton>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QMessageBox>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace ferrule;
 
 namespace {
-
-// Answers the editor's questions as they appear: clicks the button with `answer` as its text in
-// the box named `box`, and notes each question's name.
-struct Answerer {
-    Answerer(QString box, QString answer) {
-        timer.setInterval(5);
-        QObject::connect(&timer, &QTimer::timeout, [this, box, answer] {
-            for (QWidget* w : QApplication::topLevelWidgets()) {
-                auto* b = qobject_cast<QMessageBox*>(w);
-                if (!b || !b->isVisible()) continue;
-                asked << b->objectName();
-                title = b->windowTitle();
-                for (QAbstractButton* button : b->buttons())
-                    if (b->objectName() == box && button->text() == answer) button->click();
-                if (b->objectName() != box) b->reject();
-            }
-        });
-        timer.start();
-    }
-    QTimer timer;
-    QStringList asked;
-    QString title;
-};
 
 void pressEscape(QWidget* w) {
     QTest::keyClick(w, Qt::Key_Escape);
@@ -132,10 +107,10 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
     f.open(8, 1);
     auto change = [&f] { f.state.image.set(10400, (f.state.image.at(10400) + 1) % 128); };
     {
-        Answerer none{QString(), QString()};
+        BoxAnswerer none{QString(), QString()};
         pressEscape(f.form.get());
         EXPECT_FALSE(f.form->isVisible()) << "nothing changed: closed at once";
-        EXPECT_TRUE(none.asked.isEmpty());
+        EXPECT_TRUE(none.names.isEmpty());
     }
     for (const bool closeBox : {false, true}) {
         f.form->Form_Load();
@@ -148,15 +123,15 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
                 pressEscape(f.form.get());
         };
         {
-            Answerer keep(QStringLiteral("DiscardQuestion"), QStringLiteral("Keep editing"));
+            BoxAnswerer keep(QStringLiteral("DiscardQuestion"), QStringLiteral("Keep editing"));
             ask();
-            EXPECT_EQ(keep.asked, QStringList{QStringLiteral("DiscardQuestion")});
-            EXPECT_EQ(keep.title, QStringLiteral("Marwick"));
+            EXPECT_EQ(keep.names, QStringList{QStringLiteral("DiscardQuestion")});
+            EXPECT_EQ(keep.titles.value(0), QStringLiteral("Marwick"));
             EXPECT_TRUE(f.form->isVisible()) << "kept editing";
             EXPECT_TRUE(f.form->differsFromHost()) << "the change is still there";
         }
         {
-            Answerer discard(QStringLiteral("DiscardQuestion"), QStringLiteral("Discard"));
+            BoxAnswerer discard(QStringLiteral("DiscardQuestion"), QStringLiteral("Discard"));
             ask();
             EXPECT_FALSE(f.form->isVisible());
         }
@@ -168,8 +143,8 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
     f.form->setTransmissionControl({[] { return true; }, [] {}});
     f.form->ToggleTransmission();
     change();
-    Answerer yes(QStringLiteral("CancelQuestion"), QStringLiteral("&Yes"));
+    BoxAnswerer yes(QStringLiteral("CancelQuestion"), QStringLiteral("&Yes"));
     pressEscape(f.form.get());
-    EXPECT_EQ(yes.asked, QStringList{QStringLiteral("CancelQuestion")});
+    EXPECT_EQ(yes.names, QStringList{QStringLiteral("CancelQuestion")});
     EXPECT_FALSE(f.form->isVisible());
 }

@@ -2,6 +2,7 @@
 // damaged folder, and the History dock in the window on the real plug-in.
 
 #include "document/History.h"
+#include "DocumentFiles.h"
 #include "HostOptionsForTests.h"
 #include "QtPrinters.h"
 #include "device/DefaultImage.h"
@@ -66,12 +67,6 @@ bool store(History& history, Kind kind, int model, const QByteArray& image,
     return stored;
 }
 
-void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile f(path);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write(bytes);
-}
-
 } // namespace
 
 TEST(History, NewestFirstEqualStatesOnceTheCapDropsTheOldestAndEachSnapshotOpensAsItsImage) {
@@ -133,11 +128,11 @@ TEST(History, StrayBrokenAndHalfWrittenFilesAreSkippedAndLeftAlone) {
         QStringLiteral("20991231T235959997-gt6-sent.syx"),  // empty
         QStringLiteral("20991231T235959996-gt6-sent.ports") // ports whose snapshot never came
     };
-    writeFile(folder.filePath(strays[0]), bytes);
-    writeFile(folder.filePath(strays[1]), bytes);
-    writeFile(folder.filePath(strays[2]), bytes.left(bytes.size() / 2));
-    writeFile(folder.filePath(strays[3]), {});
-    writeFile(folder.filePath(strays[4]), "GT port\n");
+    ASSERT_TRUE(writeFile(folder.filePath(strays[0]), bytes));
+    ASSERT_TRUE(writeFile(folder.filePath(strays[1]), bytes));
+    ASSERT_TRUE(writeFile(folder.filePath(strays[2]), bytes.left(bytes.size() / 2)));
+    ASSERT_TRUE(writeFile(folder.filePath(strays[3]), {}));
+    ASSERT_TRUE(writeFile(folder.filePath(strays[4]), "GT port\n"));
     ASSERT_TRUE(folder.mkdir(QStringLiteral("20991231T235959995-gt6-sent.syx")));
 
     QList<Snapshot> list = history.snapshots();

@@ -2,6 +2,7 @@
 // saved changes exactly the parameter's bytes; unsaved changes are asked about.
 
 #include "ui/MainWindow.h"
+#include "BoxAnswerer.h"
 #include "DocumentFiles.h"
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
@@ -18,7 +19,6 @@
 #include "document/DocumentLock.h"
 #include "sysdata/ParameterEncoding.h"
 
-#include <QAbstractButton>
 #include <QAction>
 #include <QComboBox>
 #include <QFile>
@@ -29,7 +29,6 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 using namespace ferrule;
@@ -234,26 +233,12 @@ TEST(MainWindow, AnEmptyStartSaysWhatToDoAndItsDialogsSpeakTheWindowsLanguage) {
     EXPECT_GE(greyed, 5) << "without ports: Receive, Request, Send, Send Changes, Stop";
 
     // Every box the window shows is noted and answered No.
-    QStringList titles, texts;
-    QTimer answer;
-    answer.setInterval(5);
-    QObject::connect(&answer, &QTimer::timeout, [&] {
-        for (QWidget* w : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
-                titles << box->windowTitle();
-                texts << box->text();
-                if (QAbstractButton* no = box->button(QMessageBox::No))
-                    no->click();
-                else
-                    box->reject();
-            }
-    });
-    answer.start();
+    BoxAnswerer answer(QMessageBox::No);
     EXPECT_FALSE(window.openFile(gt10));
     answer.stop();
-    ASSERT_EQ(texts.size(), 1) << texts.join(QLatin1String(" | ")).toStdString();
-    EXPECT_TRUE(texts[0].contains(QLatin1String("Switch to the GT-10 and open it?")));
-    EXPECT_EQ(titles, QStringList{QStringLiteral("Ferrule")});
+    ASSERT_EQ(answer.asked(), 1) << answer.texts.join(QLatin1String(" | ")).toStdString();
+    EXPECT_TRUE(answer.texts[0].contains(QLatin1String("Switch to the GT-10 and open it?")));
+    EXPECT_EQ(answer.titles, QStringList{QStringLiteral("Ferrule")});
     EXPECT_FALSE(window.lastResult().contains(QLatin1String("--")))
         << qPrintable(window.lastResult());
     EXPECT_TRUE(window.lastResult().contains(QLatin1String("GT-10")));
@@ -287,28 +272,14 @@ TEST(MainWindow, ASettingsTextOpensAsTheModelItNamesShowsItsWarningsAndSavesAsTe
         if (knob == nullptr && p.bytes == 1 && p.maximum < 127) knob = &p;
     ASSERT_NE(knob, nullptr);
     const QString text = dir.filePath(QStringLiteral("gt3.txt"));
-    {
-        QFile f(text);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write("# Model: GT-3\n" + knob->name().toUtf8() + " = 127\n");
-    }
+    ASSERT_TRUE(writeFile(text, "# Model: GT-3\n" + knob->name().toUtf8() + " = 127\n"));
     MainWindow window(hostOptionsForTests(10), SystemDocument(10, Sysex::defaultHeader(10)));
     window.show();
     // No question: the text says which model it holds.
-    int boxes = 0;
-    QTimer watch;
-    watch.setInterval(5);
-    QObject::connect(&watch, &QTimer::timeout, [&] {
-        for (QWidget* w : QApplication::topLevelWidgets())
-            if (auto* box = qobject_cast<QMessageBox*>(w); box && box->isVisible()) {
-                ++boxes;
-                box->reject();
-            }
-    });
-    watch.start();
+    BoxAnswerer watch(QMessageBox::NoButton);
     ASSERT_TRUE(window.openFile(text)) << qPrintable(window.lastResult());
     watch.stop();
-    EXPECT_EQ(boxes, 0);
+    EXPECT_EQ(watch.asked(), 0);
     EXPECT_EQ(window.findChild<QComboBox*>(QStringLiteral("model"))->currentText(),
               QStringLiteral("GT-3"));
     EXPECT_TRUE(window.findChild<QLabel*>(QStringLiteral("summary"))

@@ -5,6 +5,7 @@
 
 #include "ui/SettingsView.h"
 #include "HostOptionsForTests.h"
+#include "ImageSpans.h"
 #include "QtPrinters.h"
 #include "catalogue/ParameterIndex.h"
 #include "controls/ButtonArt.h"
@@ -41,14 +42,6 @@ namespace {
 
 using Parameters = std::set<const Parameter*>;
 
-std::span<std::uint8_t> writable(QByteArray& image) {
-    return {reinterpret_cast<std::uint8_t*>(image.data()), std::size_t(image.size())};
-}
-
-ImageBytes bytes(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
-
 // Every parameter of the model at a random value in its range.
 QByteArray randomValues(int model, QByteArray image, std::mt19937& random) {
     for (const Parameter& p : ParameterIndex::of(model).parameters())
@@ -62,12 +55,12 @@ QByteArray changeSome(int model, QByteArray image, int every, std::mt19937& rand
     const QByteArray before = image;
     for (const Parameter& p : ParameterIndex::of(model).parameters()) {
         if (p.maximum == p.minimum || random() % unsigned(every) != 0) continue;
-        const int now = p.value(bytes(image));
+        const int now = p.value(bytesOf(image));
         p.store(writable(image), now == p.maximum ? p.minimum : now + 1);
     }
     // Two parameters may share a byte: what changed is what reads differently now.
     for (const Parameter& p : ParameterIndex::of(model).parameters())
-        if (p.value(bytes(image)) != p.value(bytes(before))) changed->insert(&p);
+        if (p.value(bytesOf(image)) != p.value(bytesOf(before))) changed->insert(&p);
     return image;
 }
 
@@ -108,7 +101,7 @@ std::set<int> both(const std::set<int>& a, const std::set<int>& b) {
     return out;
 }
 
-std::set<int> bytesOf(const Parameters& parameters) {
+std::set<int> addressesOf(const Parameters& parameters) {
     std::set<int> out;
     for (const Parameter* p : parameters)
         for (int i = 0; i < p->bytes; ++i)
@@ -151,7 +144,7 @@ TEST_P(SettingsViewTest, ListsEveryParameterUnderItsPageAndHeadingWithItsValueTe
         EXPECT_FALSE(up.parent().isValid());
         EXPECT_EQ(cell(m, &p, SettingsModel::Setting),
                   p.instance.isEmpty() ? p.caption : p.caption + " [" + p.instance + "]");
-        EXPECT_EQ(cell(m, &p, SettingsModel::Value), p.valueText(p.value(bytes(image))))
+        EXPECT_EQ(cell(m, &p, SettingsModel::Value), p.valueText(p.value(bytesOf(image))))
             << qPrintable(p.name());
     }
     EXPECT_TRUE(view.tree()->isColumnHidden(SettingsModel::Device)) << "nothing known of it";
@@ -172,7 +165,7 @@ TEST_P(SettingsViewTest, AnEditUpdatesItsRowAndUndoRedoFollowWithoutAReset) {
     EXPECT_EQ(resets.count(), 0);
     // Every changed row was said to have changed, and shows its new value.
     for (const Parameter* p : changed) {
-        EXPECT_EQ(cell(m, p, SettingsModel::Value), p->valueText(p->value(bytes(after))));
+        EXPECT_EQ(cell(m, p, SettingsModel::Value), p->valueText(p->value(bytesOf(after))));
         const QModelIndex at = m.indexOf(p, SettingsModel::Value);
         const bool told = std::any_of(rows.begin(), rows.end(), [&](const QList<QVariant>& s) {
             const auto from = s[0].value<QModelIndex>(), to = s[1].value<QModelIndex>();
@@ -183,7 +176,7 @@ TEST_P(SettingsViewTest, AnEditUpdatesItsRowAndUndoRedoFollowWithoutAReset) {
     w->undoStack()->undo();
     EXPECT_EQ(w->document().image(), before);
     for (const Parameter* p : changed)
-        EXPECT_EQ(cell(m, p, SettingsModel::Value), p->valueText(p->value(bytes(before))));
+        EXPECT_EQ(cell(m, p, SettingsModel::Value), p->valueText(p->value(bytesOf(before))));
     w->undoStack()->redo();
     EXPECT_EQ(w->document().image(), after);
     EXPECT_EQ(resets.count(), 0);
@@ -211,10 +204,10 @@ TEST_P(SettingsViewTest, AComparedFileMarksExactlyTheParametersThatDifferAndTaki
         const QString text = cell(m, &p, SettingsModel::Compared);
         if (m.indexOf(&p).data(SettingsModel::DiffersRole).toBool()) {
             marked.insert(&p);
-            EXPECT_EQ(text, SettingsModel::kDiffers + " " + p.valueText(p.value(bytes(theirs))));
+            EXPECT_EQ(text, SettingsModel::kDiffers + " " + p.valueText(p.value(bytesOf(theirs))));
             EXPECT_TRUE(m.indexOf(&p, SettingsModel::Compared).data(Qt::BackgroundRole).isValid());
         } else {
-            EXPECT_EQ(text, p.valueText(p.value(bytes(theirs))));
+            EXPECT_EQ(text, p.valueText(p.value(bytesOf(theirs))));
         }
     }
     EXPECT_EQ(marked, changed);
@@ -247,8 +240,8 @@ TEST_P(SettingsViewTest, AComparedFileMarksExactlyTheParametersThatDifferAndTaki
         a->trigger();
         const QByteArray after = w->document().image();
         EXPECT_EQ(differingBytes(before, after),
-                  both(differingBytes(before, theirs), bytesOf(expected)));
-        for (int i : bytesOf(expected))
+                  both(differingBytes(before, theirs), addressesOf(expected)));
+        for (int i : addressesOf(expected))
             EXPECT_EQ(after[i], theirs[i]) << i;
         for (const Parameter* p : expected)
             EXPECT_FALSE(m.differs(p, SettingsModel::ComparedSide)) << qPrintable(p->name());

@@ -1,5 +1,5 @@
-#include "../controls/MouseHelpers.h"
 #include "EditorFixture.h"
+#include "MouseHelpers.h"
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
@@ -47,13 +47,6 @@ QStringList layout(SysForm& form) {
     return out;
 }
 
-std::vector<int> knobAddresses(SysForm& form, std::initializer_list<int> knobs) {
-    std::vector<int> out;
-    for (int k : knobs)
-        out.push_back(form.pools().knobs[std::size_t(k)]->MemLoc());
-    return out;
-}
-
 } // namespace
 
 TEST(PageBuilder, PagesTwoThreeAndSevenRepeatPageOne) {
@@ -98,118 +91,52 @@ TEST(PageBuilder, ALackedPageStaysEmptyAndOnlyTheGt8HasAnOddSliderAndKnob) {
                     << model << "/" << page << " knob " << i;
             }
         }
-    // The MIDI block of the GT-6 and GT-8 binds the same parameters, one stretch apart.
-    f.open(6, 4);
-    const std::vector<int> gt6 = knobAddresses(*f.form, {0, 1, 2, 3, 4, 5, 6});
-    f.open(8, 4);
-    const std::vector<int> gt8 = knobAddresses(*f.form, {0, 1, 2, 3, 4, 5, 6});
-    for (std::size_t i = 0; i < gt6.size(); ++i)
-        EXPECT_EQ(gt8[i] - gt6[i], gt8[0] - gt6[0]) << "knob " << i;
-    EXPECT_EQ(p.groups[0]->TFormat(), gt8.back() + 1);
 }
 
-TEST(PageBuilder, CustomPreampSelectionsRebind) {
+// Where each selection binds is the parameter index's law (IndexPlacements); here what the user
+// sees the selectors keep: the chosen view across pages, the controls a tone lacks, the preamp
+// the GT-10's mode uses, and a channel option that rebuilds the page as opening it there does.
+TEST(PageBuilder, SelectorsKeepTheirViewAndRebuildAsOpeningThePageThereDoes) {
     EditorFixture f;
     ControlPools& p = f.form->pools();
     cCheckRadio* list = p.groups[ControlPools::kSelectorList];
-
     f.open(6, 9);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 10342);
-    list->ClickOn(1);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 10351);
-    EXPECT_EQ(knobAddresses(*f.form, {0, 7}), (std::vector<int>{10352, 10359}));
-    EXPECT_EQ(p.tabLabels[0]->text(), QStringLiteral("Custom Preamp 2"));
     list->ClickOn(2);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 10360);
-    EXPECT_EQ(knobAddresses(*f.form, {0, 7}), (std::vector<int>{10361, 10368}));
     EXPECT_EQ(f.form->views().preampView, 2);
-
     f.open(8, 9);
     EXPECT_EQ(list->Selected(), 2) << "the view survives the page change";
+    // The GT-8's third custom tone has no speaker of its own.
     EXPECT_TRUE(p.sliders[1]->Off());
     EXPECT_FALSE(p.groups[0]->Enabled());
     EXPECT_EQ(p.groups[6]->selectedIndex(), -1);
     list->ClickOn(1);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 13786);
-    EXPECT_EQ(knobAddresses(*f.form, {0, 5}), (std::vector<int>{13787, 13792}));
-    EXPECT_EQ(p.sliders[1]->MemLoc(), 13805);
-    EXPECT_EQ(knobAddresses(*f.form, {6, 7}), (std::vector<int>{13806, 13807}));
-    EXPECT_EQ(p.groups[6]->TFormat(), 13808);
-    EXPECT_EQ(p.groups[0]->TFormat(), 13809);
+    EXPECT_EQ(p.tabLabels[1]->text(), QStringLiteral("Custom Speaker 2"));
     EXPECT_TRUE(p.groups[0]->Enabled());
     EXPECT_FALSE(p.sliders[1]->Off()) << "the speaker controls are editable again at once";
     EXPECT_FALSE(p.knobs[6]->Off());
-    EXPECT_EQ(p.tabLabels[1]->text(), QStringLiteral("Custom Speaker 2"));
-    list->ClickOn(2);
-    list->ClickOn(0);
-    EXPECT_EQ(p.sliders[1]->MemLoc(), 13800);
-    EXPECT_EQ(p.groups[0]->TFormat(), 13804);
-    EXPECT_TRUE(p.groups[6]->Enabled());
 
-    // GT-10: the preamp base follows the channel byte of system preamp n.
-    for (int channel : {0, 1}) {
-        f.state.image.set(19489, channel);
-        f.form->views().preampView = 0;
-        f.open(10, 9);
-        const int base = channel == 0 ? 19520 : 19552;
-        EXPECT_EQ(p.sliders[0]->MemLoc(), base);
-        EXPECT_EQ(knobAddresses(*f.form, {0, 5}), (std::vector<int>{base + 1, base + 6}));
-        EXPECT_EQ(p.sliders[1]->MemLoc(), base + 7);
-        EXPECT_EQ(p.groups[0]->TFormat(), base + 11);
-        EXPECT_EQ(p.groups[8]->TFormat(), 19121);
-    }
-    f.state.image.set(19694, 1);
-    list->ClickOn(2);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 19757);
-}
-
-TEST(PageBuilder, SystemPreampPageAndItsRebuild) {
-    EditorFixture f;
-    ControlPools& p = f.form->pools();
-    const struct {
-        int mode, selection, switchAt;
-    } cases[] = {{0, 0, 19487}, {1, 0, 19487}, {2, 1, 19615},
-                 {3, 2, 19692}, {4, 0, 19487}, {9, 0, 19487}};
-    for (const auto& c : cases) {
-        f.state.image.set(19121, c.mode);
+    // The GT-10's system preamp page opens on the preamp its "Preamp Mode" uses.
+    for (const auto& [mode, selection] :
+         std::vector<std::pair<int, int>>{{0, 0}, {1, 0}, {2, 1}, {3, 2}, {4, 0}, {9, 0}}) {
+        f.state.image.set(kGt10PreampMode, mode);
         f.open(10, 11);
-        EXPECT_EQ(p.groups[ControlPools::kSelectorList]->Selected(), c.selection) << c.mode;
-        EXPECT_EQ(p.onOff[2]->property("Tag").toString().toInt(), c.switchAt) << c.mode;
-        EXPECT_EQ(p.groups[6]->TFormat(), c.switchAt + 1);
-        EXPECT_EQ(p.groups[1]->TFormat(), c.switchAt + 2);
-        EXPECT_EQ(knobAddresses(*f.form, {0, 1}),
-                  (std::vector<int>{c.switchAt + 3, c.switchAt + 4}));
-        EXPECT_EQ(p.tabLabels[0]->text(), QStringLiteral("System Preamp %1").arg(c.selection + 1));
+        EXPECT_EQ(list->Selected(), selection) << mode;
+        EXPECT_EQ(p.tabLabels[0]->text(), QStringLiteral("System Preamp %1").arg(selection + 1));
     }
 
-    // GT-8: channel B moves the channel rows to 11488-11504; the channel option rebuilds them.
-    f.state.image.set(11468, 0);
+    // The GT-8's channel option rebinds the channel rows at once.
+    const SystemPreampLayout& gt8 = describeModel(8).systemPreamps[0];
+    f.state.image.set(gt8.channelByte, 0);
     f.open(8, 11);
-    EXPECT_TRUE(p.groups[ControlPools::kSelectorList]->isVisible() == false);
-    EXPECT_EQ(p.onOff[2]->property("Tag").toString().toInt(), 11465);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 11471);
-    EXPECT_EQ(p.groups[1]->TFormat(), 11468);
+    EXPECT_FALSE(list->isVisible());
+    const QStringList channelA = layout(*f.form);
+    ASSERT_EQ(p.groups[1]->TFormat(), gt8.channelByte);
     p.groups[1]->ClickOn(1);
-    EXPECT_EQ(f.state.image.at(11468), 1);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 11488);
-    EXPECT_EQ(knobAddresses(*f.form, {2, 11}), (std::vector<int>{11489, 11504}));
-}
-
-TEST(PageBuilder, ControlPedalPairs) {
-    EditorFixture f;
-    ControlPools& p = f.form->pools();
-    f.open(10, 15);
-    EXPECT_EQ(p.onOff[0]->property("Tag").toString().toInt(), 19281);
-    EXPECT_EQ(p.groups[1]->TFormat(), 19229);
-    p.groups[ControlPools::kSelectorList]->ClickOn(1);
-    EXPECT_EQ(p.onOff[0]->property("Tag").toString().toInt(), 19329);
-    EXPECT_EQ(p.sliders[0]->MemLoc(), 19330);
-    EXPECT_EQ(knobAddresses(*f.form, {0, 1, 2, 3}), (std::vector<int>{19332, 19334, 19337, 19338}));
-    EXPECT_EQ(p.groups[0]->TFormat(), 19336);
-    EXPECT_EQ(p.groups[1]->TFormat(), 19232);
-    EXPECT_EQ(p.groups[3]->TFormat(), 19233);
-    EXPECT_EQ(p.tabLabels[0]->text(), QStringLiteral("CTL Pedal 3"));
-    EXPECT_EQ(p.tabLabels[1]->text(), QStringLiteral("CTL Pedal 4"));
+    EXPECT_EQ(f.state.image.at(gt8.channelByte), 1);
+    const QStringList clicked = layout(*f.form);
+    EXPECT_NE(clicked, channelA);
+    f.open(8, 11);
+    EXPECT_EQ(layout(*f.form), clicked);
 }
 
 TEST(PageBuilder, ExpressionPedalRangesFollowTheFunction) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
 
@@ -29,4 +30,12 @@ inline void clickAt(QWidget* w, int x, int y, Qt::MouseButton b = Qt::LeftButton
 // A click in the middle of a knob's or slider's value label.
 template <class Control> void clickLabel(Control* c, Qt::MouseButton b) {
     QTest::mouseClick(c, b, {}, c->valueLabelRect().center());
+}
+
+// The value each signal a spy caught carried first: what a control reported, in order.
+inline QList<int> reported(const QSignalSpy& spy) {
+    QList<int> out;
+    for (const auto& args : spy)
+        out << args.at(0).toInt();
+    return out;
 }
