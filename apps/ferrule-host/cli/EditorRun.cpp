@@ -16,8 +16,6 @@
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
-#include "ui/FailedSaveDialog.h"
-#include "ui/RecoveryQuestion.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -28,7 +26,7 @@
 
 namespace ferrule {
 
-int runEditor(const HostOptions& options, SystemDocument& document) {
+int runEditor(const HostOptions& options, SystemDocument& document, const EditorQuestions& ask) {
     PlugInEditor editor;
     {
         QString why;
@@ -80,7 +78,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     std::optional<DocumentJournal> journal;
     if (!options.editorHeadless() && !document.path().isEmpty()) {
         journal.emplace();
-        journal->offerRecovery(document, [](const QString& q) { return askToRecover(q); });
+        journal->offerRecovery(document, ask.recover);
     }
 
     // Every input has passed: the settings key may be created now.
@@ -131,12 +129,8 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     QString why;
     bool saved = true;
     if (!document.path().isEmpty() && document.modified() && result.kept) {
-        const AskAfterFailedSave ask =
-            options.headless() ? AskAfterFailedSave()
-                               : AskAfterFailedSave([](const QString& e, bool changedOnDisk) {
-                                     return askAfterFailedSave(e, changedOnDisk);
-                                 });
-        saved = saveWithRecovery(document, ask, &why);
+        saved = saveWithRecovery(
+            document, options.headless() ? AskAfterFailedSave() : ask.afterFailedSave, &why);
     }
     // Saved, or discarded by the user's choice: the journal has done its work.
     if (journal) journal->drop();

@@ -55,10 +55,6 @@ QString diffFault(const HostOptions& o) {
 
 } // namespace
 
-QByteArray HostOptions::dataSetHeader(int forModel) const {
-    return ferrule::Sysex::headerOr(sysexHeader, forModel != 0 ? forModel : model);
-}
-
 ParsedOptions parseHostOptions(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(

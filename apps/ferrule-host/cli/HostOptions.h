@@ -1,5 +1,7 @@
 #pragma once
 
+#include "document/SessionOptions.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -7,28 +9,20 @@
 #include <optional>
 
 // The host's command line, parsed and checked. Bad input yields one line naming the problem.
-struct HostOptions {
-    int model = 10;
+struct HostOptions : ferrule::SessionOptions {
     QString title;
     QString dataFile;
-    QString pluginPath;
     QString screenshot;
     int page = -1;
     bool describe = false;
     bool transmit = false;
     bool listMidiPorts = false;
     QString syxFile;
-    QString midiApi; // empty: the first compiled API whose MIDI system runs
-    QString midiIn;
-    QString midiOut;
-    int gapMs = 20;
-    QByteArray sysexHeader;   // empty: the default header
     QByteArray requestHeader; // empty: the data-set header with command 11
     bool refuseUpdate = false;
     QString exportFile;
     bool receive = false;
     bool request = false;
-    int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
     bool edit = false; // the editor at once on the data, without the main window
     QString mainScreenshot;
     // --transmit --verify: read back what was sent and compare it (needs --midi-in).
@@ -50,8 +44,6 @@ struct HostOptions {
     // --history: list the history's snapshots and exit.
     bool history = false;
 
-    // The data-set header in use for a model (by default the options' model).
-    QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.
     bool readsDevice() const { return receive || request; }
     // Runs that open the editor without a display.

@@ -7,7 +7,6 @@
 #include "RecoveryQuestion.h"
 #include "SettingsView.h"
 #include "catalogue/PageCatalogue.h"
-#include "cli/DeviceRuns.h"
 #include "device/ModelDescription.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
@@ -89,7 +88,7 @@ const QString kSaveFilter =
 
 } // namespace
 
-MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWidget* parent)
+MainWindow::MainWindow(const SessionOptions& options, SystemDocument document, QWidget* parent)
     : QMainWindow(parent)
     , options_(options)
     , document_(std::move(document)) {
