@@ -9,9 +9,7 @@
 #include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
-#include "host/PlugInInterface.h"
 #include "io/AtomicFile.h"
-#include "plugin/EditorWindow.h"
 #include "plugin/PlugInEditor.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
@@ -32,7 +30,6 @@ int runEditor(const HostOptions& options, SystemDocument& document, const Editor
         QString why;
         if (!editor.load(options.pluginPath, &why)) return fail(kExitBadInput, why);
     }
-    PlugInInterface* plugIn = editor.plugIn();
 
     MidiOutput midi;
     if (!options.midiOut.isEmpty()) {
@@ -88,8 +85,8 @@ int runEditor(const HostOptions& options, SystemDocument& document, const Editor
     ownerWindow.setWindowTitle(programName());
     if (!options.editorHeadless())
         QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
-                         [&pipeline, plugIn](const QString& why) {
-                             stopEditorTransmission(findEditorWindow(), plugIn);
+                         [&pipeline, &editor](const QString& why) {
+                             editor.stopTransmission();
                              QMessageBox box(
                                  QMessageBox::Warning, programName(),
                                  QStringLiteral("The transmission stopped: %1.\nSent %2.")
@@ -97,7 +94,7 @@ int runEditor(const HostOptions& options, SystemDocument& document, const Editor
                                  QMessageBox::Ok, QApplication::activeModalWidget());
                              box.exec();
                          });
-    HeadlessRun headlessRun(options, pipeline, plugIn);
+    HeadlessRun headlessRun(options, pipeline, editor);
     if (readBack) headlessRun.setReadBack(&*readBack, &midi, document.image());
     PlugInEditor::Run run;
     run.model = options.model;

@@ -7,12 +7,11 @@
 #include <memory>
 
 class BlockPipeline;
-class QWidget;
 namespace ferrule {
 class MidiInput;
 class MidiOutput;
 class PacedOutput;
-class PlugInInterface;
+class PlugInEditor;
 class SendVerifier;
 } // namespace ferrule
 
@@ -22,8 +21,7 @@ class SendVerifier;
 class HeadlessRun : public QObject {
     Q_OBJECT
 public:
-    HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
-                ferrule::PlugInInterface* plugIn);
+    HeadlessRun(const HostOptions& options, BlockPipeline& pipeline, ferrule::PlugInEditor& editor);
     ~HeadlessRun() override;
 
     // --verify: where the transmission is read back from and asked on, and the image its
@@ -39,15 +37,12 @@ public:
     // It was read back, and the device holds every byte sent.
     bool verified() const;
 
-private slots:
-    void transmissionStopped();
-
 private:
     void run();
     void reportTransmission();
-    void close(QWidget* editor);
+    void close();
     // Presses and releases the transmit button, then waits for the end of the transmission.
-    void transmit(QWidget* editor);
+    void transmit();
     void outputFailed();
     // Reads back what was sent, reports what differs, then closes the editor.
     void verify();
@@ -55,9 +50,9 @@ private:
 
     HostOptions options_;
     BlockPipeline& pipeline_;
-    ferrule::PlugInInterface* plugIn_;
-    QWidget* editor_ = nullptr;
+    ferrule::PlugInEditor& editor_;
     int status_ = 0;
+    bool stopped_ = false;
     bool transmitted_ = false;
     ferrule::MidiInput* readBackInput_ = nullptr;
     std::unique_ptr<ferrule::PacedOutput> requests_;

@@ -12,7 +12,6 @@
 #include "device/SysexCodec.h"
 #include "document/HostSettings.h"
 #include "document/ImageEdit.h"
-#include "plugin/EditorWindow.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
@@ -938,7 +937,7 @@ bool MainWindow::edit() {
         device_.forgetDevice(QStringLiteral("the editor sent data to it"));
     });
     connect(&pipeline, &BlockPipeline::outputFailed, this, [this, &pipeline](const QString& w) {
-        stopEditorTransmission(findEditorWindow(), editor_.plugIn());
+        editor_.stopTransmission();
         QMessageBox::warning(QApplication::activeModalWidget(), kTitle,
                              QStringLiteral("The transmission stopped: %1.\nSent %2.")
                                  .arg(w, pipeline.deliveryReport()));
