@@ -19,20 +19,18 @@
 #include <cstdio>
 #include <utility>
 
-HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
-                         ferrule::PlugInEditor& editor)
+namespace ferrule {
+
+HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline, PlugInEditor& editor)
     : options_(options)
     , pipeline_(pipeline)
     , editor_(editor) {}
 
 HeadlessRun::~HeadlessRun() {
-    if (ferrule::EditorCommands* commands = editor_.commands())
-        commands->setTransmissionListener({});
+    if (EditorCommands* commands = editor_.commands()) commands->setTransmissionListener({});
 }
 
-void HeadlessRun::setReadBack(ferrule::MidiInput* input, ferrule::MidiOutput* output,
-                              const QByteArray& base) {
-    using namespace ferrule;
+void HeadlessRun::setReadBack(MidiInput* input, MidiOutput* output, const QByteArray& base) {
     readBackInput_ = input;
     requests_ = std::make_unique<PacedOutput>(
         [output](const QByteArray& m, QString* why) { return output->send(m, why); });
@@ -51,7 +49,7 @@ void HeadlessRun::arm() {
 }
 
 void HeadlessRun::run() {
-    ferrule::EditorCommands* commands = editor_.commands();
+    EditorCommands* commands = editor_.commands();
     if (!commands) {
         std::fprintf(stderr, "ferrule-host: the plug-in cannot be run without a user\n");
         status_ = 1;
@@ -90,7 +88,7 @@ void HeadlessRun::close() {
 }
 
 void HeadlessRun::transmit() {
-    ferrule::EditorCommands* commands = editor_.commands();
+    EditorCommands* commands = editor_.commands();
     commands->pressTransmit();
     auto running = [commands] { return commands->transmitting(); };
     if (!running()) {
@@ -145,11 +143,10 @@ void HeadlessRun::reportTransmission() {
 }
 
 bool HeadlessRun::verified() const {
-    return verifier_ && verifier_->outcome() == ferrule::SendVerifier::Outcome::Verified;
+    return verifier_ && verifier_->outcome() == SendVerifier::Outcome::Verified;
 }
 
 void HeadlessRun::verify() {
-    using namespace ferrule;
     std::fprintf(stderr, "ferrule-host: reading back %d messages from %s\n",
                  verifier_->sentMessages(), qPrintable(readBackInput_->portName()));
     connect(verifier_.get(), &SendVerifier::finished, this, &HeadlessRun::reportVerification);
@@ -164,7 +161,6 @@ void HeadlessRun::verify() {
 }
 
 void HeadlessRun::reportVerification() {
-    using namespace ferrule;
     requests_->clear();
     switch (verifier_->outcome()) {
     case SendVerifier::Outcome::Verified:
@@ -194,3 +190,5 @@ void HeadlessRun::reportVerification() {
     std::fflush(stdout);
     close();
 }
+
+} // namespace ferrule

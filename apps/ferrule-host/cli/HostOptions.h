@@ -3,13 +3,17 @@
 #include "document/SessionOptions.h"
 
 #include <QByteArray>
+#include <QCommandLineOption>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <vector>
+
+namespace ferrule {
 
 // The host's command line, parsed and checked. Bad input yields one line naming the problem.
-struct HostOptions : ferrule::SessionOptions {
+struct HostOptions : SessionOptions {
     QString title;
     QString dataFile;
     QString screenshot;
@@ -64,8 +68,54 @@ struct ParsedOptions {
 
 ParsedOptions parseHostOptions(const QStringList& arguments);
 
+// One option of the command line, and what it asks of the run before the command line is
+// parsed: whether it runs without a display, and whether it needs widgets (a window, even
+// offscreen), needs none (the GUI is never started), or leaves that to the other options.
+struct HostOption {
+    enum Name {
+        Verify,
+        History,
+        Model,
+        Title,
+        Data,
+        Plugin,
+        Screenshot,
+        Page,
+        Describe,
+        Transmit,
+        Syx,
+        MidiOut,
+        ListPorts,
+        Gap,
+        Header,
+        Refuse,
+        MidiApi,
+        MidiIn,
+        ExportSyx,
+        Receive,
+        Request,
+        Timeout,
+        RequestHeader,
+        Edit,
+        MainScreenshot,
+        Diff
+    };
+    enum class Widgets { Either, Needed, None };
+    Name name;
+    QCommandLineOption option;
+    bool headless;
+    Widgets widgets;
+};
+// Every option, in the order of the help text.
+const std::vector<HostOption>& hostOptionTable();
+
 // True when the arguments ask for a run without a display.
 bool wantsHeadless(int argc, char** argv);
 // False when the arguments ask only for runs that open no window at all (export, receive,
 // request, the port list): those need no GUI application.
 bool wantsWidgets(int argc, char** argv);
+// True when the arguments ask for the help or the version text, which is all such a run
+// prints.
+bool answersWithText(int argc, char** argv);
+
+} // namespace ferrule

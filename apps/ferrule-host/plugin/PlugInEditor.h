@@ -6,10 +6,11 @@
 
 #include <functional>
 
-class BlockPipeline;
 class QWidget;
 
 namespace ferrule {
+
+class BlockPipeline;
 
 class EditorCommands;
 class PlugInInterface;
