@@ -41,7 +41,7 @@ protected:
 
 static void BM_MainWindowEditOpens(benchmark::State& st) {
     const int model = int(st.range(0));
-    HostOptions options;
+    ferrule::SessionOptions options;
     options.model = model;
     options.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
     options.midiApi = QStringLiteral("jack");

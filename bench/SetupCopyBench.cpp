@@ -22,7 +22,7 @@ template <class Host> static void copyThrough(benchmark::State& st, Host& host) 
 }
 
 static void BM_SetupCopy_HostApplication(benchmark::State& st) {
-    HostObject host(ferrule::makeDefaultImage());
+    ferrule::HostObject host(ferrule::makeDefaultImage());
     copyThrough(st, host);
 }
 BENCHMARK(BM_SetupCopy_HostApplication)->Unit(benchmark::kMillisecond);

@@ -11,7 +11,7 @@
 #include <benchmark/benchmark.h>
 
 static void BM_Gt10TransmissionCpu(benchmark::State& st) {
-    HostObject host(ferrule::makeDefaultImage());
+    ferrule::HostObject host(ferrule::makeDefaultImage());
     ferrule::PlugIn plugIn;
     plugIn.Interface(&host);
     plugIn.Format(10);

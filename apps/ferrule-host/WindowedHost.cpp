@@ -5,8 +5,10 @@
 #include "cli/EditorRun.h"
 #include "cli/HostRun.h"
 #include "document/SystemDocument.h"
+#include "ui/FailedSaveDialog.h"
 #include "ui/FirstFrameReport.h"
 #include "ui/MainWindow.h"
+#include "ui/RecoveryQuestion.h"
 
 #include <QApplication>
 
@@ -43,7 +45,11 @@ int runWindowed(const HostOptions& options, SystemDocument& document) {
         window.offerRecovery();
         return QApplication::exec();
     }
-    return runEditor(options, document);
+    const EditorQuestions ask{[](const QString& question) { return askToRecover(question); },
+                              [](const QString& error, bool changedOnDisk) {
+                                  return askAfterFailedSave(error, changedOnDisk);
+                              }};
+    return runEditor(options, document, ask);
 }
 
 } // namespace

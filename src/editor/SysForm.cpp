@@ -614,6 +614,11 @@ void SysForm::showModeChosen(int i) {
     });
 }
 
+void SysForm::pressCommand(int i) {
+    commandPress_->down(i);
+    commandPress_->up(i);
+}
+
 void SysForm::runCommand(int i) {
     runGuarded([this, i] {
         switch (i) {

@@ -57,6 +57,8 @@ public:
 
     // The four commands of the command buttons.
     Q_INVOKABLE void ToggleTransmission();
+    // A command button (0-3) pressed and released, as a click or the space key on it does.
+    void pressCommand(int i);
     void ReloadFromHost();
     // Undo and redo of the last edit (Ctrl+Z, Ctrl+Shift+Z and the platform's keys).
     Q_INVOKABLE void undo();

@@ -84,6 +84,9 @@ SysForm& PlugIn::ensureEditor() {
         QObject::connect(&form->history(), &EditHistory::committed, this, [this] {
             if (editListener_) editListener_();
         });
+        QObject::connect(window, &SysForm::transmissionStopped, this, [this] {
+            if (transmissionListener_) transmissionListener_();
+        });
         editor_ = std::move(form);
         transmission_ = std::move(transmission);
     }
@@ -140,6 +143,31 @@ void PlugIn::Quit() {
 
 QByteArray PlugIn::workingImage() const {
     return editor_ ? state_->image.toByteArray() : QByteArray();
+}
+
+QWidget* PlugIn::editorWindow() const {
+    return editor_ && editor_->isVisible() ? editor_.get() : nullptr;
+}
+
+void PlugIn::showPage(int page) {
+    if (editor_) editor_->ShowTab(page);
+}
+
+void PlugIn::pressTransmit() {
+    if (editor_) editor_->pressCommand(0);
+}
+
+bool PlugIn::transmitting() const {
+    return editor_ && editor_->transmissionStep() != 0;
+}
+
+QString PlugIn::lastError() const {
+    return editor_ ? editor_->lastError() : QString();
+}
+
+void PlugIn::cancel() {
+    // The window's own reject: Escape's cancel, with its question when values changed.
+    if (editor_) static_cast<QDialog&>(*editor_).reject();
 }
 
 void PlugIn::QueueEmpty() {

@@ -15,10 +15,13 @@ class Transmission;
 
 // The plug-in object the host creates: it keeps the host, creates and sets up the editor window
 // on first need, and forwards the host's calls.
-class PlugIn : public QObject, public PlugInInterface, public EditorWorkingCopy {
+class PlugIn : public QObject,
+               public PlugInInterface,
+               public EditorWorkingCopy,
+               public EditorCommands {
     Q_OBJECT
     Q_PLUGIN_METADATA(IID FerrulePlugInInterface_iid FILE "ferrule.json")
-    Q_INTERFACES(ferrule::PlugInInterface ferrule::EditorWorkingCopy)
+    Q_INTERFACES(ferrule::PlugInInterface ferrule::EditorWorkingCopy ferrule::EditorCommands)
     Q_PROPERTY(QObject* Interface READ hostObject WRITE Interface)
     Q_PROPERTY(QObject* Owner READ ownerWindow WRITE Owner)
     Q_PROPERTY(QString Title READ title WRITE Title)
@@ -57,6 +60,16 @@ public:
     }
     QByteArray workingImage() const override;
 
+    QWidget* editorWindow() const override;
+    void showPage(int page) override;
+    void pressTransmit() override;
+    bool transmitting() const override;
+    QString lastError() const override;
+    void setTransmissionListener(std::function<void()> listener) override {
+        transmissionListener_ = std::move(listener);
+    }
+    void cancel() override;
+
     QObject* hostObject() const;
     QObject* ownerWindow() const;
     QString title() const;
@@ -78,6 +91,7 @@ private:
     std::unique_ptr<SysForm> editor_;
     std::unique_ptr<Transmission> transmission_;
     std::function<void()> editListener_;
+    std::function<void()> transmissionListener_;
 };
 
 } // namespace ferrule

@@ -7,6 +7,8 @@
 
 #include <functional>
 
+class QWidget;
+
 namespace ferrule {
 
 // What a host sees of the plug-in: the fifteen members, in slot order. The same members are on
@@ -47,9 +49,35 @@ public:
     virtual QByteArray workingImage() const = 0;
 };
 
+// Beyond the members above, for a host that runs the open editor by itself (scripts, tests): its
+// window, and what its tab and transmit buttons and Escape do, given as they give it.
+class EditorCommands {
+public:
+    virtual ~EditorCommands() = default;
+
+    // The open editor's window; null while no editor is shown.
+    virtual QWidget* editorWindow() const = 0;
+    // Opens a page (0-15) of the open editor.
+    virtual void showPage(int page) = 0;
+    // The transmit button pressed and released: starts a transmission, or stops the one that
+    // runs. An error it meets is reported as the button reports it (lastError()).
+    virtual void pressTransmit() = 0;
+    // A transmission runs.
+    virtual bool transmitting() const = 0;
+    // The last error the editor reported; empty when none.
+    virtual QString lastError() const = 0;
+    // Called on the GUI thread when a transmission ends, run to its end or stopped; an empty
+    // function stops the calls.
+    virtual void setTransmissionListener(std::function<void()> listener) = 0;
+    // Closes the editor as Escape does, without keeping changes.
+    virtual void cancel() = 0;
+};
+
 } // namespace ferrule
 
 #define FerrulePlugInInterface_iid "org.tonebench.PlugIn/4.2"
 Q_DECLARE_INTERFACE(ferrule::PlugInInterface, FerrulePlugInInterface_iid)
 #define FerruleEditorWorkingCopy_iid "org.tonebench.PlugIn.WorkingCopy/1"
 Q_DECLARE_INTERFACE(ferrule::EditorWorkingCopy, FerruleEditorWorkingCopy_iid)
+#define FerruleEditorCommands_iid "org.tonebench.PlugIn.Commands/1"
+Q_DECLARE_INTERFACE(ferrule::EditorCommands, FerruleEditorCommands_iid)

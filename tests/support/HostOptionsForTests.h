@@ -4,8 +4,8 @@
 
 // ferrule-host's options for a test of the window on the built plug-in: no MIDI port is asked
 // for, JACK is the MIDI system, and messages leave without a gap.
-inline HostOptions hostOptionsForTests(int model) {
-    HostOptions o;
+inline ferrule::HostOptions hostOptionsForTests(int model) {
+    ferrule::HostOptions o;
     o.model = model;
     o.pluginPath = QStringLiteral(FERRULE_PLUGIN_FILE);
     o.midiApi = QStringLiteral("jack");

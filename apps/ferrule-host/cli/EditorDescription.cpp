@@ -6,6 +6,8 @@
 #include <QMetaProperty>
 #include <QWidget>
 
+namespace ferrule {
+
 namespace {
 
 constexpr int kTwipsPerPixel = 15;
@@ -69,7 +71,7 @@ QByteArray describeEditor(QWidget* editor) {
     const auto widgets = editor->findChildren<QWidget*>();
     for (const QWidget* w : widgets) {
         if (!w->isVisibleTo(editor)) continue;
-        if (w->inherits("ferrule::ImageButton")) {
+        if (w->inherits("ImageButton")) {
             QJsonObject b = ownProperties(w);
             b.insert(QStringLiteral("name"), w->objectName());
             b.insert(QStringLiteral("position"), position(w, editor));
@@ -98,3 +100,5 @@ QByteArray describeEditor(QWidget* editor) {
     root.insert(QStringLiteral("controls"), controls);
     return QJsonDocument(root).toJson(QJsonDocument::Indented);
 }
+
+} // namespace ferrule

@@ -9,15 +9,11 @@
 #include "document/DocumentLock.h"
 #include "document/SaveRecovery.h"
 #include "document/SystemDocument.h"
-#include "host/PlugInInterface.h"
 #include "io/AtomicFile.h"
-#include "plugin/EditorWindow.h"
 #include "plugin/PlugInEditor.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
-#include "ui/FailedSaveDialog.h"
-#include "ui/RecoveryQuestion.h"
 
 #include <QApplication>
 #include <QMessageBox>
@@ -28,13 +24,12 @@
 
 namespace ferrule {
 
-int runEditor(const HostOptions& options, SystemDocument& document) {
+int runEditor(const HostOptions& options, SystemDocument& document, const EditorQuestions& ask) {
     PlugInEditor editor;
     {
         QString why;
         if (!editor.load(options.pluginPath, &why)) return fail(kExitBadInput, why);
     }
-    PlugInInterface* plugIn = editor.plugIn();
 
     MidiOutput midi;
     if (!options.midiOut.isEmpty()) {
@@ -80,7 +75,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     std::optional<DocumentJournal> journal;
     if (!options.editorHeadless() && !document.path().isEmpty()) {
         journal.emplace();
-        journal->offerRecovery(document, [](const QString& q) { return askToRecover(q); });
+        journal->offerRecovery(document, ask.recover);
     }
 
     // Every input has passed: the settings key may be created now.
@@ -90,8 +85,8 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     ownerWindow.setWindowTitle(programName());
     if (!options.editorHeadless())
         QObject::connect(&pipeline, &BlockPipeline::outputFailed, &ownerWindow,
-                         [&pipeline, plugIn](const QString& why) {
-                             stopEditorTransmission(findEditorWindow(), plugIn);
+                         [&pipeline, &editor](const QString& why) {
+                             editor.stopTransmission();
                              QMessageBox box(
                                  QMessageBox::Warning, programName(),
                                  QStringLiteral("The transmission stopped: %1.\nSent %2.")
@@ -99,7 +94,7 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
                                  QMessageBox::Ok, QApplication::activeModalWidget());
                              box.exec();
                          });
-    HeadlessRun headlessRun(options, pipeline, plugIn);
+    HeadlessRun headlessRun(options, pipeline, editor);
     if (readBack) headlessRun.setReadBack(&*readBack, &midi, document.image());
     PlugInEditor::Run run;
     run.model = options.model;
@@ -131,12 +126,8 @@ int runEditor(const HostOptions& options, SystemDocument& document) {
     QString why;
     bool saved = true;
     if (!document.path().isEmpty() && document.modified() && result.kept) {
-        const AskAfterFailedSave ask =
-            options.headless() ? AskAfterFailedSave()
-                               : AskAfterFailedSave([](const QString& e, bool changedOnDisk) {
-                                     return askAfterFailedSave(e, changedOnDisk);
-                                 });
-        saved = saveWithRecovery(document, ask, &why);
+        saved = saveWithRecovery(
+            document, options.headless() ? AskAfterFailedSave() : ask.afterFailedSave, &why);
     }
     // Saved, or discarded by the user's choice: the journal has done its work.
     if (journal) journal->drop();

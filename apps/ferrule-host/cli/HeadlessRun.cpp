@@ -7,30 +7,30 @@
 #include "PacedOutput.h"
 #include "WireTime.h"
 #include "device/SysexCodec.h"
-#include "plugin/EditorWindow.h"
+#include "host/PlugInInterface.h"
+#include "plugin/PlugInEditor.h"
 #include "transport/BlockPipeline.h"
 #include "transport/SendVerifier.h"
 
-#include <QApplication>
-#include <QMetaObject>
-#include <QMouseEvent>
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
 
 #include <cstdio>
+#include <utility>
 
-HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
-                         ferrule::PlugInInterface* plugIn)
+namespace ferrule {
+
+HeadlessRun::HeadlessRun(const HostOptions& options, BlockPipeline& pipeline, PlugInEditor& editor)
     : options_(options)
     , pipeline_(pipeline)
-    , plugIn_(plugIn) {}
+    , editor_(editor) {}
 
-HeadlessRun::~HeadlessRun() = default;
+HeadlessRun::~HeadlessRun() {
+    if (EditorCommands* commands = editor_.commands()) commands->setTransmissionListener({});
+}
 
-void HeadlessRun::setReadBack(ferrule::MidiInput* input, ferrule::MidiOutput* output,
-                              const QByteArray& base) {
-    using namespace ferrule;
+void HeadlessRun::setReadBack(MidiInput* input, MidiOutput* output, const QByteArray& base) {
     readBackInput_ = input;
     requests_ = std::make_unique<PacedOutput>(
         [output](const QByteArray& m, QString* why) { return output->send(m, why); });
@@ -49,13 +49,19 @@ void HeadlessRun::arm() {
 }
 
 void HeadlessRun::run() {
-    QWidget* editor = ferrule::findEditorWindow();
+    EditorCommands* commands = editor_.commands();
+    if (!commands) {
+        std::fprintf(stderr, "ferrule-host: the plug-in cannot be run without a user\n");
+        status_ = 1;
+        return;
+    }
+    QWidget* editor = commands->editorWindow();
     if (!editor) {
         std::fprintf(stderr, "ferrule-host: the editor window did not open\n");
         status_ = 1;
         return;
     }
-    if (options_.page >= 0) QMetaObject::invokeMethod(editor, "ShowTab", Q_ARG(int, options_.page));
+    if (options_.page >= 0) commands->showPage(options_.page);
     if (!options_.headless()) return;
     if (!options_.screenshot.isEmpty()) {
         const QPixmap shot = editor->grab();
@@ -70,35 +76,23 @@ void HeadlessRun::run() {
     if (options_.describe) std::fputs(describeEditor(editor).constData(), stdout);
     std::fflush(stdout);
     if (options_.transmit) {
-        transmit(editor);
+        transmit();
         return;
     }
-    close(editor);
+    close();
 }
 
-void HeadlessRun::close(QWidget* editor) {
+void HeadlessRun::close() {
     // Close without keeping changes.
-    QMetaObject::invokeMethod(editor, "reject");
+    editor_.commands()->cancel();
 }
 
-void HeadlessRun::transmit(QWidget* editor) {
-    auto* button = editor->findChild<QWidget*>(QStringLiteral("CButton0"));
-    if (!button) {
-        std::fprintf(stderr, "ferrule-host: the editor has no transmit button\n");
-        status_ = 1;
-        close(editor);
-        return;
-    }
-    const QPointF at(button->width() / 2.0, button->height() / 2.0);
-    QMouseEvent press(QEvent::MouseButtonPress, at, button->mapToGlobal(at), Qt::LeftButton,
-                      Qt::LeftButton, {});
-    QMouseEvent release(QEvent::MouseButtonRelease, at, button->mapToGlobal(at), Qt::LeftButton,
-                        Qt::NoButton, {});
-    QApplication::sendEvent(button, &press);
-    QApplication::sendEvent(button, &release);
-    auto running = [editor] { return editor->property("transmissionStep").toInt() != 0; };
+void HeadlessRun::transmit() {
+    EditorCommands* commands = editor_.commands();
+    commands->pressTransmit();
+    auto running = [commands] { return commands->transmitting(); };
     if (!running()) {
-        const QString error = editor->property("lastError").toString();
+        const QString error = commands->lastError();
         const QString why = !error.isEmpty() ? QStringLiteral(": ") + error
                             : !pipeline_.hasOutput()
                                 ? QStringLiteral(": nothing would leave; give --midi-out "
@@ -106,26 +100,23 @@ void HeadlessRun::transmit(QWidget* editor) {
                                 : QStringLiteral(" (the update was refused)");
         std::fprintf(stderr, "ferrule-host: the transmission did not start%s\n", qPrintable(why));
         status_ = 1;
-        close(editor);
+        close();
         return;
     }
     pipeline_.setRunningProbe(running);
     // An output that fails ends the transmission at once.
     connect(&pipeline_, &BlockPipeline::outputFailed, this, &HeadlessRun::outputFailed);
-    // The editor says when the transmission has ended.
-    connect(editor, SIGNAL(transmissionStopped()), this, SLOT(transmissionStopped()),
-            Qt::SingleShotConnection);
-    editor_ = editor;
-}
-
-void HeadlessRun::transmissionStopped() {
-    // Reported once the plug-in's QueueEmpty has returned and the pipeline has timed the end.
-    QTimer::singleShot(0, this, &HeadlessRun::reportTransmission);
+    // The editor says when the transmission has ended; the first word of it is reported, once
+    // the plug-in's QueueEmpty has returned and the pipeline has timed the end.
+    commands->setTransmissionListener([this] {
+        if (std::exchange(stopped_, true)) return;
+        QTimer::singleShot(0, this, &HeadlessRun::reportTransmission);
+    });
 }
 
 void HeadlessRun::outputFailed() {
     // Stopping makes the editor say the transmission ended; the report follows from there.
-    ferrule::stopEditorTransmission(editor_, plugIn_);
+    editor_.stopTransmission();
 }
 
 void HeadlessRun::reportTransmission() {
@@ -134,7 +125,7 @@ void HeadlessRun::reportTransmission() {
                      qPrintable(pipeline_.failure()), qPrintable(pipeline_.deliveryReport()));
         // The device's link failing is exit 3, as for every MIDI fault; a file that fails is 1.
         status_ = pipeline_.linkFailed() ? 3 : 1;
-        close(editor_);
+        close();
         return;
     }
     transmitted_ = true;
@@ -148,15 +139,14 @@ void HeadlessRun::reportTransmission() {
         verify();
         return;
     }
-    close(editor_);
+    close();
 }
 
 bool HeadlessRun::verified() const {
-    return verifier_ && verifier_->outcome() == ferrule::SendVerifier::Outcome::Verified;
+    return verifier_ && verifier_->outcome() == SendVerifier::Outcome::Verified;
 }
 
 void HeadlessRun::verify() {
-    using namespace ferrule;
     std::fprintf(stderr, "ferrule-host: reading back %d messages from %s\n",
                  verifier_->sentMessages(), qPrintable(readBackInput_->portName()));
     connect(verifier_.get(), &SendVerifier::finished, this, &HeadlessRun::reportVerification);
@@ -165,13 +155,12 @@ void HeadlessRun::verify() {
         std::fprintf(stderr, "ferrule-host: not verified: the request could not be sent: %s\n",
                      qPrintable(why));
         status_ = kExitDevice;
-        close(editor_);
+        close();
     });
     verifier_->start(*readBackInput_, *requests_);
 }
 
 void HeadlessRun::reportVerification() {
-    using namespace ferrule;
     requests_->clear();
     switch (verifier_->outcome()) {
     case SendVerifier::Outcome::Verified:
@@ -199,5 +188,7 @@ void HeadlessRun::reportVerification() {
         break;
     }
     std::fflush(stdout);
-    close(editor_);
+    close();
 }
+
+} // namespace ferrule

@@ -6,15 +6,14 @@
 
 #include <memory>
 
-class BlockPipeline;
-class QWidget;
 namespace ferrule {
+
+class BlockPipeline;
 class MidiInput;
 class MidiOutput;
 class PacedOutput;
-class PlugInInterface;
+class PlugInEditor;
 class SendVerifier;
-} // namespace ferrule
 
 // What the host does by itself once the editor window is up, for scripts and tests: open a
 // page, render the editor to PNG, print its controls as JSON; then close it without keeping
@@ -22,14 +21,12 @@ class SendVerifier;
 class HeadlessRun : public QObject {
     Q_OBJECT
 public:
-    HeadlessRun(const HostOptions& options, BlockPipeline& pipeline,
-                ferrule::PlugInInterface* plugIn);
+    HeadlessRun(const HostOptions& options, BlockPipeline& pipeline, PlugInEditor& editor);
     ~HeadlessRun() override;
 
     // --verify: where the transmission is read back from and asked on, and the image its
     // messages are laid over.
-    void setReadBack(ferrule::MidiInput* input, ferrule::MidiOutput* output,
-                     const QByteArray& base);
+    void setReadBack(MidiInput* input, MidiOutput* output, const QByteArray& base);
 
     // Schedules the run for the moment the editor's modal loop starts (also opens --page).
     void arm();
@@ -39,15 +36,12 @@ public:
     // It was read back, and the device holds every byte sent.
     bool verified() const;
 
-private slots:
-    void transmissionStopped();
-
 private:
     void run();
     void reportTransmission();
-    void close(QWidget* editor);
+    void close();
     // Presses and releases the transmit button, then waits for the end of the transmission.
-    void transmit(QWidget* editor);
+    void transmit();
     void outputFailed();
     // Reads back what was sent, reports what differs, then closes the editor.
     void verify();
@@ -55,11 +49,13 @@ private:
 
     HostOptions options_;
     BlockPipeline& pipeline_;
-    ferrule::PlugInInterface* plugIn_;
-    QWidget* editor_ = nullptr;
+    PlugInEditor& editor_;
     int status_ = 0;
+    bool stopped_ = false;
     bool transmitted_ = false;
-    ferrule::MidiInput* readBackInput_ = nullptr;
-    std::unique_ptr<ferrule::PacedOutput> requests_;
-    std::unique_ptr<ferrule::SendVerifier> verifier_;
+    MidiInput* readBackInput_ = nullptr;
+    std::unique_ptr<PacedOutput> requests_;
+    std::unique_ptr<SendVerifier> verifier_;
 };
+
+} // namespace ferrule

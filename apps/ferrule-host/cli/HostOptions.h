@@ -1,34 +1,32 @@
 #pragma once
 
+#include "document/SessionOptions.h"
+
 #include <QByteArray>
+#include <QCommandLineOption>
 #include <QString>
 #include <QStringList>
 
 #include <optional>
+#include <vector>
+
+namespace ferrule {
 
 // The host's command line, parsed and checked. Bad input yields one line naming the problem.
-struct HostOptions {
-    int model = 10;
+struct HostOptions : SessionOptions {
     QString title;
     QString dataFile;
-    QString pluginPath;
     QString screenshot;
     int page = -1;
     bool describe = false;
     bool transmit = false;
     bool listMidiPorts = false;
     QString syxFile;
-    QString midiApi; // empty: the first compiled API whose MIDI system runs
-    QString midiIn;
-    QString midiOut;
-    int gapMs = 20;
-    QByteArray sysexHeader;   // empty: the default header
     QByteArray requestHeader; // empty: the data-set header with command 11
     bool refuseUpdate = false;
     QString exportFile;
     bool receive = false;
     bool request = false;
-    int timeoutS = -1; // -1: 60 s before the first message, 10 s once data flows
     bool edit = false; // the editor at once on the data, without the main window
     QString mainScreenshot;
     // --transmit --verify: read back what was sent and compare it (needs --midi-in).
@@ -50,8 +48,6 @@ struct HostOptions {
     // --history: list the history's snapshots and exit.
     bool history = false;
 
-    // The data-set header in use for a model (by default the options' model).
-    QByteArray dataSetHeader(int forModel = 0) const;
     // Runs that read the device.
     bool readsDevice() const { return receive || request; }
     // Runs that open the editor without a display.
@@ -72,8 +68,54 @@ struct ParsedOptions {
 
 ParsedOptions parseHostOptions(const QStringList& arguments);
 
+// One option of the command line, and what it asks of the run before the command line is
+// parsed: whether it runs without a display, and whether it needs widgets (a window, even
+// offscreen), needs none (the GUI is never started), or leaves that to the other options.
+struct HostOption {
+    enum Name {
+        Verify,
+        History,
+        Model,
+        Title,
+        Data,
+        Plugin,
+        Screenshot,
+        Page,
+        Describe,
+        Transmit,
+        Syx,
+        MidiOut,
+        ListPorts,
+        Gap,
+        Header,
+        Refuse,
+        MidiApi,
+        MidiIn,
+        ExportSyx,
+        Receive,
+        Request,
+        Timeout,
+        RequestHeader,
+        Edit,
+        MainScreenshot,
+        Diff
+    };
+    enum class Widgets { Either, Needed, None };
+    Name name;
+    QCommandLineOption option;
+    bool headless;
+    Widgets widgets;
+};
+// Every option, in the order of the help text.
+const std::vector<HostOption>& hostOptionTable();
+
 // True when the arguments ask for a run without a display.
 bool wantsHeadless(int argc, char** argv);
 // False when the arguments ask only for runs that open no window at all (export, receive,
 // request, the port list): those need no GUI application.
 bool wantsWidgets(int argc, char** argv);
+// True when the arguments ask for the help or the version text, which is all such a run
+// prints.
+bool answersWithText(int argc, char** argv);
+
+} // namespace ferrule

@@ -55,11 +55,7 @@ int run(int argc, char** argv, const WindowedRuns* windowed) {
     const bool headless = wantsHeadless(argc, argv);
     if (headless && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    bool needsDisplay = !headless;
-    for (int i = 1; i < argc; ++i) {
-        const QByteArray a(argv[i]);
-        if (a == "--help" || a == "-h" || a == "--version" || a == "-v") needsDisplay = false;
-    }
+    const bool needsDisplay = !headless && !answersWithText(argc, argv);
     if (needsDisplay && !displayAvailable())
         return fail(kExitBadInput,
                     QStringLiteral("no display to show the editor on; use --screenshot FILE.png "

@@ -5,6 +5,8 @@
 
 #include <stdexcept>
 
+namespace ferrule {
+
 HostObject::HostObject(const QByteArray& image, QObject* parent)
     : QObject(parent)
     , image_(image) {
@@ -60,3 +62,5 @@ QString HostObject::ValueText(int value, int, int) const {
 void HostObject::setBlockSink(std::function<void(int, const QByteArray&, int)> sink) {
     sink_ = std::move(sink);
 }
+
+} // namespace ferrule

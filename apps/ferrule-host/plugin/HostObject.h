@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace ferrule {
+
 // The host side of the plug-in contract: the system data, the font, the value texts, the update
 // flag, the panel colour and the MIDI output. The plug-in reaches every member by name.
 class HostObject : public QObject {
@@ -69,3 +71,5 @@ private:
     std::function<void(int, const QByteArray&, int)> sink_;
     std::function<bool()> outputProbe_;
 };
+
+} // namespace ferrule

@@ -33,7 +33,15 @@ bool PlugInEditor::load(const QString& pluginPath, QString* error) {
         *error = QStringLiteral("\"%1\" does not offer the plug-in interface").arg(located.file);
         return false;
     }
+    commands_ = qobject_cast<EditorCommands*>(instance);
     return true;
+}
+
+void PlugInEditor::stopTransmission() {
+    if (!commands_ || !commands_->transmitting()) return;
+    commands_->pressTransmit();
+    // Idle now: this QueueEmpty sends nothing and hides the progress.
+    plugIn_->QueueEmpty();
 }
 
 PlugInEditor::Result PlugInEditor::edit(const QByteArray& image, const Run& run) {

@@ -6,11 +6,13 @@
 
 #include <functional>
 
-class BlockPipeline;
 class QWidget;
 
 namespace ferrule {
 
+class BlockPipeline;
+
+class EditorCommands;
 class PlugInInterface;
 
 // The plug-in, loaded once, and its editor run on system data as the host contract defines:
@@ -21,6 +23,12 @@ public:
     // Finds and loads the plug-in; false with one line in `error`.
     bool load(const QString& pluginPath, QString* error);
     PlugInInterface* plugIn() const { return plugIn_; }
+    // What the open editor's buttons do, for runs without a user; null when the plug-in does
+    // not offer it.
+    EditorCommands* commands() const { return commands_; }
+    // Ends a running transmission as the user's stop does (the transmit button pressed again),
+    // then lets the editor clear its progress with one QueueEmpty, as after the last step.
+    void stopTransmission();
 
     struct Run {
         int model = 10;
@@ -45,6 +53,7 @@ public:
 private:
     QPluginLoader loader_;
     PlugInInterface* plugIn_ = nullptr;
+    EditorCommands* commands_ = nullptr;
 };
 
 } // namespace ferrule

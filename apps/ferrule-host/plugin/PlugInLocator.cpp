@@ -8,6 +8,8 @@
 #include <QLibrary>
 #include <QPluginLoader>
 
+namespace ferrule {
+
 namespace {
 
 bool carriesKey(const QString& file, const QString& key) {
@@ -62,3 +64,5 @@ LocatedPlugIn locatePlugIn(const QString& key, const QString& explicitPath) {
             QStringLiteral("the plug-in %1 was not found (looked in %2)")
                 .arg(key, defaultPlugInFolders().join(QStringLiteral(", ")))};
 }
+
+} // namespace ferrule

@@ -14,6 +14,8 @@
 #include <stdexcept>
 #include <unistd.h>
 
+namespace ferrule {
+
 namespace {
 
 // A QueueEmpty that sends nothing may be a step whose blocks lie past the image; the host calls
@@ -22,14 +24,11 @@ constexpr int kIdleCallsBeforeStopping = 8;
 constexpr int kFailuresBeforeStopping = 3;
 } // namespace
 
-using ferrule::wireTimeMs;
-namespace Sysex = ferrule::Sysex;
-
-BlockPipeline::BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject* parent)
+BlockPipeline::BlockPipeline(Options options, MidiOutput* midi, QObject* parent)
     : QObject(parent)
     , options_(std::move(options))
     , midi_(midi) {
-    connect(&pacer_, &ferrule::PacingTimer::due, this, &BlockPipeline::drained);
+    connect(&pacer_, &PacingTimer::due, this, &BlockPipeline::drained);
 }
 
 bool BlockPipeline::open(QString* error) {
@@ -69,7 +68,7 @@ void BlockPipeline::send(int address, const QByteArray& data, int model) {
     }
     if (syx_.isOpen()) {
         // Straight to the file descriptor: the system's reason survives a failed write.
-        const int error = ferrule::AtomicFile::writeAll(syx_.handle(), message);
+        const int error = AtomicFile::writeAll(syx_.handle(), message);
         if (error != 0) {
             // Cut back to the last whole message, so the file stays a valid .syx.
             const int cut = ::ftruncate(syx_.handle(), off_t(syxBytes_));
@@ -135,3 +134,5 @@ void BlockPipeline::drained() {
         if (++idleCalls_ < kIdleCallsBeforeStopping) arm(nowMs());
     }
 }
+
+} // namespace ferrule

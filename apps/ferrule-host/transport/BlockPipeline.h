@@ -9,8 +9,8 @@
 #include <functional>
 
 namespace ferrule {
+
 class MidiOutput;
-}
 
 // Where the blocks of a transmission go: each is framed as a system-exclusive message, sent to
 // a MIDI output port and/or appended to a .syx file, and counted. The plug-in's QueueEmpty is
@@ -26,7 +26,7 @@ public:
     };
 
     // `midi` is an opened output port, or null for none.
-    BlockPipeline(Options options, ferrule::MidiOutput* midi, QObject* parent = nullptr);
+    BlockPipeline(Options options, MidiOutput* midi, QObject* parent = nullptr);
 
     // Opens the .syx file; false with `error` on failure.
     bool open(QString* error);
@@ -71,9 +71,9 @@ private:
     double nowMs() const { return double(pacer_.nowNs() - startNs_) / 1e6; }
 
     Options options_;
-    ferrule::MidiOutput* midi_;
+    MidiOutput* midi_;
     QFile syx_;
-    ferrule::PacingTimer pacer_;
+    PacingTimer pacer_;
     qint64 startNs_ = -1; // when the first message left, on the pacer's clock
     std::function<void()> queueEmpty_;
     std::function<bool()> running_;
@@ -89,3 +89,5 @@ private:
     int midiMessages_ = 0, syxMessages_ = 0;
     qint64 midiBytes_ = 0, syxBytes_ = 0;
 };
+
+} // namespace ferrule

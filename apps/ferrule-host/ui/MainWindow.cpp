@@ -7,13 +7,11 @@
 #include "RecoveryQuestion.h"
 #include "SettingsView.h"
 #include "catalogue/PageCatalogue.h"
-#include "cli/DeviceRuns.h"
 #include "device/ModelDescription.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 #include "document/HostSettings.h"
 #include "document/ImageEdit.h"
-#include "plugin/EditorWindow.h"
 #include "plugin/ProgramName.h"
 #include "settings/SettingsStore.h"
 #include "transport/BlockPipeline.h"
@@ -89,7 +87,7 @@ const QString kSaveFilter =
 
 } // namespace
 
-MainWindow::MainWindow(const HostOptions& options, SystemDocument document, QWidget* parent)
+MainWindow::MainWindow(const SessionOptions& options, SystemDocument document, QWidget* parent)
     : QMainWindow(parent)
     , options_(options)
     , document_(std::move(document)) {
@@ -940,7 +938,7 @@ bool MainWindow::edit() {
         device_.forgetDevice(QStringLiteral("the editor sent data to it"));
     });
     connect(&pipeline, &BlockPipeline::outputFailed, this, [this, &pipeline](const QString& w) {
-        stopEditorTransmission(findEditorWindow(), editor_.plugIn());
+        editor_.stopTransmission();
         QMessageBox::warning(QApplication::activeModalWidget(), kTitle,
                              QStringLiteral("The transmission stopped: %1.\nSent %2.")
                                  .arg(w, pipeline.deliveryReport()));

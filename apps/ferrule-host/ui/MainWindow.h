@@ -1,10 +1,10 @@
 #pragma once
 
-#include "cli/HostOptions.h"
 #include "document/DocumentJournal.h"
 #include "document/DocumentLock.h"
 #include "document/History.h"
 #include "document/SaveRecovery.h"
+#include "document/SessionOptions.h"
 #include "document/SystemDocument.h"
 #include "plugin/PlugInEditor.h"
 #include "transport/DeviceSession.h"
@@ -44,7 +44,7 @@ class MainWindow : public QMainWindow {
     Q_PROPERTY(QString documentPath READ documentPath)
     Q_PROPERTY(bool documentModified READ documentModified)
 public:
-    MainWindow(const HostOptions& options, SystemDocument document, QWidget* parent = nullptr);
+    MainWindow(const SessionOptions& options, SystemDocument document, QWidget* parent = nullptr);
     ~MainWindow() override;
 
     const SystemDocument& document() const { return document_; }
@@ -155,7 +155,7 @@ private:
     void updateUndoActions();
     std::optional<MidiApi> api() const;
 
-    HostOptions options_;
+    SessionOptions options_;
     SystemDocument document_;
     DeviceSession device_;
     PlugInEditor editor_;
