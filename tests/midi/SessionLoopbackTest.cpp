@@ -68,7 +68,7 @@ protected:
 } // namespace
 
 TEST_F(SessionLoopback, TheTimeLeftOfARequestAndASendIsNeverBelowTheWireTimeLeftAndEndsAtZero) {
-    const int model = 8;
+    const int model = 6;
     const QByteArray image = SystemDocument(model, Sysex::defaultHeader(model)).image();
     const auto device = simulatedDevice(model, image);
     DeviceSession session;
@@ -264,7 +264,7 @@ TEST_F(SessionLoopback,
 }
 
 TEST_F(SessionLoopback, RequestEditCompareSendChangesAndPortsThatAreRememberedOrGone) {
-    const int model = 10;
+    const int model = 6;
     // The device starts from values in the middle of most ranges, so a knob can step down.
     QByteArray start = SystemDocument(model, Sysex::defaultHeader(model)).image();
     for (int i = modelStretch(model).start; i < kImageSize; ++i)
@@ -329,8 +329,8 @@ TEST_F(SessionLoopback, RequestEditCompareSendChangesAndPortsThatAreRememberedOr
                                      SettingsModel::DeviceSide));
         EXPECT_TRUE(w->lastResult().contains(settingsDiffer(1))) << qPrintable(w->lastResult());
 
-        // Send Changes: one parameter, at most two messages instead of 106, read back (verify is
-        // on by default) and kept as verified; then nothing is left to send or to keep.
+        // Send Changes: one parameter, at most two messages instead of the whole data, read back
+        // (verify is on by default) and kept as verified; then nothing is left to send or to keep.
         const int before = dataSetsOut(w->monitor()->model());
         end =
             run(w->device(), [&] { ASSERT_GT(w->device().send(w->document().image(), true), 0); });
