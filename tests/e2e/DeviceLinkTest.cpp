@@ -1,33 +1,25 @@
 // The link to the device as a user meets it: a JACK server that stops and comes back while the
 // window holds ports, during a request and during a send; a device whose ports vanish mid-send,
-// in the window and on the command line; a device that falls silent; the question before Send
-// Changes to a device nothing is known of; and the numbers the window shows on the way.
+// in the window and on the command line.
 
 #include "HostOptionsForTests.h"
 #include "HostProcess.h"
 #include "JackServer.h"
 #include "MidiApi.h"
 #include "MidiInput.h"
-#include "MonitorCounts.h"
 #include "QtPrinters.h"
 #include "WindowPorts.h"
-#include "WireTime.h"
-#include "device/DumpMap.h"
 #include "device/SysexCodec.h"
 #include "ui/MainWindow.h"
-#include "ui/MidiMonitor.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
-
-#include <csignal>
 
 using namespace ferrule;
 
@@ -99,7 +91,8 @@ protected:
             std::make_unique<MainWindow>(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w->setAskSave([](const QString&) { return QMessageBox::Discard; });
         w->setAskUnknownDevice([] { return MainWindow::UnknownDeviceAnswer::SendEverything; });
-        // Sends here end when the last message has left; reading them back is VerifyTest's.
+        // Sends here end when the last message has left; reading them back is tested over the
+        // loopback (SessionLoopbackTest).
         w->device().setVerify(false);
         waitForPorts(*w, kHangMs);
         return w;
@@ -316,126 +309,4 @@ TEST_F(DeviceLink, ADevicePortThatVanishesMidSendFailsInTheWindowAndOnTheCommand
     EXPECT_FALSE(out.contains("sent ")) << out.constData();
     std::printf("[ measured ] --transmit ended %lld ms after the device's ports went\n",
                 static_cast<long long>(tookMs));
-}
-
-TEST_F(DeviceLink, SendChangesToAnUnknownDeviceAsksAndASilentDeviceIsNamedInWords) {
-    const int model = 6;
-    // The device holds the defaults but for one byte.
-    QTemporaryDir dir;
-    QByteArray onDevice = SystemDocument(model, Sysex::defaultHeader(model)).image();
-    const DumpMap::Block& block = DumpMap::of(model).blocks()[40];
-    onDevice[block.start] = char(onDevice[block.start] ^ 1);
-    const QString start = dir.filePath(QStringLiteral("start.bin"));
-    {
-        QFile f(start);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(onDevice);
-    }
-    auto device = std::make_unique<DeviceProcess>(
-        jack_, deviceArgs(model, {QStringLiteral("--data"), start}));
-    ASSERT_TRUE(device->ready());
-    auto w = window(model);
-    MidiMonitorModel* monitor = w->monitor()->model();
-    int asked = 0;
-    MainWindow::UnknownDeviceAnswer answer = MainWindow::UnknownDeviceAnswer::Cancel;
-    w->setAskUnknownDevice([&] {
-        ++asked;
-        return answer;
-    });
-
-    // Cancel: nothing leaves.
-    w->startSend(true);
-    EXPECT_EQ(asked, 1);
-    EXPECT_EQ(w->device().busy(), DeviceSession::Operation::None);
-    EXPECT_EQ(dataSetsOut(monitor), 0);
-
-    // Read first: the device is read, the document stays, and only the one differing message
-    // is sent; the counts are this operation's alone.
-    const QByteArray document = w->document().image();
-    answer = MainWindow::UnknownDeviceAnswer::ReadFirst;
-    w->startSend(true);
-    EXPECT_EQ(asked, 2);
-    EXPECT_EQ(w->device().busy(), DeviceSession::Operation::Request);
-    Result r = runOperation(*w); // the read
-    ASSERT_TRUE(r.ok) << qPrintable(r.message);
-    r = runOperation(*w); // the send it leads to
-    ASSERT_TRUE(r.ok) << qPrintable(r.message);
-    EXPECT_TRUE(r.message.startsWith("sent 1 messages, ")) << qPrintable(r.message);
-    EXPECT_EQ(dataSetsOut(monitor), 1);
-    EXPECT_EQ(w->document().image(), document);
-    EXPECT_TRUE(w->deviceStateText().startsWith("was sent this data at "))
-        << qPrintable(w->deviceStateText());
-    EXPECT_TRUE(w->deviceStateText().contains("not read back"));
-
-    // Known now: no question, nothing left to send.
-    w->startSend(true);
-    EXPECT_EQ(asked, 2);
-    EXPECT_EQ(dataSetsOut(monitor), 1);
-
-    // A device that falls silent part way: said in words, the details whole elsewhere. The
-    // window sees the old device go before the new one comes under the same names.
-    device.reset();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !w->device().hasInput() && !w->device().hasOutput(); },
-                                kHangMs));
-    device = std::make_unique<DeviceProcess>(
-        jack_, deviceArgs(model, {QStringLiteral("--stop-after"), QStringLiteral("40")}));
-    ASSERT_TRUE(device->ready());
-    w->refreshPorts();
-    ASSERT_TRUE(
-        QTest::qWaitFor([&] { return w->device().hasInput() && w->device().hasOutput(); }, kHangMs))
-        << qPrintable(w->portState());
-    w->device().receive(w->document().image(), true);
-    r = runOperation(*w);
-    ASSERT_TRUE(r.ended);
-    EXPECT_FALSE(r.ok);
-    EXPECT_TRUE(r.message.startsWith("no answer for the GT-6 ")) << qPrintable(r.message);
-    EXPECT_TRUE(r.message.endsWith(", 3 tries)")) << qPrintable(r.message);
-    EXPECT_LT(r.message.size(), 100) << qPrintable(r.message);
-    EXPECT_TRUE(w->device().lastDetails().startsWith("missing "));
-    EXPECT_FALSE(w->device().lastDetails().contains("more range"));
-}
-
-TEST_F(DeviceLink, TheTimeLeftOfARequestAndASendIsNeverBelowTheWireTimeLeftAndEndsAtZero) {
-    const int model = 8;
-    auto device = std::make_unique<DeviceProcess>(jack_, deviceArgs(model));
-    ASSERT_TRUE(device->ready());
-    auto w = window(model);
-    ASSERT_TRUE(w->device().hasInput() && w->device().hasOutput()) << qPrintable(w->portState());
-
-    // What holds however fast the machine is: the data still to come cannot cross the wire
-    // faster than MIDI's rate (a request counts units, each at least a byte on the wire; a
-    // send counts bytes), and once all is there nothing is left. How close the estimate comes
-    // to the clock is measured by the benchmark BM_TimeLeftAgainstTheClock.
-    for (const bool request : {true, false}) {
-        const char* what = request ? "request" : "send";
-        struct Sample {
-            qint64 done, total, msLeft;
-        };
-        std::vector<Sample> samples;
-        const auto c = QObject::connect(&w->device(), &DeviceSession::progress, w.get(),
-                                        [&](qint64 done, qint64 total, qint64 msLeft) {
-                                            samples.push_back({done, total, msLeft});
-                                        });
-        if (request)
-            w->device().receive(w->document().image(), true);
-        else
-            ASSERT_GT(w->device().send(w->document().image(), false), 0);
-        const Result r = runOperation(*w);
-        QObject::disconnect(c);
-        ASSERT_TRUE(r.ok) << what << ": " << qPrintable(r.message);
-        ASSERT_GT(samples.size(), 10u) << what;
-        qint64 lastDone = 0;
-        for (const Sample& s : samples) {
-            ASSERT_GT(s.total, 0) << what;
-            EXPECT_GE(s.done, lastDone) << what;
-            lastDone = s.done;
-            EXPECT_GE(double(s.msLeft) + 0.5, wireTimeMs(s.total - s.done))
-                << what << " at " << s.done << " of " << s.total << ": " << s.msLeft << " ms left";
-            if (s.done == s.total)
-                EXPECT_EQ(s.msLeft, 0) << what;
-            else
-                EXPECT_GT(s.msLeft, 0) << what << " at " << s.done << " of " << s.total;
-        }
-        EXPECT_EQ(samples.back().done, samples.back().total) << what;
-    }
 }

@@ -1,17 +1,17 @@
 // The MIDI ports and what is built on them, over the loopback driver: pacing, request and
 // answer, receive in any chunking, read-back after a send, and the failures; no MIDI system.
-#include "DeviceSimulator.h"
-#include "LoopbackDriver.h"
+#include "LoopbackMidi.h"
 #include "MidiInput.h"
-#include "MidiModule.h"
 #include "MidiOutput.h"
 #include "PacedOutput.h"
+#include "ParameterLines.h"
 #include "WireTime.h"
 #include "device/DefaultImage.h"
 #include "device/DeviceAddress.h"
 #include "device/DumpMap.h"
 #include "device/ModelDescription.h"
 #include "device/SysexCodec.h"
+#include "device/TransmissionSchedule.h"
 #include "transport/DumpReceiver.h"
 #include "transport/SendVerifier.h"
 
@@ -37,21 +37,7 @@ QByteArray sysex(int size, std::mt19937& random) {
     return m;
 }
 
-// The loopback driver in place of the MIDI module for one test, cutting every message into
-// events of random sizes.
-class Loopback : public ::testing::Test {
-protected:
-    Loopback() {
-        midi.setPieces([this](std::size_t left) {
-            return std::uniform_int_distribution<std::size_t>(1, left)(random);
-        });
-        useMidiDriver(&midi);
-    }
-    ~Loopback() override { useMidiDriver(nullptr); }
-
-    std::mt19937 random{20};
-    LoopbackDriver midi;
-};
+using Loopback = LoopbackMidi;
 
 // A host's output paced to a device's input.
 struct PacedLink {
@@ -112,13 +98,9 @@ struct DeviceLink {
             for (int a = range.address; a < range.end(); ++a)
                 if (const auto t = map.locate(a); t && t->index >= 0)
                     held[t->index] = char((base[t->index] + 1) & 0x0F);
-        options.model = model;
-        options.header = Sysex::defaultHeader(model);
-        options.requestHeader = Sysex::requestHeaderFor(options.header);
-        device = std::make_unique<DeviceSimulator>(options, held);
+        device = simulatedDevice(model, held, options);
         QString error;
-        EXPECT_TRUE(device->open(MidiApi::Alsa, "dev", &error) &&
-                    in.open(MidiApi::Alsa, "host", "dev out", &error) &&
+        EXPECT_TRUE(in.open(MidiApi::Alsa, "host", "dev out", &error) &&
                     out.open(MidiApi::Alsa, "host", "dev in", &error))
             << error.toStdString();
     }
@@ -192,43 +174,103 @@ TEST_P(LoopbackModels, ASilentDeviceIsAskedAgainThenReported) {
     EXPECT_TRUE(receiver.error().startsWith("no answer for ")) << receiver.error().toStdString();
 }
 
-// Sends the first mapped block of the model with new values and reads it back.
-SendVerifier::Outcome sendAndVerify(DeviceLink& link, SendVerifier& verifier) {
-    const DumpMap::Block& block = link.map.blocks().front();
-    QByteArray data(block.units, '\0');
-    for (int i = 0; i < data.size(); ++i)
-        data[i] =
-            char((link.device->image()[block.start + (block.nibbles ? i / 2 : i)] + 3 + i) & 0x0F);
-    const QByteArray message =
-        Sysex::frame(Sysex::defaultHeader(link.map.model()), packedAddress(block.address), data);
-    link.requests.enqueue(message);
-    verifier.sent(message);
-    if (!QTest::qWaitFor([&] { return link.device->taken() + link.device->rejected() == 1; },
-                         kWaitMs))
-        return SendVerifier::Outcome::Running;
-    QSignalSpy finished(&verifier, &SendVerifier::finished);
-    verifier.start(link.in, link.requests);
-    if (!finished.wait(kWaitMs)) return SendVerifier::Outcome::Running;
-    return verifier.outcome();
+TEST_F(Loopback, AnswersWithBadChecksumsAreCountedAndNothingOfThemIsTaken) {
+    DeviceSimulator::Options corrupt;
+    corrupt.corruptChecksums = true;
+    DeviceLink link(6, corrupt);
+    DumpReceiver receiver(link.readOptions({link.map.mappedRanges().front()}, 1), link.base,
+                          link.in, &link.requests);
+    EXPECT_FALSE(read(receiver));
+    EXPECT_TRUE(receiver.error().startsWith("no answer for ")) << receiver.error().toStdString();
+    EXPECT_TRUE(receiver.error().endsWith(" message(s) with a bad checksum)"))
+        << receiver.error().toStdString();
+    EXPECT_EQ(receiver.assembler().image(), link.base);
 }
 
-TEST_P(LoopbackModels, ReadBackAfterASendSaysVerifiedDiffersOrNoAnswer) {
+// What a read-back after a send found, and what the device holds otherwise than was sent, by
+// parameter.
+struct ReadBack {
+    SendVerifier::Outcome outcome = SendVerifier::Outcome::Running;
+    QString error;
+    std::vector<int> differing;
+    QStringList lines, heldOtherwise;
+};
+
+// The first of three neighbouring messages from the middle of the model's transmission.
+std::size_t middleMessages(int model) {
+    const std::vector<ScheduledMessage>& all = DumpMap::of(model).transmission();
+    std::size_t first = all.size() / 2;
+    while (all[first + 2].start + all[first + 2].length > kImageSize)
+        --first;
+    return first;
+}
+
+// Sends the three middle messages, every byte changed from what the device holds, and reads
+// them back.
+ReadBack sendAndVerify(int model, DeviceSimulator::Options options) {
+    DeviceLink link(model, options);
+    const std::vector<ScheduledMessage>& all = link.map.transmission();
+    const std::size_t first = middleMessages(model);
+    const QByteArray before = link.device->image();
+    const QByteArray header = Sysex::defaultHeader(model);
+    SendVerifier verifier(model, header, Sysex::requestHeaderFor(header), before);
+    QByteArray image = before;
+    for (std::size_t n = first; n < first + 3; ++n) {
+        const ScheduledMessage& m = all[n];
+        for (int i = m.start; i < m.start + m.length; ++i)
+            image[i] = char((image[i] + 3) & 0x0F);
+        const QByteArray message =
+            Sysex::frame(header, m.address,
+                         m.data({reinterpret_cast<const std::uint8_t*>(image.constData()),
+                                 std::size_t(image.size())}));
+        link.requests.enqueue(message);
+        verifier.sent(message);
+    }
+    ReadBack r;
+    if (!QTest::qWaitFor(
+            [&] {
+                return link.device->taken() + link.device->rejected() + link.device->dropped() == 3;
+            },
+            kWaitMs))
+        return r;
+    QSignalSpy finished(&verifier, &SendVerifier::finished);
+    verifier.start(link.in, link.requests);
+    if (!finished.wait(kWaitMs)) return r;
+    return {verifier.outcome(), verifier.error(), verifier.differingBytes(),
+            verifier.differenceLines(),
+            differenceLines(model, verifier.sentImage(), link.device->image())};
+}
+
+TEST_P(LoopbackModels, ReadBackAfterASendSaysVerifiedOrListsWhatTheDeviceHoldsOtherwise) {
     const int model = GetParam();
-    const auto verify = [&](DeviceSimulator::Options options) {
-        DeviceLink link(model, options);
-        SendVerifier verifier(model, Sysex::defaultHeader(model),
-                              Sysex::requestHeaderFor(Sysex::defaultHeader(model)), link.base);
-        return std::pair{sendAndVerify(link, verifier), verifier.differingBytes()};
-    };
-    EXPECT_EQ(verify({}).first, SendVerifier::Outcome::Verified);
+    EXPECT_EQ(sendAndVerify(model, {}).outcome, SendVerifier::Outcome::Verified);
+
+    // A byte the device keeps: that byte, and its one parameter.
+    const ScheduledMessage& middle = DumpMap::of(model).transmission()[middleMessages(model) + 1];
     DeviceSimulator::Options keeps;
-    keeps.keepByte = DumpMap::of(model).blocks().front().start;
-    const auto [outcome, differing] = verify(keeps);
-    EXPECT_EQ(outcome, SendVerifier::Outcome::Differs);
-    EXPECT_EQ(differing, std::vector{keeps.keepByte});
+    keeps.keepByte = middle.start;
+    ReadBack r = sendAndVerify(model, keeps);
+    EXPECT_EQ(r.outcome, SendVerifier::Outcome::Differs);
+    EXPECT_EQ(r.differing, std::vector{keeps.keepByte});
+    EXPECT_EQ(r.lines.size(), 1) << qPrintable(r.lines.join('\n'));
+    EXPECT_EQ(r.lines, r.heldOtherwise);
+
+    // A message lost on the way: exactly the settings it carried.
+    DeviceSimulator::Options drops;
+    drops.dropMessage = 2;
+    r = sendAndVerify(model, drops);
+    EXPECT_EQ(r.outcome, SendVerifier::Outcome::Differs);
+    ASSERT_FALSE(r.differing.empty());
+    for (int i : r.differing)
+        EXPECT_TRUE(i >= middle.start && i < middle.start + middle.length) << i;
+    EXPECT_FALSE(r.lines.isEmpty());
+    EXPECT_EQ(r.lines, r.heldOtherwise);
+
     DeviceSimulator::Options silent;
     silent.stopAfter = 0;
-    EXPECT_EQ(verify(silent).first, SendVerifier::Outcome::NoAnswer);
+    r = sendAndVerify(model, silent);
+    EXPECT_EQ(r.outcome, SendVerifier::Outcome::NoAnswer);
+    EXPECT_TRUE(r.error.startsWith("no answer for the GT-")) << qPrintable(r.error);
 }
 
 INSTANTIATE_TEST_SUITE_P(Models, LoopbackModels, ::testing::ValuesIn(kModels));
