@@ -6,8 +6,9 @@
 # For every model the text of the default data and of an edited image, a GT-10 text of two
 # settings in one byte, then texts with one fault each, made from the GT-10's edited text and checked to be refused for that fault.
 set -euo pipefail
+# The program's path is taken as given, from where the script was started.
+host=$(realpath "${1:-$(dirname "$0")/../../build/bin/ferrule-host}")
 cd "$(dirname "$0")"
-host=$(realpath "${1:-../../build/bin/ferrule-host}")
 out=text_file_fuzzer
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
