@@ -34,11 +34,11 @@ for m in 3 5 6 8 10; do
         2>&1
 done
 
-# One byte that two settings share, the GT-10's "USB Driver" in "EXP Pedal 2 (external) / Min":
-# the text lists both.
-echo -e '# Model: GT-10\nEXP / EXP Pedal 2 (external) / Min = 40' >"$work/edited.txt"
+# One byte that two settings share, the GT-10's "USB Driver" in "EXP Pedal 2 (external) / Min",
+# at a value of both: the text lists both.
+echo -e '# Model: GT-10\nEXP / EXP Pedal 2 (external) / Min = 1' >"$work/edited.txt"
 "$host" --model 10 --data "$work/edited.txt" --export "$out/gt10-shared-byte.txt" >/dev/null
-grep -q '^System / System / USB Driver = 40$' "$out/gt10-shared-byte.txt"
+grep -q '^System / System / USB Driver = Advanced$' "$out/gt10-shared-byte.txt"
 
 # refused NAME EXPECTED: the text in $work/bad.txt is refused with EXPECTED in its one line.
 refused() {
