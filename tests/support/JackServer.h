@@ -22,8 +22,7 @@ public:
                     .arg(QLatin1String(kPrefix))
                     .arg(QCoreApplication::applicationPid())
                     .arg(++counter());
-        env_.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name_);
-        env_.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
+        env_ = serverEnvironment(name_);
         jackd_.setProcessChannelMode(QProcess::MergedChannels);
         releaseStaleEntries();
         startAgain();
@@ -89,10 +88,16 @@ private:
                 QStringLiteral("-p"),
                 QStringLiteral("256")};
     }
+    // What a program needs in its environment to use the server `name`.
+    static QProcessEnvironment serverEnvironment(const QString& name) {
+        QProcessEnvironment env;
+        env.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name);
+        env.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
+        return env;
+    }
     static QProcessEnvironment environmentFor(const QString& name) {
         QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-        all.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name);
-        all.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
+        all.insert(serverEnvironment(name));
         return all;
     }
     // Starts `jackd` under `name` and waits until clients can connect; false when it could not.
