@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <vector>
@@ -112,6 +113,30 @@ QString textOf(const Parameter& p, int value) {
     return QString::number(value);
 }
 
+bool withinRange(const Parameter& p, ImageBytes image) {
+    const int v = p.value(image);
+    return v >= p.minimum && v <= p.maximum;
+}
+
+// Two settings may lie in one byte (the GT-10's "USB Driver" in "EXP Pedal 2 (external) /
+// Min"). A setting whose value is outside its range there is not the one the byte was set
+// through: it is left out when other settings listed, within their ranges, carry every byte
+// of it that changed. "Min = 40" is not also written as "USB Driver = 40".
+bool carriedByAnother(const Parameter& p, std::span<const Parameter* const> listed,
+                      std::span<const int> shared, ImageBytes image, ImageBytes base) {
+    if (withinRange(p, image)) return false;
+    for (int i = p.address; i < p.address + p.bytes; ++i) {
+        if (image[std::size_t(i)] == base[std::size_t(i)]) continue;
+        if (!std::ranges::binary_search(shared, i)) return false;
+        const bool carried = std::ranges::any_of(listed, [&](const Parameter* q) {
+            return q != &p && i >= q->address && i < q->address + q->bytes &&
+                   withinRange(*q, image);
+        });
+        if (!carried) return false;
+    }
+    return true;
+}
+
 const QRegularExpression& modelLine() {
     static const QRegularExpression re(QStringLiteral("^#\\s*model\\s*:\\s*(.*?)\\s*$"),
                                        QRegularExpression::CaseInsensitiveOption);
@@ -173,10 +198,14 @@ QString write(int model, ImageBytes image) {
         "# A setting that is not listed holds its default value. \"Address N = value\" sets\n"
         "# byte N of the system data, which no control edits. Lines that start with # are\n"
         "# comments; blank lines and the order of the lines do not matter.\n");
+    std::vector<const Parameter*> listed;
+    for (const Parameter& p : index.parameters())
+        if (p.value(image) != p.value(base)) listed.push_back(&p);
     const QString* page = nullptr;
-    for (const Parameter& p : index.parameters()) {
+    for (const Parameter* at : listed) {
+        const Parameter& p = *at;
         const int value = p.value(image);
-        if (value == p.value(base)) continue;
+        if (carriedByAnother(p, listed, index.sharedBytes(), image, base)) continue;
         if (page == nullptr || *page != p.page) {
             page = &p.page;
             out += QStringLiteral("\n# ") + p.page + QLatin1Char('\n');

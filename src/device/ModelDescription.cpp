@@ -161,8 +161,9 @@ constexpr ScheduleRow kSchedule[] = {
      .messageStride = 12, .address = 0x06004000, .stepAddress = 0x200, .messageAddress = 0x10000},
 };
 // clang-format on
+// "Sub Exp" (10425) has no 0: its range starts at 1.
 constexpr DefaultValue kDefaults[] = {{kGt8Start, 5}, {10403, 20}, {10404, 20}, {10406, 20},
-                                      {10407, 20},    {10408, 50}, {10409, 8}};
+                                      {10407, 20},    {10408, 50}, {10409, 8},  {10425, 1}};
 } // namespace gt8
 
 namespace gt10 {

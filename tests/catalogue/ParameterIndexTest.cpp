@@ -8,6 +8,7 @@
 #include "controls/RKnob.h"
 #include "controls/VSlider.h"
 #include "controls/cCheckRadio.h"
+#include "device/DefaultImage.h"
 #include "device/ModelDescription.h"
 #include "device/ModelMap.h"
 #include "pages/ControlPools.h"
@@ -77,6 +78,18 @@ TEST_P(IndexLaws, EverySentByteIsCoveredOnceOrListedAsEditedByNoControl) {
     std::cout << "GT-" << model() << ": " << parameters.size() << " parameters, "
               << uncovered.size() << " of " << index().sentBytes().size()
               << " sent bytes edited by no control, " << shared.size() << " shared\n";
+}
+
+TEST_P(IndexLaws, TheDefaultImageHoldsEveryParameterWithinItsRange) {
+    const QByteArray image = makeDefaultImage();
+    const ImageBytes bytes{reinterpret_cast<const std::uint8_t*>(image.constData()),
+                           std::size_t(image.size())};
+    for (const Parameter& p : index().parameters()) {
+        const int v = p.value(bytes);
+        EXPECT_TRUE(v >= p.minimum && v <= p.maximum)
+            << where(p) << " (byte " << p.address << ") is " << v << ", outside " << p.minimum
+            << "-" << p.maximum;
+    }
 }
 
 TEST_P(IndexLaws, NamesAreUniqueAndFindFindsThem) {

@@ -174,8 +174,8 @@ void sweepKeys(EditorFixture& f, int model, int page) {
             sendWheel(c, 30 * step);
     }
     EXPECT_TRUE(image == wheeled) << where << " four quarter notches make one step";
-    // The burst ends when the wheel has rested.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !f.form->history().inGesture(); })) << where;
+    // The burst ends when the wheel has rested; undo waits for that, as the user would.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !f.form->history().inGesture(); }, 60000)) << where;
     f.form->undo();
     EXPECT_EQ(image.toByteArray(), original) << where << " the wheel burst is one undo step";
 

@@ -8,7 +8,8 @@
 #include <QProcessEnvironment>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QThread>
+
+#include "JackRegistry.h"
 
 #include <gtest/gtest.h>
 
@@ -17,29 +18,19 @@
 class JackServer {
 public:
     JackServer() {
-        name_ = QStringLiteral("ferrule-test-%1-%2")
+        name_ = QStringLiteral("%1%2-%3")
+                    .arg(QLatin1String(kPrefix))
                     .arg(QCoreApplication::applicationPid())
                     .arg(++counter());
-        env_.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name_);
-        env_.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
-        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-        all.insert(env_);
-        jackd_.setProcessEnvironment(all);
+        env_ = serverEnvironment(name_);
         jackd_.setProcessChannelMode(QProcess::MergedChannels);
-        // Two servers starting at the same moment can trip over JACK's shared registry; the
-        // one that loses starts again a moment later.
-        for (int attempt = 0; attempt < 4 && !running_; ++attempt) {
-            if (attempt > 0) QThread::msleep(300 * attempt);
-            start(all);
-        }
+        releaseStaleEntries();
+        startAgain();
     }
     ~JackServer() {
         stop();
-        // jackd stopped while clients are attached dies of SIGPIPE and keeps its entry in JACK's
-        // registry of servers, which has room for eight on the whole machine. A server started
-        // again under the same name takes that entry over and, stopped with no client, gives
-        // it back.
-        if (leftEntry_ && restart()) stop();
+        // jackd stopped while clients are attached dies of SIGPIPE and keeps its entry.
+        if (leftEntry_) release(name_);
     }
     // Ends the server, as a user quitting it would.
     void stop() {
@@ -52,14 +43,7 @@ public:
     // Starts the stopped server again under the same name, as a user would.
     bool restart() {
         stop();
-        running_ = false;
-        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
-        all.insert(env_);
-        for (int attempt = 0; attempt < 4 && !running_; ++attempt) {
-            if (attempt > 0) QThread::msleep(300 * attempt);
-            start(all);
-        }
-        return running_;
+        return startAgain();
     }
     JackServer(const JackServer&) = delete;
     JackServer& operator=(const JackServer&) = delete;
@@ -72,31 +56,107 @@ public:
         return log_;
     }
     const QProcessEnvironment& env() const { return env_; }
+    const QString& name() const { return name_; }
+    qint64 processId() const { return jackd_.processId(); }
+
+    // The entries that servers of these tests left in JACK's registry when they were killed
+    // (by a test's time limit, a crash, a stopped run) are taken back: JACK gives an entry back
+    // to a server of the same name, which then clears it when it ends cleanly. The files such
+    // servers left in /dev/shm go too.
+    static void releaseStaleEntries() {
+        for (const JackRegistry::Entry& e : JackRegistry::read())
+            if (!e.live && e.name.startsWith(QLatin1String(kPrefix))) release(e.name);
+        JackRegistry::removeLeftFiles(QLatin1String(kPrefix));
+    }
 
 private:
-    void start(const QProcessEnvironment& all) {
+    static constexpr const char* kPrefix = "ferrule-test-";
+
+    static QStringList arguments(const QString& name) {
         // Synchronous mode with a long client timeout: on a loaded test machine a late client
         // makes the cycle late instead of losing that cycle's MIDI events.
-        jackd_.start(QStringLiteral("jackd"),
-                     {QStringLiteral("-n"), name_, QStringLiteral("--no-realtime"),
-                      QStringLiteral("--sync"), QStringLiteral("--timeout"), QStringLiteral("5000"),
-                      QStringLiteral("-d"), QStringLiteral("dummy"), QStringLiteral("-r"),
-                      QStringLiteral("48000"), QStringLiteral("-p"), QStringLiteral("256")});
-        if (!jackd_.waitForStarted(5000)) {
-            log_ += QStringLiteral("jackd did not start: ") + jackd_.errorString();
-            return;
+        return {QStringLiteral("-n"),
+                name,
+                QStringLiteral("--no-realtime"),
+                QStringLiteral("--sync"),
+                QStringLiteral("--timeout"),
+                QStringLiteral("5000"),
+                QStringLiteral("-d"),
+                QStringLiteral("dummy"),
+                QStringLiteral("-r"),
+                QStringLiteral("48000"),
+                QStringLiteral("-p"),
+                QStringLiteral("256")};
+    }
+    // What a program needs in its environment to use the server `name`.
+    static QProcessEnvironment serverEnvironment(const QString& name) {
+        QProcessEnvironment env;
+        env.insert(QStringLiteral("JACK_DEFAULT_SERVER"), name);
+        env.insert(QStringLiteral("JACK_NO_AUDIO_RESERVATION"), QStringLiteral("1"));
+        return env;
+    }
+    static QProcessEnvironment environmentFor(const QString& name) {
+        QProcessEnvironment all = QProcessEnvironment::systemEnvironment();
+        all.insert(serverEnvironment(name));
+        return all;
+    }
+    // Starts `jackd` under `name` and waits until clients can connect; false when it could not.
+    static bool run(QProcess& jackd, const QString& name, QString& log) {
+        jackd.setProcessEnvironment(environmentFor(name));
+        jackd.start(QStringLiteral("jackd"), arguments(name));
+        if (!jackd.waitForStarted(30000)) {
+            log += QStringLiteral("jackd did not start: ") + jackd.errorString() + u'\n';
+            return false;
         }
         QProcess wait;
-        wait.setProcessEnvironment(all);
+        wait.setProcessEnvironment(environmentFor(name));
         wait.start(QStringLiteral("jack_wait"),
-                   {QStringLiteral("-w"), QStringLiteral("-t"), QStringLiteral("10")});
-        running_ = wait.waitForFinished(15000) && wait.exitCode() == 0 &&
-                   jackd_.state() == QProcess::Running;
-        if (!running_) {
-            jackd_.terminate();
-            jackd_.waitForFinished(3000);
-            log_ += QString::fromLocal8Bit(jackd_.readAll());
+                   {QStringLiteral("-w"), QStringLiteral("-t"), QStringLiteral("60")});
+        if (!wait.waitForStarted(30000)) {
+            log += QStringLiteral("jack_wait did not start: ") + wait.errorString() + u'\n';
+            jackd.kill();
+            jackd.waitForFinished();
+            return false;
         }
+        // Until clients can connect, or the server has given up (as on a full registry).
+        while (wait.state() != QProcess::NotRunning && !wait.waitForFinished(100))
+            if (jackd.waitForFinished(0)) {
+                wait.kill();
+                wait.waitForFinished();
+            }
+        const bool up = wait.exitStatus() == QProcess::NormalExit && wait.exitCode() == 0 &&
+                        jackd.state() == QProcess::Running;
+        if (!up) {
+            jackd.terminate();
+            if (!jackd.waitForFinished(5000)) jackd.kill();
+            jackd.waitForFinished(2000);
+            log += QString::fromLocal8Bit(jackd.readAll());
+        }
+        return up;
+    }
+    // A server of `name` started and ended cleanly: JACK gives it the entry a killed server
+    // of that name left, and it clears the entry and its files on the way out.
+    static void release(const QString& name) {
+        QProcess jackd;
+        jackd.setProcessChannelMode(QProcess::MergedChannels);
+        QString log;
+        if (!run(jackd, name, log)) return; // another test took it back first
+        jackd.terminate();
+        if (!jackd.waitForFinished(5000)) jackd.kill();
+        jackd.waitForFinished(2000);
+        JackRegistry::removeFilesOf(name);
+    }
+    // Two servers starting at the same moment can trip over JACK's registry; the one that
+    // loses starts again at once. A full registry is said as such.
+    bool startAgain() {
+        running_ = false;
+        for (int attempt = 0; attempt < 4 && !running_; ++attempt)
+            running_ = run(jackd_, name_, log_);
+        if (!running_) {
+            const QString full = JackRegistry::fullMessage(JackRegistry::read());
+            if (!full.isEmpty()) log_ += full + u'\n';
+        }
+        return running_;
     }
     static int& counter() {
         static int n = 0;
@@ -110,6 +170,7 @@ private:
     QString log_;
 };
 
+#ifdef FERRULE_DEVICE_BINARY
 // A running ferrule-device; stop() ends it with SIGTERM so that it saves its image.
 class DeviceProcess {
 public:
@@ -152,3 +213,4 @@ private:
     QByteArray out_, err_;
     bool ready_ = false;
 };
+#endif

@@ -6,7 +6,6 @@
 #include <QStandardPaths>
 #include <QString>
 #include <QStringList>
-#include <QThread>
 
 #include <string>
 
@@ -65,18 +64,20 @@ public:
     bool running() const { return running_; }
     const QString& name() const { return name_; }
     QString xdotool(const QStringList& args) const { return runOnDisplay(xdotool_, args, name_); }
-    // The first window whose name matches, and then a moment for it to settle where it is
-    // shown. A loaded machine (a sanitizer build beside other tests) can take many seconds to
-    // start a program, so this waits as long as `host` runs, up to a minute.
+    // The first window whose name matches, once it is mapped where it is shown: from then on
+    // the server hands it the pointer's and the keys' events in the order they are made, and
+    // can give it the focus. A window is named before it is mapped, and one not yet mapped
+    // takes neither. A loaded machine (a sanitizer build beside other tests) can take many
+    // seconds to start a program, so this waits as long as `host` runs, up to a minute.
     QString window(const QString& pattern, QProcess& host) const {
         QString id;
         for (int i = 0; i < 1200 && id.isEmpty() && host.state() != QProcess::NotRunning; ++i) {
-            id = xdotool({QStringLiteral("search"), QStringLiteral("--name"), pattern})
+            id = xdotool({QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                          QStringLiteral("--name"), pattern})
                      .section(QLatin1Char('\n'), 0, 0);
             // Waiting on the program also notices at once when it has ended.
             if (id.isEmpty()) host.waitForFinished(50);
         }
-        QThread::msleep(300);
         return id;
     }
     // Where a window's top left corner is on the screen.
