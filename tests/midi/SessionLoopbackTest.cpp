@@ -152,7 +152,7 @@ TEST_F(SessionLoopback, SendChangesToAnUnknownDeviceAsksAndASilentDeviceIsNamedI
     ASSERT_TRUE(QTest::qWaitFor([&] { return ends.size() == 2; }, kHangMs)); // read, then send
     ASSERT_TRUE(ends[0][0].toBool()) << qPrintable(ends[0][1].toString());
     ASSERT_TRUE(ends[1][0].toBool()) << qPrintable(ends[1][1].toString());
-    EXPECT_TRUE(ends[1][1].toString().startsWith("sent 1 messages, "))
+    EXPECT_TRUE(ends[1][1].toString().startsWith("sent 1 message, "))
         << qPrintable(ends[1][1].toString());
     EXPECT_EQ(dataSetsOut(monitor), 1);
     EXPECT_TRUE(QTest::qWaitFor(

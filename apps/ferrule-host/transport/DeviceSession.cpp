@@ -60,10 +60,7 @@ DeviceSession::DeviceSession(QObject* parent)
             startVerify();
             return;
         }
-        QString message = QStringLiteral("sent %1 messages, %2 bytes to %3")
-                              .arg(opMessages_)
-                              .arg(done_)
-                              .arg(outputName());
+        QString message = sentWhole();
         if (verifier_)
             message += QStringLiteral("; not verified: no MIDI input port to read the device");
         verifier_.reset();
@@ -279,10 +276,7 @@ void DeviceSession::startVerify() {
 void DeviceSession::verifyFinished() {
     // A retried request still queued must not go out with the next operation.
     paced_.clear();
-    const QString sent = QStringLiteral("sent %1 messages, %2 bytes to %3")
-                             .arg(opMessages_)
-                             .arg(done_)
-                             .arg(outputName());
+    const QString sent = sentWhole();
     const QDateTime now = QDateTime::currentDateTime();
     switch (verifier_->outcome()) {
     case SendVerifier::Outcome::Verified:
@@ -331,8 +325,8 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
             received_ = receiver_->assembler().image();
             known_ = {Knowledge::Kind::Received, received_, QDateTime::currentDateTime(), {}};
         }
-        const QString message = ok ? QStringLiteral("received %1 messages, %2 bytes from %3")
-                                         .arg(receiver_->applied())
+        const QString message = ok ? QStringLiteral("received %1, %2 bytes from %3")
+                                         .arg(messageCount(receiver_->applied()))
                                          .arg(receiver_->assembler().unitsReceived())
                                          .arg(inputName())
                                    : receiver_->error();
@@ -342,6 +336,17 @@ void DeviceSession::receive(const QByteArray& base, bool request, int timeoutS) 
     });
     emit started(operation_);
     receiver_->start();
+}
+
+QString DeviceSession::sentWhole() const {
+    return QStringLiteral("sent %1, %2 bytes to %3")
+        .arg(messageCount(opMessages_))
+        .arg(done_)
+        .arg(outputName());
+}
+
+QString messageCount(qint64 count) {
+    return count == 1 ? QStringLiteral("1 message") : QStringLiteral("%1 messages").arg(count);
 }
 
 QString DeviceSession::sentSoFar() const {

@@ -114,6 +114,7 @@ private:
     bool openSide(const MidiPortList& list, const QString& name, bool input, QString* error);
     void watchPorts();
     QString sentSoFar() const;
+    QString sentWhole() const;
     int startSending(const QByteArray& image, const QByteArray& base,
                      const std::vector<QByteArray>& messages);
     void startVerify();
@@ -144,5 +145,8 @@ private:
     QByteArray received_;
     QString details_;
 };
+
+// A count of MIDI messages as the window says it: "1 message", "604 messages".
+QString messageCount(qint64 count);
 
 } // namespace ferrule

@@ -1003,7 +1003,7 @@ void MainWindow::startSend(bool onlyChanges) {
         }
     }
     const int queued = device_.send(document_.image(), onlyChanges);
-    if (queued > 0) say(QStringLiteral("sending %1 messages…").arg(queued));
+    if (queued > 0) say(QStringLiteral("sending %1…").arg(messageCount(queued)));
     refreshState();
 }
 
@@ -1066,7 +1066,7 @@ void MainWindow::offerSendAgain() {
             .arg(messages);
     if (!askSendAgain_(text, lines)) return;
     const int queued = device_.sendAgain();
-    if (queued > 0) say(QStringLiteral("sending %1 messages again…").arg(queued));
+    if (queued > 0) say(QStringLiteral("sending %1 again…").arg(messageCount(queued)));
     refreshState();
 }
 
@@ -1159,7 +1159,7 @@ bool MainWindow::sendSnapshot(const QString& path) {
                               .arg(Snapshot::kindName(s.kind), s.localTime())))
         return false;
     const int queued = device_.send(snapshot->image(), false);
-    if (queued > 0) say(QStringLiteral("sending the snapshot: %1 messages…").arg(queued));
+    if (queued > 0) say(QStringLiteral("sending the snapshot: %1…").arg(messageCount(queued)));
     refreshState();
     return queued > 0;
 }
