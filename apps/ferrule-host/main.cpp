@@ -24,7 +24,9 @@ int runWindowed(int argc, char** argv) {
     const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
     const std::filesystem::path library =
         self.parent_path() / FERRULE_WINDOWED_RELDIR / FERRULE_WINDOWED_FILE;
-    void* handle = dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // Bound lazily: of the thousands of Qt functions the part refers to, a run calls a few
+    // hundred, and each binding is a symbol look-up across every library loaded.
+    void* handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (!handle)
         return fail(kExitBadInput,
                     QStringLiteral("cannot load the windowed part: %1").arg(dlerror()));
