@@ -97,8 +97,15 @@ TEST(Describe, OnePageOfEachModel) {
         heading.value(QStringLiteral("position")).toObject().value(QStringLiteral("width")).toInt(),
         5925);
 
-    // GT-8 page 1: "Sub Exp" slider starts at 1; slider label width 4.
+    // GT-8 page 1: "Sub Exp" slider starts at 1; slider label width 4. The window's buttons:
+    // a tab for each of its 9 pages, 5 modes and 4 commands.
     d = describe(8, 1, root);
+    QStringList buttons;
+    for (const QJsonValue& v : d.value(QStringLiteral("buttons")).toArray())
+        buttons << v.toObject().value(QStringLiteral("name")).toString();
+    EXPECT_EQ(buttons.size(), 18) << buttons.join(u' ').toStdString();
+    EXPECT_EQ(buttons.filter(QStringLiteral("TabButton")).size(), 9);
+    EXPECT_TRUE(buttons.contains(QStringLiteral("CButton0"))) << "the transmit button";
     const QJsonObject subExp = find(d, QStringLiteral("slider"), 4);
     EXPECT_EQ(subExp.value(QStringLiteral("caption")).toString(), QStringLiteral("Sub Exp"));
     EXPECT_EQ(subExp.value(QStringLiteral("Min")).toInt(), 1);

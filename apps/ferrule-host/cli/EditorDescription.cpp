@@ -71,7 +71,7 @@ QByteArray describeEditor(QWidget* editor) {
     const auto widgets = editor->findChildren<QWidget*>();
     for (const QWidget* w : widgets) {
         if (!w->isVisibleTo(editor)) continue;
-        if (w->inherits("ImageButton")) {
+        if (w->inherits("ferrule::ImageButton")) {
             QJsonObject b = ownProperties(w);
             b.insert(QStringLiteral("name"), w->objectName());
             b.insert(QStringLiteral("position"), position(w, editor));
