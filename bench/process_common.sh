@@ -27,3 +27,34 @@ wall = (time.monotonic_ns() - start) // 1000
 after = resource.getrusage(resource.RUSAGE_CHILDREN)
 print(wall, int((cpu(after) - cpu(before)) * 1e6), after.ru_maxrss)' "${prio[@]}" "$@"
 }
+
+# Microseconds from the start of a process to the end of its first paint on the X server; the
+# process is ended then.
+first_frame() {
+    local s at pid
+    : >"$root/ff"
+    s=${EPOCHREALTIME/./}
+    FERRULE_FIRST_FRAME=1 QT_QPA_PLATFORM=xcb "${prio[@]}" "$@" >/dev/null 2>"$root/ff" &
+    pid=$!
+    until at=$(grep -m1 -o 'first frame at [0-9]*' "$root/ff"); do
+        if ! kill -0 "$pid" 2>/dev/null; then
+            echo "no first frame from $*" >&2
+            return 1
+        fi
+        sleep 0.005
+    done
+    kill "$pid"
+    wait "$pid" 2>/dev/null || true
+    echo $((${at##* } - s))
+}
+# A private X server for first frames; DISPLAY names it, and it ends with the script.
+start_xvfb() {
+    Xvfb -displayfd 3 -nolisten tcp -screen 0 1280x1024x24 3>"$root/display" 2>/dev/null &
+    xvfb=$!
+    trap 'kill "$xvfb" 2>/dev/null; rm -rf "$root"' EXIT
+    until [ -s "$root/display" ]; do
+        kill -0 "$xvfb" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
+        sleep 0.01
+    done
+    export DISPLAY=":$(cat "$root/display")"
+}

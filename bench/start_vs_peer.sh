@@ -14,25 +14,6 @@ set -euo pipefail
 source "$(dirname "$0")/process_common.sh"
 peer="$build/bin/ferrule_stock_peer"
 
-# Microseconds from the start of a process to the end of its first paint on the X server; the
-# process is ended then.
-first_frame() {
-    local s at pid
-    : >"$root/ff"
-    s=${EPOCHREALTIME/./}
-    FERRULE_FIRST_FRAME=1 QT_QPA_PLATFORM=xcb "${prio[@]}" "$@" >/dev/null 2>"$root/ff" &
-    pid=$!
-    until at=$(grep -m1 -o 'first frame at [0-9]*' "$root/ff"); do
-        if ! kill -0 "$pid" 2>/dev/null; then
-            echo "no first frame from $*" >&2
-            exit 1
-        fi
-        sleep 0.005
-    done
-    kill "$pid"
-    wait "$pid" 2>/dev/null || true
-    echo $((${at##* } - s))
-}
 # "median-of-a median-of-b median-of-a/b median-of-c median-of-a/c" of columns a, b, c.
 ratios() {
     local a b c
@@ -73,15 +54,7 @@ for model in 3 5 6 8 10; do
                  n, h/1000, p/1000, rp, f/1000, rf, hc/1000, pc/1000, rpc, fc/1000, rfc, hm/1024, pm/1024, rm, c }'
 done
 
-# A private X server for the first frames.
-Xvfb -displayfd 3 -nolisten tcp -screen 0 1280x1024x24 3>"$root/display" 2>/dev/null &
-xvfb=$!
-trap 'kill "$xvfb" 2>/dev/null; rm -rf "$root"' EXIT
-until [ -s "$root/display" ]; do
-    kill -0 "$xvfb" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
-    sleep 0.01
-done
-export DISPLAY=":$(cat "$root/display")"
+start_xvfb
 echo "First frame in an X window (Xvfb), start of the process to the end of the first paint:"
 for model in 3 5 6 8 10; do
     : >"$root/t"

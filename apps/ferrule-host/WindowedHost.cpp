@@ -20,7 +20,6 @@ namespace {
 
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     auto app = std::make_unique<QApplication>(argc, argv);
-    FirstFrameReport::installIfAsked(QStringLiteral("SysForm"));
     // The desktop entry the windows belong to (their app id on Wayland).
     QGuiApplication::setDesktopFileName(QStringLiteral(FERRULE_APP_ID));
     return app;
@@ -38,6 +37,7 @@ int runWindowed(const HostOptions& options, SystemDocument& document) {
         return 0;
     }
     if (options.mainWindow()) {
+        FirstFrameReport::installIfAsked(QStringLiteral("FerruleHost"));
         MainWindow window(options, std::move(document));
         window.show();
         // A file that cannot be opened is said in the window, over the default data.
@@ -45,6 +45,7 @@ int runWindowed(const HostOptions& options, SystemDocument& document) {
         window.offerRecovery();
         return QApplication::exec();
     }
+    FirstFrameReport::installIfAsked(QStringLiteral("SysForm"));
     const EditorQuestions ask{[](const QString& question) { return askToRecover(question); },
                               [](const QString& error, bool changedOnDisk) {
                                   return askAfterFailedSave(error, changedOnDisk);
