@@ -28,6 +28,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 #include <QUndoStack>
 #include <gtest/gtest.h>
@@ -296,6 +297,27 @@ TEST(SettingsView, TheFilterShowsTheParametersWhoseNamesHoldEveryWordTyped) {
     }
     view.filterBox()->clear();
     EXPECT_EQ(shown(view).size(), all.size());
+}
+
+// The filter's clear button comes once the window is on the screen (its icon is looked up after
+// the first paint) and empties the filter like any clear button.
+TEST(SettingsView, TheFilterBoxGetsAClearButtonOnceShownThatShowsEverySettingAgain) {
+    const int model = 8;
+    MainWindow w(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
+    SettingsView& view = *w.settingsView();
+    QLineEdit& box = *view.filterBox();
+    w.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&w));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return box.isClearButtonEnabled(); }));
+    QTest::keyClicks(&box, QStringLiteral("pitch"));
+    ASSERT_LT(shown(view).size(), ParameterIndex::of(model).parameters().size());
+    QToolButton* clear = nullptr;
+    for (QToolButton* b : box.findChildren<QToolButton*>())
+        if (b->isVisibleTo(&box)) clear = b;
+    ASSERT_NE(clear, nullptr) << "no clear button beside the typed text";
+    QTest::mouseClick(clear, Qt::LeftButton);
+    EXPECT_TRUE(box.text().isEmpty());
+    EXPECT_EQ(shown(view).size(), ParameterIndex::of(model).parameters().size());
 }
 
 TEST(SettingsView, AFileThatCannotBeComparedIsSaidInOneLineAndChangesNothing) {

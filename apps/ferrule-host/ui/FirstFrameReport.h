@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace ferrule {
@@ -14,7 +15,9 @@ namespace ferrule {
 // With FERRULE_FIRST_FRAME set in the environment, says on stderr when a window (the one named
 // `windowName`, or any) has first been painted and put on the screen: "first frame at T", T
 // in microseconds of the system clock, so that whoever started the process can tell how long
-// its first frame took. Whole-process benchmarks use it; it costs nothing otherwise.
+// its first frame took. With FERRULE_FIRST_FRAME=exit the process ends right there, so that a
+// profiler counts exactly the work up to the first frame. Whole-process benchmarks use it; it
+// costs nothing otherwise.
 class FirstFrameReport : public QObject {
 public:
     static void installIfAsked(const QString& windowName = {}) {
@@ -37,6 +40,8 @@ public:
                     std::fprintf(stderr, "first frame at %lld\n",
                                  static_cast<long long>(now.tv_sec) * 1000000 + now.tv_nsec / 1000);
                     std::fflush(stderr);
+                    if (qEnvironmentVariable("FERRULE_FIRST_FRAME") == QLatin1String("exit"))
+                        std::_Exit(0);
                     deleteLater();
                 },
                 Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #include "MidiMonitor.h"
 
+#include "LateClearButton.h"
 #include "device/ModelMap.h"
 #include "device/SysexCodec.h"
 
@@ -125,7 +126,7 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     table_->setAlternatingRowColors(true);
     auto* search = new QLineEdit(this);
     search->setPlaceholderText(QStringLiteral("Filter (any column)"));
-    search->setClearButtonEnabled(true);
+    LateClearButton::install(search);
     connect(search, &QLineEdit::textChanged, filter_, &QSortFilterProxyModel::setFilterFixedString);
     auto* copy = new QPushButton(QStringLiteral("Copy as hex"), this);
     connect(copy, &QPushButton::clicked, this, &MidiMonitor::copySelection);

@@ -1,5 +1,6 @@
 #include "SettingsView.h"
 
+#include "LateClearButton.h"
 #include "document/SettingsFilter.h"
 
 #include <QAction>
@@ -27,7 +28,7 @@ SettingsView::SettingsView(QWidget* parent)
     filter_->setSourceModel(model_);
     filterBox_->setObjectName(QStringLiteral("settingsFilter"));
     filterBox_->setPlaceholderText(QStringLiteral("Filter by name"));
-    filterBox_->setClearButtonEnabled(true);
+    LateClearButton::install(filterBox_);
     filterBox_->setAccessibleName(QStringLiteral("Filter the settings by name"));
     onlyDifferences_->setObjectName(QStringLiteral("onlyDifferences"));
     onlyDifferences_->setToolTip(
