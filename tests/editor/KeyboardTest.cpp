@@ -11,6 +11,7 @@
 #include "device/ModelMap.h"
 #include "editor/FocusRing.h"
 #include "editor/ImageButton.h"
+#include "editor/KeyboardNavigation.h"
 #include "host/PlugIn.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
@@ -119,6 +120,8 @@ TEST(Keyboard, EveryPageOfEveryModelTakesTheFocusControlsFirstThenOneStopPerButt
             const std::vector<QWidget*> head(walk.begin(), walk.end() - long(expectedTail.size()));
             EXPECT_EQ(std::set<QWidget*>(head.begin(), head.end()), controls)
                 << page << ": every control of the page once, before any button";
+            EXPECT_EQ(head, form.findChild<KeyboardNavigation*>()->pageOrder())
+                << page << ": in the order a screen reader reads the page";
             EXPECT_EQ(std::vector<QWidget*>(walk.end() - long(expectedTail.size()), walk.end()),
                       expectedTail)
                 << page;

@@ -117,50 +117,20 @@ TEST(Grid, TheMenuHoldsEveryCodeOnceUnderTheNoteItSounds) {
                              [](const auto& a) { return std::get<2>(a) == GridEditor::kFillIn; }));
 }
 
-// A choice writes the one byte of its cell (which parameter that is, the index's law says) and
-// the cell shows it, in every view and phrase of every model; the GT-8's two scale views share
-// scale 14.
-TEST(Grid, AChoiceWritesItsCellsByteInEveryViewAndPhrase) {
+TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     EditorFixture f;
     SystemImage& image = f.state.image;
-    cCheckRadio* list = f.form->pools().groups[ControlPools::kSelectorList];
     GridEditor* grid = f.form->grid();
-    for (int model : kModels)
-        for (int page : {5, 6}) {
-            if (std::ranges::count(pagesOf(model), page) == 0) continue;
-            f.open(model, page);
-            for (int view = 0; view < (page == 5 ? 2 : kPhraseCount); ++view) {
-                list->ClickOn(view);
-                for (int b : {0, 13, 31, 191}) {
-                    const int id = page == 6 && b == 31 ? GridEditor::kRepeat
-                                   : page == 6 && b == 191
-                                       ? GridEditor::kEnd
-                                       : GridEditor::kCodeBase + (b * 7 + view) % 49;
-                    SystemImage expected = image;
-                    expected.set(grid->cellAddress(b), id - GridEditor::kCodeBase);
-                    grid->cellClicked(b, {});
-                    grid->carryOut(id);
-                    EXPECT_TRUE(image == expected)
-                        << model << "/" << page << " " << view << " " << b;
-                    EXPECT_EQ(grid->cellText(b).trimmed(),
-                              StepText(id - GridEditor::kCodeBase, b / 16).trimmed());
-                }
-            }
-        }
+    cCheckRadio* list = f.form->pools().groups[ControlPools::kSelectorList];
     f.open(8, 5);
+    // Which byte a cell writes is the parameter index's law (IndexPlacements); the GT-8's two
+    // scale views share scale 14.
     list->ClickOn(1);
     grid->cellClicked(0, {});
     grid->carryOut(GridEditor::kCodeBase + 40);
     list->ClickOn(0);
     EXPECT_EQ(grid->cellText(13), QStringLiteral("+E ^"));
-}
-
-TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
-    EditorFixture f;
-    SystemImage& image = f.state.image;
-    GridEditor* grid = f.form->grid();
-    f.open(8, 5);
-    f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(1);
+    list->ClickOn(1);
     // Scale 16 (view 1, column 2), C set to 28, then filled in.
     grid->cellClicked(2, {});
     grid->carryOut(GridEditor::kCodeBase + 28);
@@ -188,7 +158,7 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     EXPECT_TRUE(image == expected);
 
     f.open(6, 6);
-    f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(4);
+    list->ClickOn(4);
     const int phrase = 8422 + 4 * 192;
     image.set(phrase, 24);
     expected.assign(image);
