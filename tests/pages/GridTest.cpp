@@ -122,6 +122,18 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     SystemImage& image = f.state.image;
     GridEditor* grid = f.form->grid();
     cCheckRadio* list = f.form->pools().groups[ControlPools::kSelectorList];
+    // `fill` gives `expected`; one undo restores every byte and cell it changed, a redo redoes it.
+    const auto oneStep = [&](const SystemImage& expected, const auto& fill) {
+        const QByteArray before = image.toByteArray();
+        const QStringList cells = grid->cells();
+        fill();
+        EXPECT_TRUE(image == expected);
+        f.form->undo();
+        EXPECT_EQ(image.toByteArray(), before);
+        EXPECT_EQ(grid->cells(), cells);
+        f.form->redo();
+        EXPECT_TRUE(image == expected);
+    };
     f.open(8, 5);
     // Which byte a cell writes is the parameter index's law (IndexPlacements); the GT-8's two
     // scale views share scale 14.
@@ -138,24 +150,17 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     const int start = 11511 + 156 + 2 * 12;
     for (int i = 1; i < 12; ++i)
         expected.set(start + i, 28);
-    const QByteArray beforeFill = image.toByteArray();
-    const QStringList cellsBeforeFill = grid->cells();
-    grid->cellClicked(2, {});
-    const QList<QAction*> checked = grid->menu()->findChildren<QAction*>();
-    EXPECT_EQ(std::count_if(checked.begin(), checked.end(),
-                            [](QAction* a) { return a->isChecked() && !a->menu(); }),
-              1)
-        << "the menu marks the cell's value";
-    // Chosen from the menu, as the user does: one undo step.
-    for (QAction* a : checked)
-        if (a->data().toInt() == GridEditor::kFillIn) a->trigger();
-    EXPECT_TRUE(image == expected);
+    oneStep(expected, [&] {
+        grid->cellClicked(2, {});
+        const QList<QAction*> checked = grid->menu()->findChildren<QAction*>();
+        EXPECT_EQ(std::count_if(checked.begin(), checked.end(),
+                                [](QAction* a) { return a->isChecked() && !a->menu(); }),
+                  1)
+            << "the menu marks the cell's value";
+        for (QAction* a : checked) // chosen from the menu, as the user does
+            if (a->data().toInt() == GridEditor::kFillIn) a->trigger();
+    });
     EXPECT_EQ(grid->cellText(2 * 16 + 2), QStringLiteral("+Gb")) << "the D row a major third up";
-    f.form->undo();
-    EXPECT_EQ(image.toByteArray(), beforeFill) << "undo restores every cell the fill-in changed";
-    EXPECT_EQ(grid->cells(), cellsBeforeFill);
-    f.form->redo();
-    EXPECT_TRUE(image == expected);
 
     f.open(6, 6);
     list->ClickOn(4);
@@ -165,16 +170,7 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     for (int k = 1; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
             expected.set(phrase + k * 16 + s, image.at(phrase + s));
-    const QByteArray beforeAutoFill = image.toByteArray();
-    const QStringList cellsBeforeAutoFill = grid->cells();
-    QTest::mouseClick(grid->autoFillButton(), Qt::LeftButton);
-    EXPECT_TRUE(image == expected);
-    f.form->undo();
-    EXPECT_EQ(image.toByteArray(), beforeAutoFill)
-        << "undo restores every phrase auto-fill changed";
-    EXPECT_EQ(grid->cells(), cellsBeforeAutoFill);
-    f.form->redo();
-    EXPECT_TRUE(image == expected);
+    oneStep(expected, [&] { QTest::mouseClick(grid->autoFillButton(), Qt::LeftButton); });
     for (int k = 0; k < 12; ++k)
         EXPECT_EQ(grid->cellText(k * 16), QLatin1Char(' ') + QString::fromLatin1(kFlats[k]));
 }

@@ -13,8 +13,7 @@ TEST(HostLink, ReadsPropertiesAndCallsMethodsByName) {
     host.image[42] = char(200);
     HostLink link;
     link.setHost(&host);
-    EXPECT_EQ(link.property("FontName").toString(), QStringLiteral("DejaVu Serif"));
-    EXPECT_TRUE(link.propertyBool("FontItalic"));
+    EXPECT_TRUE(link.propertyBool("FontItalic")); // the font's values, PlugInTest's
     EXPECT_EQ(link.sysData(42), 200);
     // Overloads are told apart by their argument count.
     link.call("SysData", {42, 17});
