@@ -99,30 +99,6 @@ TEST_F(KnobTest, DraggingInsideOneSectorMovesThePointerButRaisesNothing) {
     EXPECT_TRUE(spy.isEmpty());
 }
 
-TEST_F(KnobTest, AFailingValueTextIsReportedNotThrownIntoTheEventLoop) {
-    QSignalSpy failed(&knob, &RKnob::failed);
-    knob.setValueTextSource(
-        [](int, int, int) -> QString { throw std::runtime_error("ValueText: no host"); });
-    clickAt(&knob, 675, 375);
-    EXPECT_EQ(failed.size(), 1);
-    EXPECT_EQ(knob.Value(), 80) << "the value changed before the text was asked";
-    EXPECT_THROW(knob.setValue(3), std::runtime_error) << "a setter hands the error to its caller";
-}
-
-TEST_F(KnobTest, RightButtonReleaseShowsTheHelpWithCaptionAndValue) {
-    knob.setCaption(QStringLiteral("Reverb Level"));
-    knob.setValue(42);
-    clickAt(&knob, 375, 375, Qt::RightButton);
-    QWidget* help = nullptr;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->inherits("QWhatsThat") && w->isVisible()) help = w;
-    ASSERT_NE(help, nullptr);
-    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("Reverb Level")));
-    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("42|2|3")));
-    EXPECT_EQ(knob.Value(), 42) << "the right button does not turn the knob";
-    help->close();
-}
-
 // The masked pictures drawn for a finer screen: twice the pixels, painted rather than scaled
 // (some 2 × 2 blocks differ inside), and still a mask pair: wherever the mask keeps the
 // background, the picture adds nothing to it.

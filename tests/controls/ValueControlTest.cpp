@@ -121,12 +121,16 @@ TYPED_TEST(EitherControl, ARealDoubleClickOnTheValueStepsOnce) {
 }
 
 TYPED_TEST(EitherControl, ARealRightClickOnTheValueStepsUpAndShowsNoHelp) {
+    this->control.setCaption(QStringLiteral("Reverb Level"));
     realMouse::click(&this->control, this->label(), Qt::RightButton);
     EXPECT_EQ(reported(this->spy), (QList<int>{51}));
     EXPECT_FALSE(helpWasShown()) << "the value label is a control of its own";
-    // Above the label, on the control itself, the right button shows the help and steps nothing.
+    // Above the label, on the control itself, the right button shows the help, with the caption
+    // and the value, and steps nothing.
     realMouse::click(&this->control, QPoint(this->label().x(), 2), Qt::RightButton);
     EXPECT_TRUE(helpWasShown());
+    EXPECT_TRUE(this->control.helpText().contains(QStringLiteral("Reverb Level")));
+    EXPECT_TRUE(this->control.helpText().contains(QStringLiteral("51")));
     EXPECT_EQ(this->control.Value(), 51);
 }
 

@@ -101,8 +101,8 @@ TEST(EditorClicks, ASwitchTogglesOnTheClickNotThePress) {
 }
 
 // Escape and the close box close at once when nothing changed; with changed values they ask
-// "Discard" or "Keep editing"; after a transmission the cancel's own question asks, once, and
-// only Yes gives the changes up.
+// "Discard" or "Keep editing". The Cancel button asks only after a transmission, and only when
+// the data differs from the host's: its own question, once, and only Yes gives the changes up.
 TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
     EditorFixture f;
     f.open(8, 1);
@@ -138,12 +138,27 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
         }
         f.form->Setup(); // the host's data again
     }
-    // After a transmission with changed data: the cancel's own question, no second one; No keeps
-    // the window open, Yes closes it.
+    // The Cancel button asks nothing before a transmission, even with changes, nor after one while
+    // the data is the host's.
+    const auto cancelAsksNothing = [&] {
+        BoxAnswerer any(QMessageBox::Yes);
+        f.form->CancelEdit();
+        EXPECT_FALSE(f.form->isVisible());
+        EXPECT_EQ(any.asked(), 0);
+        f.form->Form_Load();
+        f.form->show();
+    };
     f.form->Form_Load();
     f.form->show();
+    change();
+    cancelAsksNothing();
+    f.form->Setup();
     f.form->setTransmissionControl({[] { return true; }, [] {}});
     f.form->ToggleTransmission();
+    ASSERT_TRUE(f.form->transmitted());
+    cancelAsksNothing();
+    // After a transmission with changed data: the cancel's own question, no second one; No keeps
+    // the window open, Yes closes it.
     change();
     {
         BoxAnswerer no(QMessageBox::No);
@@ -161,4 +176,6 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
     pressEscape(f.form.get());
     EXPECT_EQ(yes.asked(), 1);
     EXPECT_FALSE(f.form->isVisible());
+    EXPECT_NE(f.host.image[10400], char(f.state.image.at(10400)))
+        << "a cancel gives the host nothing";
 }

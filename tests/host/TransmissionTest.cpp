@@ -1,5 +1,4 @@
 #include "host/Transmission.h"
-#include "BoxAnswerer.h"
 #include "EditorSession.h"
 #include "MouseHelpers.h"
 #include "PlugInFixture.h"
@@ -213,44 +212,4 @@ TEST_F(TransmissionTest, TransmitButtonPicturesWhileSending) {
     QTest::mouseClick(transmit, Qt::LeftButton); // stop
     EXPECT_EQ(plugIn.state().transmissionStep, 0);
     EXPECT_EQ(transmit->pictureName(), QStringLiteral("CButton(4)"));
-}
-
-TEST_F(TransmissionTest, CancelAsksOnlyAfterSendingChangedData) {
-    plugIn.Format(8);
-    SysForm* form = plugIn.editor();
-    auto& image = const_cast<SystemImage&>(form->state().image);
-    auto change = [&image] { image.set(10400, (image.at(10400) + 1) % 128); };
-
-    {
-        // Without a transmission, cancel closes at once even with changes.
-        BoxAnswerer yes(QMessageBox::Yes);
-        whileEditorOpen(plugIn, [&](SysForm& f) {
-            change();
-            f.CancelEdit();
-            EXPECT_FALSE(f.isVisible());
-        });
-        EXPECT_EQ(yes.asked(), 0);
-    }
-    {
-        // After a transmission, an image equal to the host's data closes at once. (The change
-        // cancelled above is still in the image: the window keeps it until a reload.)
-        BoxAnswerer yes(QMessageBox::Yes);
-        whileEditorOpen(plugIn, [&](SysForm& f) {
-            f.ReloadFromHost();
-            f.ToggleTransmission();
-            f.ToggleTransmission();
-            f.CancelEdit();
-            EXPECT_FALSE(f.isVisible());
-        });
-        EXPECT_EQ(yes.asked(), 0);
-    }
-    // After it, with a change: the cancel's question (its words, and No, are EditorClicks').
-    BoxAnswerer yes(QMessageBox::Yes);
-    whileEditorOpen(plugIn, [&](SysForm& f) {
-        change();
-        f.CancelEdit();
-        EXPECT_FALSE(f.isVisible());
-    });
-    EXPECT_EQ(yes.asked(), 1);
-    EXPECT_NE(host.image[10400], char(image.at(10400))) << "cancel gives the host nothing";
 }
