@@ -21,7 +21,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <iostream>
 #include <map>
 #include <random>
 #include <set>
@@ -75,9 +74,6 @@ TEST_P(IndexLaws, EverySentByteIsCoveredOnceOrListedAsEditedByNoControl) {
     }
     for (int i : index().uncoveredBytes())
         EXPECT_TRUE(std::ranges::binary_search(index().sentBytes(), i)) << i;
-    std::cout << "GT-" << model() << ": " << parameters.size() << " parameters, "
-              << uncovered.size() << " of " << index().sentBytes().size()
-              << " sent bytes edited by no control, " << shared.size() << " shared\n";
 }
 
 TEST_P(IndexLaws, TheDefaultImageHoldsEveryParameterWithinItsRange) {
@@ -297,7 +293,8 @@ TEST_P(IndexPlacements, EveryPlacedControlIsExactlyOneParameterWithItsAddressRan
     EXPECT_TRUE(f.errors.isEmpty()) << f.errors.join(QLatin1Char('\n')).toStdString();
 }
 
-TEST_P(IndexPlacements, EveryGridCellIsTheParameterOfItsScaleOrPhraseRowAndColumn) {
+TEST_P(IndexPlacements,
+       EveryGridCellIsTheParameterOfItsScaleOrPhraseRowAndColumnAndAChoiceWritesIt) {
     const auto pages = pagesOf(model());
     // Cells the grid can show (codes 0-48, 49 and 50 in phrases).
     for (const Parameter& p : index().parameters())
@@ -330,6 +327,21 @@ TEST_P(IndexPlacements, EveryGridCellIsTheParameterOfItsScaleOrPhraseRowAndColum
                                                        .arg(row, column));
                 EXPECT_EQ(p->valueText(f.state.image.at(address)), grid->cellText(b).trimmed())
                     << where(*p);
+            }
+            // A choice from a cell's menu writes that cell's byte alone, and the cell shows it.
+            for (int b : {0, 13, 31, 191}) {
+                const int id = page == 6 && b == 31 ? GridEditor::kRepeat
+                               : page == 6 && b == 191
+                                   ? GridEditor::kEnd
+                                   : GridEditor::kCodeBase + (b * 7 + view) % 49;
+                SystemImage expected = f.state.image;
+                expected.set(grid->cellAddress(b), id - GridEditor::kCodeBase);
+                grid->cellClicked(b, {});
+                grid->carryOut(id);
+                EXPECT_TRUE(f.state.image == expected) << page << " " << view << " " << b;
+                EXPECT_EQ(
+                    index().covering(grid->cellAddress(b))->valueText(id - GridEditor::kCodeBase),
+                    grid->cellText(b).trimmed());
             }
         }
     }

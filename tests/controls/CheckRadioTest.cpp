@@ -56,34 +56,30 @@ TEST(CheckRadio, AGroupWithoutItemsIgnoresPlacement) {
     EXPECT_EQ(group.top(), 0);
 }
 
-TEST(CheckRadio, VerticalLayoutWithAndWithoutTitle) {
-    Group plain(3, false);
-    plain.group.setTop(1000);
-    EXPECT_EQ(plain.glyphTop(2), px(1000)) << "the last item is the highest";
-    EXPECT_EQ(plain.glyphTop(1), px(1210));
-    EXPECT_EQ(plain.glyphTop(0), px(1420));
-    plain.group.setLeft(300);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(plain.group.glyph(i)->x(), px(300));
-        EXPECT_EQ(plain.group.label(i)->x(), px(540));
-    }
-
-    Group titled(3, true);
-    titled.group.setTop(1000);
-    titled.group.setLeft(300);
-    EXPECT_EQ(titled.group.label(3)->y(), px(1000));
-    EXPECT_EQ(titled.group.label(3)->x(), px(300));
-    EXPECT_EQ(titled.glyphTop(2), px(1240));
-    EXPECT_EQ(titled.glyphTop(0), px(1660));
-}
-
-TEST(CheckRadio, HorizontalLayoutWithTitle) {
-    Group row(4, true, 630, 0);
-    row.group.setTop(600);
-    row.group.setLeft(150);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(row.glyphTop(i), px(600 + 270));
-        EXPECT_EQ(row.group.glyph(i)->x(), px(150 + 630 * i));
+// Items stand from the last (the highest) down, or along a row; a title stands above them.
+TEST(CheckRadio, ItemsAndTitleStandWhereTheStyleAndThePlacementPutThem) {
+    const struct {
+        int count;
+        bool title;
+        int h, v;
+        std::vector<QPoint> glyphs; // in twips, item 0 first, for left 300 and top 1000
+    } cases[] = {{3, false, 0, 210, {{300, 1420}, {300, 1210}, {300, 1000}}},
+                 {3, true, 0, 210, {{300, 1660}, {300, 1450}, {300, 1240}}},
+                 {4, true, 630, 0, {{300, 1270}, {930, 1270}, {1560, 1270}, {2190, 1270}}}};
+    for (const auto& c : cases) {
+        Group g(c.count, c.title, c.h, c.v);
+        g.group.setTop(1000);
+        g.group.setLeft(300);
+        for (int i = 0; i < c.count; ++i) {
+            const QPoint at = c.glyphs[std::size_t(i)];
+            EXPECT_EQ(g.group.glyph(i)->pos(), px(at.x(), at.y())) << c.count << " " << i;
+            if (c.h == 0) {
+                EXPECT_EQ(g.group.label(i)->x(), px(540)) << "beside its glyph";
+            }
+        }
+        if (c.title && c.h == 0) {
+            EXPECT_EQ(g.group.label(c.count)->pos(), px(300, 1000));
+        }
     }
 }
 

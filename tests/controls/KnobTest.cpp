@@ -25,18 +25,6 @@ protected:
 
 } // namespace
 
-TEST_F(KnobTest, PointerSitsOnTheArcForTheValue) {
-    knob.setValue(0);
-    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(195, 481));
-    knob.setValue(100);
-    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(405, 481));
-    knob.setValue(50);
-    EXPECT_EQ(knob.pointerTop(), 90);
-    EXPECT_NEAR(knob.pointerLeft(), 300, 1);
-    EXPECT_TRUE(spy.isEmpty()) << "values set through the property raise nothing";
-    EXPECT_EQ(knob.valueText(), QStringLiteral("50|2|3"));
-}
-
 TEST_F(KnobTest, DragFollowsTheAngleWithDeadCentreAndEndStopGap) {
     // A press in the dead centre changes nothing.
     pressAt(&knob, 375, 375);
@@ -109,90 +97,6 @@ TEST_F(KnobTest, DraggingInsideOneSectorMovesThePointerButRaisesNothing) {
     releaseAt(&knob, 450, 90);
     EXPECT_EQ(knob.Value(), 1);
     EXPECT_TRUE(spy.isEmpty());
-}
-
-TEST_F(KnobTest, LabelClicksStepByOneWithinTheRange) {
-    knob.setValue(0);
-    clickLabel(&knob, Qt::LeftButton);
-    EXPECT_EQ(knob.Value(), 0);
-    clickLabel(&knob, Qt::RightButton);
-    EXPECT_EQ(knob.Value(), 1);
-    knob.setValue(100);
-    clickLabel(&knob, Qt::RightButton);
-    EXPECT_EQ(knob.Value(), 100);
-    clickLabel(&knob, Qt::LeftButton);
-    EXPECT_EQ(knob.Value(), 99);
-    EXPECT_EQ(reported(spy), (QList<int>{1, 99}));
-    // A value-label step snaps the pointer to the value's angle.
-    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), RKnob::pointerPosition(99, 100));
-}
-
-TEST_F(KnobTest, OffIgnoresInputButTakesValues) {
-    knob.setOff(true);
-    EXPECT_EQ(knob.valueText(), QStringLiteral("off"));
-    clickAt(&knob, 375, 75);
-    clickLabel(&knob, Qt::RightButton);
-    EXPECT_EQ(knob.Value(), 50);
-    knob.setValue(7);
-    EXPECT_EQ(knob.valueText(), QStringLiteral("7|2|3")) << "setting Value replaces \"off\"";
-    EXPECT_TRUE(knob.Off());
-    knob.setOff(false);
-    EXPECT_EQ(knob.valueText(), QStringLiteral("7|2|3"));
-    EXPECT_TRUE(spy.isEmpty());
-}
-
-TEST_F(KnobTest, ColourLabelWidthAndAZeroRange) {
-    knob.setColor(7);
-    EXPECT_EQ(knob.Color(), 0);
-    knob.setColor(4);
-    EXPECT_EQ(knob.Color(), 4);
-    knob.setLabelWidth(5);
-    EXPECT_EQ(knob.LabelWidth(), 1);
-    EXPECT_EQ(knob.valueLabelRect(), QRect(1, 52, 49, 16));
-    knob.setLabelWidth(0);
-    EXPECT_EQ(knob.LabelWidth(), 0);
-    EXPECT_EQ(knob.valueLabelRect(), QRect(5, 52, 41, 16));
-
-    // Max 0: value 0 and the pointer at the low end stop, whatever is asked.
-    knob.setMax(0);
-    EXPECT_EQ(knob.Value(), 0);
-    knob.setValue(3);
-    EXPECT_EQ(knob.Value(), 0);
-    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), QPoint(195, 481));
-    clickAt(&knob, 675, 375);
-    EXPECT_EQ(knob.Value(), 0);
-    // Lowering Max below the value lowers the value without moving the pointer.
-    knob.setMax(100);
-    knob.setValue(80);
-    const QPoint at(knob.pointerLeft(), knob.pointerTop());
-    knob.setMax(60);
-    EXPECT_EQ(knob.Value(), 60);
-    EXPECT_EQ(knob.valueText(), QStringLiteral("60|2|3"));
-    EXPECT_EQ(QPoint(knob.pointerLeft(), knob.pointerTop()), at);
-}
-
-TEST_F(KnobTest, AFailingValueTextIsReportedNotThrownIntoTheEventLoop) {
-    QSignalSpy failed(&knob, &RKnob::failed);
-    knob.setValueTextSource(
-        [](int, int, int) -> QString { throw std::runtime_error("ValueText: no host"); });
-    clickAt(&knob, 675, 375);
-    EXPECT_EQ(failed.size(), 1);
-    EXPECT_EQ(knob.Value(), 80) << "the value changed before the text was asked";
-    EXPECT_THROW(knob.setValue(3), std::runtime_error) << "a setter hands the error to its caller";
-}
-
-TEST_F(KnobTest, RightButtonReleaseShowsTheHelpWithCaptionAndValue) {
-    knob.setCaption(QStringLiteral("Reverb Level"));
-    knob.setValue(42);
-    clickAt(&knob, 375, 375, Qt::RightButton);
-    QWidget* help = nullptr;
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w->inherits("QWhatsThat") && w->isVisible()) help = w;
-    ASSERT_NE(help, nullptr);
-    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("Reverb Level")));
-    EXPECT_TRUE(knob.helpText().contains(QStringLiteral("42|2|3")));
-    EXPECT_EQ(knob.Value(), 42) << "the right button does not turn the knob";
-    help->close();
 }
 
 // The masked pictures drawn for a finer screen: twice the pixels, painted rather than scaled

@@ -101,7 +101,8 @@ TEST(EditorClicks, ASwitchTogglesOnTheClickNotThePress) {
 }
 
 // Escape and the close box close at once when nothing changed; with changed values they ask
-// "Discard" or "Keep editing"; after a transmission the cancel's own question asks, once.
+// "Discard" or "Keep editing". The Cancel button asks only after a transmission, and only when
+// the data differs from the host's: its own question, once, and only Yes gives the changes up.
 TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
     EditorFixture f;
     f.open(8, 1);
@@ -137,14 +138,44 @@ TEST(EditorClicks, EscapeAndTheCloseBoxAskBeforeDiscardingChangedValues) {
         }
         f.form->Setup(); // the host's data again
     }
-    // After a transmission with changed data: the cancel's own question, no second one.
+    // The Cancel button asks nothing before a transmission, even with changes, nor after one while
+    // the data is the host's.
+    const auto cancelAsksNothing = [&] {
+        BoxAnswerer any(QMessageBox::Yes);
+        f.form->CancelEdit();
+        EXPECT_FALSE(f.form->isVisible());
+        EXPECT_EQ(any.asked(), 0);
+        f.form->Form_Load();
+        f.form->show();
+    };
     f.form->Form_Load();
     f.form->show();
+    change();
+    cancelAsksNothing();
+    f.form->Setup();
     f.form->setTransmissionControl({[] { return true; }, [] {}});
     f.form->ToggleTransmission();
+    ASSERT_TRUE(f.form->transmitted());
+    cancelAsksNothing();
+    // After a transmission with changed data: the cancel's own question, no second one; No keeps
+    // the window open, Yes closes it.
     change();
-    BoxAnswerer yes(QStringLiteral("CancelQuestion"), QStringLiteral("&Yes"));
+    {
+        BoxAnswerer no(QMessageBox::No);
+        pressEscape(f.form.get());
+        EXPECT_EQ(no.names, QStringList{QStringLiteral("CancelQuestion")});
+        EXPECT_EQ(
+            no.texts.value(0),
+            QStringLiteral("Are you sure you want to cancel?\r\nThis will discard the changes "
+                           "you made in Tonebench,\r\nbut you transmitted new data to the "
+                           "GT-8.\r\nClick on 'Yes' to cancel anyway."));
+        EXPECT_EQ(no.buttons.value(0), QMessageBox::Yes | QMessageBox::No);
+        EXPECT_TRUE(f.form->isVisible());
+    }
+    BoxAnswerer yes(QMessageBox::Yes);
     pressEscape(f.form.get());
-    EXPECT_EQ(yes.names, QStringList{QStringLiteral("CancelQuestion")});
+    EXPECT_EQ(yes.asked(), 1);
     EXPECT_FALSE(f.form->isVisible());
+    EXPECT_NE(f.host.image[10400], char(f.state.image.at(10400)))
+        << "a cancel gives the host nothing";
 }

@@ -11,6 +11,7 @@
 #include "device/ModelMap.h"
 #include "editor/FocusRing.h"
 #include "editor/ImageButton.h"
+#include "editor/KeyboardNavigation.h"
 #include "host/PlugIn.h"
 #include "pages/ControlPools.h"
 #include "pages/GridEditor.h"
@@ -105,20 +106,17 @@ TEST(Keyboard, EveryPageOfEveryModelTakesTheFocusControlsFirstThenOneStopPerButt
                 if (form.grid()->autoFillButton()->isVisibleTo(&form))
                     expectedTail.push_back(form.grid()->autoFillButton());
             }
-            int modeIndex = 0;
-            while (kModels[modeIndex] != model)
-                ++modeIndex;
-            for (QWidget* w : {static_cast<QWidget*>(form.tabButton(form.currentTab())),
-                               static_cast<QWidget*>(form.modeButton(modeIndex)),
-                               static_cast<QWidget*>(form.commandButton(0)),
-                               static_cast<QWidget*>(form.commandButton(1)),
-                               static_cast<QWidget*>(form.commandButton(2)),
-                               static_cast<QWidget*>(form.commandButton(3))})
-                expectedTail.push_back(w);
+            const auto modeIndex = int(std::ranges::find(kModels, model) - std::begin(kModels));
+            expectedTail.push_back(form.tabButton(form.currentTab()));
+            expectedTail.push_back(form.modeButton(modeIndex));
+            for (int b = 0; b < 4; ++b)
+                expectedTail.push_back(form.commandButton(b));
             ASSERT_EQ(walk.size(), controls.size() + expectedTail.size()) << page;
             const std::vector<QWidget*> head(walk.begin(), walk.end() - long(expectedTail.size()));
             EXPECT_EQ(std::set<QWidget*>(head.begin(), head.end()), controls)
                 << page << ": every control of the page once, before any button";
+            EXPECT_EQ(head, form.findChild<KeyboardNavigation*>()->pageOrder())
+                << page << ": in the order a screen reader reads the page";
             EXPECT_EQ(std::vector<QWidget*>(walk.end() - long(expectedTail.size()), walk.end()),
                       expectedTail)
                 << page;

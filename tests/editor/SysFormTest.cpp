@@ -37,15 +37,6 @@ protected:
     std::unique_ptr<SysForm> form;
 };
 
-// Presses, optionally drags to (dx, dy) pixels from the press, and releases, as a user does.
-void pressDragRelease(QWidget* w, QPoint drag = {}, QPoint back = {}) {
-    const QPoint at(w->width() / 2, w->height() / 2);
-    QTest::mousePress(w, Qt::LeftButton, {}, at);
-    if (!drag.isNull()) moveTo(w, (at + drag).x() * 15, (at + drag).y() * 15);
-    if (!back.isNull()) moveTo(w, at.x() * 15, at.y() * 15);
-    QTest::mouseRelease(w, Qt::LeftButton, {}, at + drag);
-}
-
 } // namespace
 
 TEST_F(SysFormTest, SetFormatShowsTabsAndCaptionPerModel) {
@@ -97,68 +88,61 @@ TEST_F(SysFormTest, ATabOpensItsPageExactlyWhereTheModelHasIt) {
     }
 }
 
-TEST_F(SysFormTest, TabPressDragOffAndRelease) {
+// A press shows on every kind of button; dragged off, the button is plain again and its release
+// does nothing, even after dragging back.
+TEST_F(SysFormTest, APressDraggedOffEveryKindOfButtonReleasesNothing) {
     form->SetFormat(8);
     form->ShowTab(1);
-    ImageButton* midi = form->tabButton(1);
-    pressDragRelease(midi, QPoint(0, 200)); // dragged off downwards
+    const struct {
+        ImageButton* button;
+        const char *pressed, *plain;
+    } buttons[] = {{form->tabButton(1), "Img(21)", "Img(1)"},
+                   {form->modeButton(0), "mImg(10)", "mImg(0)"},
+                   {form->commandButton(1), "CButton(9)", "CButton(5)"}};
+    for (const auto& b : buttons) {
+        QTest::mousePress(b.button, Qt::LeftButton);
+        EXPECT_EQ(b.button->pictureName(), QLatin1String(b.pressed));
+        moveTo(b.button, -300, 45);
+        EXPECT_EQ(b.button->pictureName(), QLatin1String(b.plain));
+        moveTo(b.button, 45, 45);
+        QTest::mouseRelease(b.button, Qt::LeftButton, {}, QPoint(-20, 3));
+        EXPECT_EQ(b.button->pictureName(), QLatin1String(b.plain));
+    }
     EXPECT_EQ(form->currentPage(), 1);
-    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(1)"));
-    pressDragRelease(midi, QPoint(0, 200), QPoint(1, 1)); // dragging back does not re-arm
-    EXPECT_EQ(form->currentPage(), 1);
-
-    QTest::mousePress(midi, Qt::LeftButton);
-    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(21)"));
-    QTest::mouseRelease(midi, Qt::LeftButton);
-    EXPECT_EQ(form->currentPage(), 4);
-    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
-    EXPECT_EQ(form->tabButton(0)->pictureName(), QStringLiteral("Img(0)"));
-
-    // The current tab and an unavailable tab do not react.
-    QTest::mousePress(midi, Qt::LeftButton);
-    EXPECT_EQ(midi->pictureName(), QStringLiteral("Img(41)"));
-    QTest::mouseRelease(midi, Qt::LeftButton);
-    form->SetFormat(10);
-    QTest::mousePress(form->tabButton(2), Qt::LeftButton);
-    EXPECT_EQ(form->tabButton(2)->pictureName(), QStringLiteral("Img(2)"));
-    QTest::mouseRelease(form->tabButton(2), Qt::LeftButton);
-    EXPECT_EQ(form->currentPage(), 4);
+    EXPECT_EQ(state.model, 8);
+    EXPECT_EQ(host.reads, 43252) << "no reload";
 }
 
-TEST_F(SysFormTest, ModeButtonsSwitchModelKeepingThePageWhereItsTabExists) {
+// A tab opens its page on its click; the current tab and a tab the model lacks do not react. A
+// model button switches the model, keeping the page where the new model has its tab.
+TEST_F(SysFormTest, TabsAndModelButtonsActOnTheirClickAndTheCurrentOneNotAtAll) {
+    const auto press = [](ImageButton* b) { // the picture while pressed
+        QTest::mousePress(b, Qt::LeftButton);
+        const QString pressed = b->pictureName();
+        QTest::mouseRelease(b, Qt::LeftButton);
+        return pressed;
+    };
+    form->SetFormat(8);
+    form->ShowTab(1);
+    EXPECT_EQ(press(form->tabButton(1)), QStringLiteral("Img(21)"));
+    EXPECT_EQ(form->currentPage(), 4);
+    EXPECT_EQ(form->tabButton(1)->pictureName(), QStringLiteral("Img(41)"));
+    EXPECT_EQ(form->tabButton(0)->pictureName(), QStringLiteral("Img(0)"));
+    EXPECT_EQ(press(form->tabButton(1)), QStringLiteral("Img(41)"));
     form->SetFormat(10);
+    EXPECT_EQ(press(form->tabButton(2)), QStringLiteral("Img(2)"));
+    EXPECT_EQ(form->currentPage(), 4);
+
     form->ShowTab(14);
-    pressDragRelease(form->modeButton(3)); // GT-8 has no tab 11
+    press(form->modeButton(3)); // the GT-8 has no tab 11
     EXPECT_EQ(state.model, 8);
     EXPECT_EQ(form->currentPage(), 1);
-
     form->ShowTab(4);
-    pressDragRelease(form->modeButton(1)); // GT-5 has the MIDI tab
+    press(form->modeButton(1)); // the GT-5 has the MIDI tab
     EXPECT_EQ(state.model, 5);
     EXPECT_EQ(form->currentPage(), 4);
     EXPECT_EQ(form->windowTitle(), QStringLiteral("System: GT-5"));
-
-    // The current model's button changes nothing, not even its picture.
-    QTest::mousePress(form->modeButton(1), Qt::LeftButton);
-    EXPECT_EQ(form->modeButton(1)->pictureName(), QStringLiteral("mImg(21)"));
-    QTest::mouseRelease(form->modeButton(1), Qt::LeftButton);
-
-    // Dragged off: back to normal, no switch.
-    QTest::mousePress(form->modeButton(0), Qt::LeftButton);
-    EXPECT_EQ(form->modeButton(0)->pictureName(), QStringLiteral("mImg(10)"));
-    pressDragRelease(form->modeButton(0), QPoint(-300, 0));
-    EXPECT_EQ(form->modeButton(0)->pictureName(), QStringLiteral("mImg(0)"));
-    EXPECT_EQ(state.model, 5);
-}
-
-TEST_F(SysFormTest, CommandButtonPicturesFollowThePress) {
-    ImageButton* reload = form->commandButton(1);
-    QTest::mousePress(reload, Qt::LeftButton);
-    EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(9)"));
-    moveTo(reload, -75, 45); // dragged off
-    EXPECT_EQ(reload->pictureName(), QStringLiteral("CButton(5)"));
-    QTest::mouseRelease(reload, Qt::LeftButton);
-    EXPECT_EQ(host.reads, 43252) << "a dragged-off press does not reload";
+    EXPECT_EQ(press(form->modeButton(1)), QStringLiteral("mImg(21)"));
 }
 
 TEST_F(SysFormTest, CommitWritesEveryByteAndReloadRereadsTheHost) {

@@ -51,15 +51,18 @@ template <typename Start> End run(DeviceSession& session, Start start) {
 
 class SessionLoopback : public LoopbackMidi {
 protected:
-    std::unique_ptr<MainWindow> window(int model) {
+    // A window on the device's ports, named or remembered from the last start.
+    std::unique_ptr<MainWindow> window(int model, bool named = true, bool there = true) {
         HostOptions o = hostOptionsForTests(model);
         o.midiApi = QStringLiteral("alsa");
-        o.midiIn = QStringLiteral("dev out");
-        o.midiOut = QStringLiteral("dev in");
+        if (named) {
+            o.midiIn = QStringLiteral("dev out");
+            o.midiOut = QStringLiteral("dev in");
+        }
         auto w =
             std::make_unique<MainWindow>(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w->setAskSave([](const QString&) { return QMessageBox::Discard; });
-        EXPECT_TRUE(w->device().hasInput() && w->device().hasOutput())
+        EXPECT_EQ(w->device().hasInput() && w->device().hasOutput(), there)
             << qPrintable(w->portState());
         return w;
     }
@@ -347,10 +350,8 @@ TEST_F(SessionLoopback, RequestEditCompareSendChangesAndPortsThatAreRememberedOr
     // A second start remembers the ports. The first state of the history goes back to the
     // device once that is confirmed, and is not kept twice.
     {
-        HostOptions o = hostOptionsForTests(model);
-        o.midiApi = QStringLiteral("alsa");
-        MainWindow w(o, SystemDocument(model, Sysex::defaultHeader(model)));
-        EXPECT_TRUE(w.device().hasInput() && w.device().hasOutput()) << qPrintable(w.portState());
+        const auto remembered = window(model, false);
+        MainWindow& w = *remembered;
         const Snapshot first = w.history().snapshots().last();
         QStringList asked;
         w.setAskSendSnapshot([&](const QString& question) {
@@ -371,11 +372,7 @@ TEST_F(SessionLoopback, RequestEditCompareSendChangesAndPortsThatAreRememberedOr
 
     // With the device gone, a new window says so.
     device.reset();
-    HostOptions o = hostOptionsForTests(model);
-    o.midiApi = QStringLiteral("alsa");
-    MainWindow gone(o, SystemDocument(model, Sysex::defaultHeader(model)));
-    EXPECT_FALSE(gone.device().hasInput());
-    EXPECT_TRUE(gone.portState().contains("input port \"dev out") &&
-                gone.portState().contains("is not there"))
-        << qPrintable(gone.portState());
+    const QString gone = window(model, false, false)->portState();
+    EXPECT_TRUE(gone.contains("input port \"dev out") && gone.contains("is not there"))
+        << qPrintable(gone);
 }

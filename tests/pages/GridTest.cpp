@@ -117,50 +117,32 @@ TEST(Grid, TheMenuHoldsEveryCodeOnceUnderTheNoteItSounds) {
                              [](const auto& a) { return std::get<2>(a) == GridEditor::kFillIn; }));
 }
 
-// A choice writes the one byte of its cell (which parameter that is, the index's law says) and
-// the cell shows it, in every view and phrase of every model; the GT-8's two scale views share
-// scale 14.
-TEST(Grid, AChoiceWritesItsCellsByteInEveryViewAndPhrase) {
+TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     EditorFixture f;
     SystemImage& image = f.state.image;
-    cCheckRadio* list = f.form->pools().groups[ControlPools::kSelectorList];
     GridEditor* grid = f.form->grid();
-    for (int model : kModels)
-        for (int page : {5, 6}) {
-            if (std::ranges::count(pagesOf(model), page) == 0) continue;
-            f.open(model, page);
-            for (int view = 0; view < (page == 5 ? 2 : kPhraseCount); ++view) {
-                list->ClickOn(view);
-                for (int b : {0, 13, 31, 191}) {
-                    const int id = page == 6 && b == 31 ? GridEditor::kRepeat
-                                   : page == 6 && b == 191
-                                       ? GridEditor::kEnd
-                                       : GridEditor::kCodeBase + (b * 7 + view) % 49;
-                    SystemImage expected = image;
-                    expected.set(grid->cellAddress(b), id - GridEditor::kCodeBase);
-                    grid->cellClicked(b, {});
-                    grid->carryOut(id);
-                    EXPECT_TRUE(image == expected)
-                        << model << "/" << page << " " << view << " " << b;
-                    EXPECT_EQ(grid->cellText(b).trimmed(),
-                              StepText(id - GridEditor::kCodeBase, b / 16).trimmed());
-                }
-            }
-        }
+    cCheckRadio* list = f.form->pools().groups[ControlPools::kSelectorList];
+    // `fill` gives `expected`; one undo restores every byte and cell it changed, a redo redoes it.
+    const auto oneStep = [&](const SystemImage& expected, const auto& fill) {
+        const QByteArray before = image.toByteArray();
+        const QStringList cells = grid->cells();
+        fill();
+        EXPECT_TRUE(image == expected);
+        f.form->undo();
+        EXPECT_EQ(image.toByteArray(), before);
+        EXPECT_EQ(grid->cells(), cells);
+        f.form->redo();
+        EXPECT_TRUE(image == expected);
+    };
     f.open(8, 5);
+    // Which byte a cell writes is the parameter index's law (IndexPlacements); the GT-8's two
+    // scale views share scale 14.
     list->ClickOn(1);
     grid->cellClicked(0, {});
     grid->carryOut(GridEditor::kCodeBase + 40);
     list->ClickOn(0);
     EXPECT_EQ(grid->cellText(13), QStringLiteral("+E ^"));
-}
-
-TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
-    EditorFixture f;
-    SystemImage& image = f.state.image;
-    GridEditor* grid = f.form->grid();
-    f.open(8, 5);
-    f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(1);
+    list->ClickOn(1);
     // Scale 16 (view 1, column 2), C set to 28, then filled in.
     grid->cellClicked(2, {});
     grid->carryOut(GridEditor::kCodeBase + 28);
@@ -168,43 +150,27 @@ TEST(Grid, FillInAndAutoFillChangeExactlyTheirBytes) {
     const int start = 11511 + 156 + 2 * 12;
     for (int i = 1; i < 12; ++i)
         expected.set(start + i, 28);
-    const QByteArray beforeFill = image.toByteArray();
-    const QStringList cellsBeforeFill = grid->cells();
-    grid->cellClicked(2, {});
-    const QList<QAction*> checked = grid->menu()->findChildren<QAction*>();
-    EXPECT_EQ(std::count_if(checked.begin(), checked.end(),
-                            [](QAction* a) { return a->isChecked() && !a->menu(); }),
-              1)
-        << "the menu marks the cell's value";
-    // Chosen from the menu, as the user does: one undo step.
-    for (QAction* a : checked)
-        if (a->data().toInt() == GridEditor::kFillIn) a->trigger();
-    EXPECT_TRUE(image == expected);
+    oneStep(expected, [&] {
+        grid->cellClicked(2, {});
+        const QList<QAction*> checked = grid->menu()->findChildren<QAction*>();
+        EXPECT_EQ(std::count_if(checked.begin(), checked.end(),
+                                [](QAction* a) { return a->isChecked() && !a->menu(); }),
+                  1)
+            << "the menu marks the cell's value";
+        for (QAction* a : checked) // chosen from the menu, as the user does
+            if (a->data().toInt() == GridEditor::kFillIn) a->trigger();
+    });
     EXPECT_EQ(grid->cellText(2 * 16 + 2), QStringLiteral("+Gb")) << "the D row a major third up";
-    f.form->undo();
-    EXPECT_EQ(image.toByteArray(), beforeFill) << "undo restores every cell the fill-in changed";
-    EXPECT_EQ(grid->cells(), cellsBeforeFill);
-    f.form->redo();
-    EXPECT_TRUE(image == expected);
 
     f.open(6, 6);
-    f.form->pools().groups[ControlPools::kSelectorList]->ClickOn(4);
+    list->ClickOn(4);
     const int phrase = 8422 + 4 * 192;
     image.set(phrase, 24);
     expected.assign(image);
     for (int k = 1; k < 12; ++k)
         for (int s = 0; s < 16; ++s)
             expected.set(phrase + k * 16 + s, image.at(phrase + s));
-    const QByteArray beforeAutoFill = image.toByteArray();
-    const QStringList cellsBeforeAutoFill = grid->cells();
-    QTest::mouseClick(grid->autoFillButton(), Qt::LeftButton);
-    EXPECT_TRUE(image == expected);
-    f.form->undo();
-    EXPECT_EQ(image.toByteArray(), beforeAutoFill)
-        << "undo restores every phrase auto-fill changed";
-    EXPECT_EQ(grid->cells(), cellsBeforeAutoFill);
-    f.form->redo();
-    EXPECT_TRUE(image == expected);
+    oneStep(expected, [&] { QTest::mouseClick(grid->autoFillButton(), Qt::LeftButton); });
     for (int k = 0; k < 12; ++k)
         EXPECT_EQ(grid->cellText(k * 16), QLatin1Char(' ') + QString::fromLatin1(kFlats[k]));
 }

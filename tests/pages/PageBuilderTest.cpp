@@ -19,20 +19,19 @@ namespace {
 QStringList layout(SysForm& form) {
     QStringList out;
     ControlPools& p = form.pools();
+    const auto value = [&](const char* kind, const ValueControl* c) {
+        if (!c->isHidden())
+            out << QStringLiteral("%1 %2 %3 %4,%5")
+                       .arg(QLatin1String(kind))
+                       .arg(c->poolIndex())
+                       .arg(c->MemLoc())
+                       .arg(c->x())
+                       .arg(c->y());
+    };
     for (auto* k : p.knobs)
-        if (!k->isHidden())
-            out << QStringLiteral("knob %1 %2 %3,%4")
-                       .arg(k->poolIndex())
-                       .arg(k->MemLoc())
-                       .arg(k->x())
-                       .arg(k->y());
+        value("knob", k);
     for (auto* s : p.sliders)
-        if (!s->isHidden())
-            out << QStringLiteral("slider %1 %2 %3,%4")
-                       .arg(s->poolIndex())
-                       .arg(s->MemLoc())
-                       .arg(s->x())
-                       .arg(s->y());
+        value("slider", s);
     for (int g = 0; g < ControlPools::kGroups; ++g)
         if (p.groups[std::size_t(g)]->isVisible())
             out << QStringLiteral("group %1 %2").arg(g).arg(p.groups[std::size_t(g)]->TFormat());
@@ -177,7 +176,7 @@ TEST(PageBuilder, ExpressionPedalRangesFollowTheFunction) {
     EXPECT_EQ(p.knobs[0]->Max(), before);
 }
 
-TEST(PageBuilder, DeviceIdAndSwitchBitZero) {
+TEST(PageBuilder, TheDeviceIdIsShownAgainOnlyOnTheMidiPage) {
     EditorFixture f;
     ControlPools& p = f.form->pools();
     f.open(10, 4);
@@ -197,17 +196,6 @@ TEST(PageBuilder, DeviceIdAndSwitchBitZero) {
     f.state.image.set(10431, 3);
     f.form->UpdateDeviceID();
     EXPECT_EQ(p.knobs[7]->Value(), v);
-
-    // A switch whose byte holds 2 (bit 0 clear) stores 1; 3 stores 0.
-    f.open(3, 4);
-    for (const auto& [stored, after] :
-         std::vector<std::pair<int, int>>{{2, 1}, {3, 0}, {0, 1}, {1, 0}}) {
-        f.state.image.set(15, stored);
-        f.rebuild(4);
-        QTest::mouseClick(p.onOff[0], Qt::LeftButton);
-        EXPECT_EQ(f.state.image.at(15), after) << stored;
-        EXPECT_EQ(p.onOff[0]->property("picture").toInt(), 10 + after);
-    }
 }
 
 TEST(PageBuilder, HoverRectangleEdgesAndRightClickHelp) {

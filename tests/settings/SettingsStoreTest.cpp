@@ -31,30 +31,23 @@ TEST(SettingsStore, AMissingKeyReadsNothingAndIsNeverCreated) {
 
 TEST(SettingsStore, ValuesRoundTripWithTheirType) {
     ASSERT_TRUE(RegCreateKey(RegRoot::LocalMachine, kKey));
-    EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("SysLastDisp6"), 266));
-    QVariant v = 0;
-    EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("SysLastDisp6"), v));
-    EXPECT_EQ(v.typeId(), QMetaType::Int);
-    EXPECT_EQ(v.toInt(), 266);
-
-    EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Neg"), -1));
-    EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Neg"), v));
-    EXPECT_EQ(v.toInt(), -1);
-
-    EXPECT_TRUE(
-        RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Text"), QStringLiteral("a b=c;d")));
+    const std::pair<const char*, QVariant> values[] = {
+        {"SysLastDisp6", 266}, {"Neg", -1}, {"Text", QStringLiteral("a b=c;d")}};
+    for (const auto& [name, value] : values) {
+        EXPECT_TRUE(RegWrite(RegRoot::LocalMachine, kKey, QLatin1String(name), value));
+        QVariant back(value.metaType()); // the type the caller asks for
+        EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QLatin1String(name), back));
+        EXPECT_EQ(back, value) << name;
+        EXPECT_EQ(back.typeId(), value.typeId()) << name;
+    }
     QVariant s = QString();
-    EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Text"), s));
-    EXPECT_EQ(s.typeId(), QMetaType::QString);
-    EXPECT_EQ(s.toString(), QStringLiteral("a b=c;d"));
-
     EXPECT_TRUE(
         RegWrite(RegRoot::LocalMachine, kKey, QStringLiteral("Bin"), QStringLiteral("xyz"), true));
     EXPECT_TRUE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("Bin"), s));
     EXPECT_EQ(s.toString(), QStringLiteral("xyz"));
 
     // An unknown name in an existing key fails and leaves the caller's default to apply.
-    v = 12;
+    QVariant v = 12;
     EXPECT_FALSE(RegRead(RegRoot::LocalMachine, kKey, QStringLiteral("ColourSchemeX2"), v));
     EXPECT_EQ(v.toInt(), 0);
     // Another root is another key.

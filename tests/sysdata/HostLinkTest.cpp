@@ -13,8 +13,7 @@ TEST(HostLink, ReadsPropertiesAndCallsMethodsByName) {
     host.image[42] = char(200);
     HostLink link;
     link.setHost(&host);
-    EXPECT_EQ(link.property("FontName").toString(), QStringLiteral("DejaVu Serif"));
-    EXPECT_TRUE(link.propertyBool("FontItalic"));
+    EXPECT_TRUE(link.propertyBool("FontItalic")); // the font's values, PlugInTest's
     EXPECT_EQ(link.sysData(42), 200);
     // Overloads are told apart by their argument count.
     link.call("SysData", {42, 17});
@@ -36,13 +35,6 @@ TEST(HostLink, ErrorsNameTheMember) {
               }).find("ValueText"),
               std::string::npos)
         << "a call with the wrong number of arguments finds no member";
-    // A value that does not convert.
-    host.overrides.push_back({7, QStringLiteral("seven")});
-    host.overrides.push_back({8, 256});
-    host.overrides.push_back({9, -1});
-    EXPECT_NE(errorOf([&] { link.sysData(7); }).find("SysData(7)"), std::string::npos);
-    EXPECT_NE(errorOf([&] { link.sysData(8); }).find("SysData(8)"), std::string::npos);
-    EXPECT_NE(errorOf([&] { link.sysData(9); }).find("SysData(9)"), std::string::npos);
     EXPECT_NE(errorOf([&] { link.call("SysData", {QStringLiteral("x")}); }).find("SysData"),
               std::string::npos);
 }
