@@ -878,15 +878,9 @@ bool MainWindow::compareWithFile(const QString& path) {
 
 bool MainWindow::compareWithSnapshot(const QString& path) {
     Snapshot s;
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    const std::optional<SystemDocument> snapshot =
+        loadSnapshotOfModel(path, &s, QStringLiteral("not compared"));
     if (!snapshot) return false;
-    if (s.model != document_.model()) {
-        say(QStringLiteral("not compared: the snapshot holds GT-%1 system data and the window "
-                           "edits the GT-%2")
-                .arg(s.model)
-                .arg(document_.model()));
-        return false;
-    }
     const QString name = QStringLiteral("%1 %2").arg(Snapshot::kindName(s.kind), s.localTime());
     showCompared(snapshot->image(), name, QStringLiteral("the snapshot %1").arg(name));
     return true;
@@ -1124,6 +1118,23 @@ std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snap
     return doc;
 }
 
+std::optional<SystemDocument> MainWindow::loadSnapshotOfModel(const QString& path,
+                                                              Snapshot* snapshot,
+                                                              const QString& refused,
+                                                              const QString& hint) {
+    std::optional<SystemDocument> doc = loadSnapshot(path, snapshot);
+    if (doc && snapshot->model != document_.model()) {
+        say(QStringLiteral("%1: the snapshot holds GT-%2 system data and the window edits the "
+                           "GT-%3%4")
+                .arg(refused)
+                .arg(snapshot->model)
+                .arg(document_.model())
+                .arg(hint.isEmpty() ? hint : hint.arg(snapshot->model)));
+        doc.reset();
+    }
+    return doc;
+}
+
 bool MainWindow::openSnapshot(const QString& path) {
     if (!maybeSave()) return false;
     Snapshot s;
@@ -1144,15 +1155,10 @@ bool MainWindow::openSnapshot(const QString& path) {
 
 bool MainWindow::sendSnapshot(const QString& path) {
     Snapshot s;
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    const std::optional<SystemDocument> snapshot =
+        loadSnapshotOfModel(path, &s, QStringLiteral("not sent"),
+                            QStringLiteral(" (choose the GT-%1 in the Model box first)"));
     if (!snapshot) return false;
-    if (s.model != document_.model()) {
-        say(QStringLiteral("not sent: the snapshot holds GT-%1 system data and the window edits "
-                           "the GT-%2 (choose the GT-%1 in the Model box first)")
-                .arg(s.model)
-                .arg(document_.model()));
-        return false;
-    }
     if (!askSendSnapshot_(QStringLiteral("Send the GT-%1 system data %2 on %3 to the device?\n\n"
                                          "It replaces all of the device's system settings.")
                               .arg(s.model)
