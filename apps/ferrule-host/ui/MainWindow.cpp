@@ -559,29 +559,21 @@ QString MainWindow::deviceStateText() const {
     using Kind = DeviceSession::Knowledge::Kind;
     const DeviceSession::Knowledge& k = device_.knowledge();
     const QString at = k.at.toString(QStringLiteral("HH:mm:ss"));
+    const bool same = k.image == document_.image();
+    const QString data = same ? QStringLiteral("this") : QStringLiteral("other");
     QString text;
     if (k.kind == Kind::Received)
-        text = k.image == document_.image()
-                   ? QStringLiteral("holds this data (read from it at %1)").arg(at)
-                   : QStringLiteral("holds other data (read from it at %1): Send Changes sends "
-                                    "the difference")
-                         .arg(at);
+        text = QStringLiteral("holds %1 data (read from it at %2)").arg(data, at);
     else if (k.kind == Kind::Verified)
-        text = k.image == document_.image()
-                   ? QStringLiteral("holds this data (sent and verified at %1)").arg(at)
-                   : QStringLiteral("holds other data (sent and verified at %1): Send Changes "
-                                    "sends the difference")
-                         .arg(at);
+        text = QStringLiteral("holds %1 data (sent and verified at %2)").arg(data, at);
     else if (k.kind == Kind::Sent)
-        text = k.image == document_.image()
-                   ? QStringLiteral("was sent this data at %1; not read back").arg(at)
-                   : QStringLiteral("was sent other data at %1; not read back: Send Changes "
-                                    "sends the difference")
-                         .arg(at);
-    else if (!k.why.isEmpty())
-        text = QStringLiteral("not known: %1").arg(k.why);
-    else
-        text = QStringLiteral("not known yet: nothing received from or sent to it in this run");
+        text = QStringLiteral("was sent %1 data at %2; not read back").arg(data, at);
+    if (!text.isEmpty() && !same) text += QStringLiteral(": Send Changes sends the difference");
+    if (text.isEmpty())
+        text =
+            k.why.isEmpty()
+                ? QStringLiteral("not known yet: nothing received from or sent to it in this run")
+                : QStringLiteral("not known: %1").arg(k.why);
     if (!device_.linkProblem().isEmpty())
         text = k.kind == Kind::Unknown
                    ? QStringLiteral("not reachable: %1; what it holds is not known")
