@@ -27,6 +27,13 @@ const int kRow = twipsToPx(360);
 const int kCellWidth = twipsToPx(495);
 const int kCellHeight = twipsToPx(330);
 
+template <std::size_t N> QStringList textsOf(const std::array<QLabel*, N>& labels) {
+    QStringList texts;
+    for (const QLabel* label : labels)
+        texts << label->text();
+    return texts;
+}
+
 QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
     auto* w = new QWidget(parent);
     w->setGeometry(r);
@@ -302,18 +309,12 @@ QWidget* GridEditor::cellsWidget() const {
 
 QStringList GridEditor::columnHeadings() const {
     ensureBuilt();
-    QStringList out;
-    for (const QLabel* l : stepLabels_)
-        out << l->text();
-    return out;
+    return textsOf(stepLabels_);
 }
 
 QStringList GridEditor::rowHeadings() const {
     ensureBuilt();
-    QStringList out;
-    for (const QLabel* l : keyLabels_)
-        out << l->text();
-    return out;
+    return textsOf(keyLabels_);
 }
 
 } // namespace ferrule
