@@ -871,7 +871,7 @@ bool MainWindow::compareWithFile(const QString& path) {
 bool MainWindow::compareWithSnapshot(const QString& path) {
     Snapshot s;
     const std::optional<SystemDocument> snapshot =
-        loadSnapshotOfModel(path, &s, QStringLiteral("not compared"));
+        loadSnapshot(path, &s, QStringLiteral("not compared"));
     if (!snapshot) return false;
     const QString name = QStringLiteral("%1 %2").arg(Snapshot::kindName(s.kind), s.localTime());
     showCompared(snapshot->image(), name, QStringLiteral("the snapshot %1").arg(name));
@@ -1096,7 +1096,9 @@ QString MainWindow::recordSnapshot() {
     return error.isEmpty() ? QString() : QStringLiteral("; not kept in the history: %1").arg(error);
 }
 
-std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot) {
+std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot,
+                                                       const QString& refused,
+                                                       const QString& hint) {
     QString error = QStringLiteral("%1 is not a snapshot of the history").arg(path);
     std::optional<SystemDocument> doc;
     if (const std::optional<Snapshot> s = History::of(path)) {
@@ -1106,16 +1108,7 @@ std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snap
     if (!doc) {
         say(error);
         QMessageBox::warning(this, kTitle, error);
-    }
-    return doc;
-}
-
-std::optional<SystemDocument> MainWindow::loadSnapshotOfModel(const QString& path,
-                                                              Snapshot* snapshot,
-                                                              const QString& refused,
-                                                              const QString& hint) {
-    std::optional<SystemDocument> doc = loadSnapshot(path, snapshot);
-    if (doc && snapshot->model != document_.model()) {
+    } else if (!refused.isEmpty() && snapshot->model != document_.model()) {
         say(QStringLiteral("%1: the snapshot holds GT-%2 system data and the window edits the "
                            "GT-%3%4")
                 .arg(refused)
@@ -1148,8 +1141,8 @@ bool MainWindow::openSnapshot(const QString& path) {
 bool MainWindow::sendSnapshot(const QString& path) {
     Snapshot s;
     const std::optional<SystemDocument> snapshot =
-        loadSnapshotOfModel(path, &s, QStringLiteral("not sent"),
-                            QStringLiteral(" (choose the GT-%1 in the Model box first)"));
+        loadSnapshot(path, &s, QStringLiteral("not sent"),
+                     QStringLiteral(" (choose the GT-%1 in the Model box first)"));
     if (!snapshot) return false;
     if (!askSendSnapshot_(QStringLiteral("Send the GT-%1 system data %2 on %3 to the device?\n\n"
                                          "It replaces all of the device's system settings.")
