@@ -11,22 +11,6 @@ host="$build/bin/ferrule-host"
 us() { local s e; s=$(date +%s%N); "$@" >/dev/null 2>&1; e=$(date +%s%N); echo $(( (e - s) / 1000 )); }
 # The median of the numbers on standard input.
 median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
-# Measured processes run at nice -5 when allowed.
-prio=()
-[ "$(nice -n -5 nice 2>/dev/null)" = "$(($(nice) - 5))" ] && prio=(nice -n -5)
-# Wall time and CPU time (user and system, microseconds) and peak RSS (kilobytes) of one run.
-# The CPU time hardly depends on how busy the machine is; the wall time does.
-measure() {
-    python3 -c '
-import resource, subprocess, sys, time
-cpu = lambda r: r.ru_utime + r.ru_stime
-before = resource.getrusage(resource.RUSAGE_CHILDREN)
-start = time.monotonic_ns()
-subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-wall = (time.monotonic_ns() - start) // 1000
-after = resource.getrusage(resource.RUSAGE_CHILDREN)
-print(wall, int((cpu(after) - cpu(before)) * 1e6), after.ru_maxrss)' "${prio[@]}" "$@"
-}
 # For each model: the whole-process wall time of ferrule-host with OPTION_A FILE_A against
 # OPTION_B FILE_B (files in the private folder), runs alternating after a warm-up, medians and
 # their ratio. Usage: race_per_model OPTION_A FILE_A OPTION_B FILE_B
@@ -43,4 +27,20 @@ race_per_model() {
         awk -v n="$model" -v a="$a" -v b="$b" -v ma="$ma" -v mb="$mb" -v r="$runs" \
             'BEGIN { printf "GT-%s: %s %.1f ms, %s %.1f ms, ratio %.2f (medians of %d)\n", n, a, ma/1000, b, mb/1000, ma/mb, r }'
     done
+}
+# Measured processes run at nice -5 when allowed.
+prio=()
+[ "$(nice -n -5 nice 2>/dev/null)" = "$(($(nice) - 5))" ] && prio=(nice -n -5)
+# Wall time and CPU time (user and system, microseconds) and peak RSS (kilobytes) of one run.
+# The CPU time hardly depends on how busy the machine is; the wall time does.
+measure() {
+    python3 -c '
+import resource, subprocess, sys, time
+cpu = lambda r: r.ru_utime + r.ru_stime
+before = resource.getrusage(resource.RUSAGE_CHILDREN)
+start = time.monotonic_ns()
+subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+wall = (time.monotonic_ns() - start) // 1000
+after = resource.getrusage(resource.RUSAGE_CHILDREN)
+print(wall, int((cpu(after) - cpu(before)) * 1e6), after.ru_maxrss)' "${prio[@]}" "$@"
 }
