@@ -5,14 +5,4 @@
 set -euo pipefail
 # shellcheck source=process_common.sh
 source "$(dirname "$0")/process_common.sh"
-for model in 3 5 6 8 10; do
-    : >"$root/export" ; : >"$root/shot"
-    "$host" --model "$model" --export "$root/x.syx" >/dev/null # warm-up
-    for _ in $(seq "$runs"); do
-        us "$host" --model "$model" --export "$root/x.syx" >>"$root/export"
-        us "$host" --model "$model" --screenshot "$root/x.png" >>"$root/shot"
-    done
-    e=$(median <"$root/export"); s=$(median <"$root/shot")
-    awk -v m="$model" -v e="$e" -v s="$s" -v n="$runs" \
-        'BEGIN { printf "GT-%s: --export %.1f ms, --screenshot %.1f ms, ratio %.2f (medians of %d)\n", m, e/1000, s/1000, e/s, n }'
-done
+race_per_model --export x.syx --screenshot x.png

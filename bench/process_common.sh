@@ -11,6 +11,23 @@ host="$build/bin/ferrule-host"
 us() { local s e; s=$(date +%s%N); "$@" >/dev/null 2>&1; e=$(date +%s%N); echo $(( (e - s) / 1000 )); }
 # The median of the numbers on standard input.
 median() { sort -n | awk '{a[NR]=$1} END {print a[int((NR+1)/2)]}'; }
+# For each model: the whole-process wall time of ferrule-host with OPTION_A FILE_A against
+# OPTION_B FILE_B (files in the private folder), runs alternating after a warm-up, medians and
+# their ratio. Usage: race_per_model OPTION_A FILE_A OPTION_B FILE_B
+race_per_model() {
+    local a=$1 fa=$2 b=$3 fb=$4 model ma mb
+    for model in 3 5 6 8 10; do
+        : >"$root/a"; : >"$root/b"
+        "$host" --model "$model" "$a" "$root/$fa" >/dev/null 2>&1 # warm-up
+        for _ in $(seq "$runs"); do
+            us "$host" --model "$model" "$a" "$root/$fa" >>"$root/a"
+            us "$host" --model "$model" "$b" "$root/$fb" >>"$root/b"
+        done
+        ma=$(median <"$root/a"); mb=$(median <"$root/b")
+        awk -v n="$model" -v a="$a" -v b="$b" -v ma="$ma" -v mb="$mb" -v r="$runs" \
+            'BEGIN { printf "GT-%s: %s %.1f ms, %s %.1f ms, ratio %.2f (medians of %d)\n", n, a, ma/1000, b, mb/1000, ma/mb, r }'
+    done
+}
 # Measured processes run at nice -5 when allowed.
 prio=()
 [ "$(nice -n -5 nice 2>/dev/null)" = "$(($(nice) - 5))" ] && prio=(nice -n -5)

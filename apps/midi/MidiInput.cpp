@@ -1,7 +1,5 @@
 #include "MidiInput.h"
 
-#include "MidiModule.h"
-
 #include <QSocketNotifier>
 
 #include <cstdint>
@@ -17,17 +15,20 @@ constexpr std::size_t kRingBytes = 1 << 20;
 
 MidiInput::MidiInput(QObject* parent)
     : QObject(parent)
+    , MidiEndpoint(&MidiInput::receive, this)
     , ring_(kRingBytes) {
     wakeFd_ = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
-    if (wakeFd_ >= 0) {
-        notifier_ = new QSocketNotifier(wakeFd_, QSocketNotifier::Read, this);
-        connect(notifier_, &QSocketNotifier::activated, this, &MidiInput::drain);
+    if (wakeFd_ < 0) {
+        refuseOpening(QStringLiteral("cannot create an eventfd for MIDI input"));
+        return;
     }
+    notifier_ = new QSocketNotifier(wakeFd_, QSocketNotifier::Read, this);
+    connect(notifier_, &QSocketNotifier::activated, this, &MidiInput::drain);
 }
 
 MidiInput::~MidiInput() {
     // Close the port before the ring and the eventfd go away: no callback runs after this.
-    port_.reset();
+    close();
     if (wakeFd_ >= 0) ::close(wakeFd_);
 }
 
@@ -48,46 +49,6 @@ void MidiInput::drain() {
     QByteArray message;
     while (ring_.pop(message))
         emit messageReceived(message);
-}
-
-bool MidiInput::openPort(MidiPortRequest request, QString* error) {
-    if (wakeFd_ < 0) {
-        if (error) *error = QStringLiteral("cannot create an eventfd for MIDI input");
-        return false;
-    }
-    request.input = true;
-    request.receiver = &MidiInput::receive;
-    request.context = this;
-    port_ = openMidiPort(request, error);
-    if (!port_) return false;
-    portName_ = port_->name();
-    return true;
-}
-
-bool MidiInput::open(MidiApi api, const QString& clientName, const QString& nameOrNumber,
-                     QString* error) {
-    MidiPortRequest request(api, clientName, clientName + QStringLiteral(" in"));
-    request.peer = nameOrNumber;
-    return openPort(request, error);
-}
-
-bool MidiInput::openVirtual(MidiApi api, const QString& clientName, const QString& portName,
-                            QString* error) {
-    MidiPortRequest request(api, clientName, portName);
-    request.own = true;
-    return openPort(request, error);
-}
-
-bool MidiInput::linked(QString* why) const {
-    if (!isOpen()) {
-        if (why) *why = QStringLiteral("the MIDI input port is not open");
-        return false;
-    }
-    return port_->linked(why);
-}
-
-bool MidiInput::isOpen() const {
-    return port_ != nullptr;
 }
 
 } // namespace ferrule

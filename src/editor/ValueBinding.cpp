@@ -32,23 +32,20 @@ void ValueBinding::guarded(const std::function<void()>& action) {
     ReportErrors(action, reportError_);
 }
 
+void ValueBinding::connectValueControl(ValueControl* control, int index,
+                                       void (ValueBinding::*changed)(int index, int value)) {
+    connect(control, &ValueControl::Change, this,
+            [this, index, changed](int v) { guarded([=, this] { (this->*changed)(index, v); }); });
+    connect(control, &ValueControl::failed, this, [this](const QString& m) { reportError_(m); });
+    connect(control, &ValueControl::gestureStarted, &history_, &EditHistory::begin);
+    connect(control, &ValueControl::gestureFinished, &history_, &EditHistory::end);
+}
+
 void ValueBinding::connectControls() {
-    for (int i = 0; i < ControlPools::kKnobs; ++i) {
-        RKnob* k = pools_.knobs[std::size_t(i)];
-        connect(k, &RKnob::Change, this,
-                [this, i](int v) { guarded([=, this] { knobChanged(i, v); }); });
-        connect(k, &RKnob::failed, this, [this](const QString& m) { reportError_(m); });
-        connect(k, &ValueControl::gestureStarted, &history_, &EditHistory::begin);
-        connect(k, &ValueControl::gestureFinished, &history_, &EditHistory::end);
-    }
-    for (int i = 0; i < ControlPools::kSliders; ++i) {
-        VSlider* s = pools_.sliders[std::size_t(i)];
-        connect(s, &VSlider::Change, this,
-                [this, i](int v) { guarded([=, this] { sliderChanged(i, v); }); });
-        connect(s, &VSlider::failed, this, [this](const QString& m) { reportError_(m); });
-        connect(s, &ValueControl::gestureStarted, &history_, &EditHistory::begin);
-        connect(s, &ValueControl::gestureFinished, &history_, &EditHistory::end);
-    }
+    for (int i = 0; i < ControlPools::kKnobs; ++i)
+        connectValueControl(pools_.knobs[std::size_t(i)], i, &ValueBinding::knobChanged);
+    for (int i = 0; i < ControlPools::kSliders; ++i)
+        connectValueControl(pools_.sliders[std::size_t(i)], i, &ValueBinding::sliderChanged);
     for (int i = 0; i < ControlPools::kSwitches; ++i)
         pools_.onOff[std::size_t(i)]->installEventFilter(this);
 }

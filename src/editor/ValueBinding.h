@@ -11,6 +11,7 @@ struct PageViews;
 class ControlPools;
 class PageBuilder;
 class EditHistory;
+class ValueControl;
 
 // Writes every user change of a bound control into the system data image the moment it is
 // made: knobs and sliders (one byte, or two 7-bit bytes at the GT-10's double-byte addresses),
@@ -42,6 +43,10 @@ protected:
 
 private:
     void guarded(const std::function<void()>& action);
+    // Connects knob or slider `index`: its changes to `changed`, its failures to the report, its
+    // gestures to the history.
+    void connectValueControl(ValueControl* control, int index,
+                             void (ValueBinding::*changed)(int index, int value));
 
     ModuleState& state_;
     ControlPools& pools_;

@@ -25,6 +25,23 @@ constexpr GroupDesign kGroupDesign[] = {
     {"CheckRadio3a", 7, 16, 3, 8}, {"CheckRadio4a", 6, 12, 4, 6}, {"CheckRadio4b", 8, 19, 4, 9},
 };
 
+// A pool of knobs or sliders, each after its caption label (named `labelName` with the
+// index, in `labelSize` points).
+template <class Control, std::size_t N>
+void makeValueControls(QWidget* pageArea, const QString& labelName, int labelSize,
+                       const HostFontSettings& font, const ValueTextSource& valueText,
+                       std::array<Control*, N>& controls, std::array<QLabel*, N>& labels) {
+    for (std::size_t i = 0; i < N; ++i) {
+        labels[i] = makeCaptionLabel(pageArea, labelName.arg(i), labelSize, false);
+        labels[i]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+        auto* control = new Control(int(i), pageArea);
+        control->setValueTextSource(valueText);
+        control->applyHostFont(font);
+        control->hide();
+        controls[i] = control;
+    }
+}
+
 } // namespace
 
 QLabel* ControlPools::makeGlyph(QWidget* parent, const QString& name) {
@@ -51,26 +68,10 @@ ControlPools::ControlPools(QWidget* pageArea, const HostFontSettings& font,
     for (int i = 0; i < kHeadings; ++i)
         tabLabels[std::size_t(i)] =
             makeCaptionLabel(pageArea, QStringLiteral("TabLabel%1").arg(i), 12, true);
-    for (int i = 0; i < kKnobs; ++i) {
-        knobLabels[std::size_t(i)] =
-            makeCaptionLabel(pageArea, QStringLiteral("KnobLabel%1").arg(i), 10, false);
-        knobLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-        auto* k = new RKnob(i, pageArea);
-        k->setValueTextSource(valueText);
-        k->applyHostFont(font);
-        k->hide();
-        knobs[std::size_t(i)] = k;
-    }
-    for (int i = 0; i < kSliders; ++i) {
-        sliderLabels[std::size_t(i)] =
-            makeCaptionLabel(pageArea, QStringLiteral("SliderLabel%1").arg(i), 11, false);
-        sliderLabels[std::size_t(i)]->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-        auto* s = new VSlider(i, pageArea);
-        s->setValueTextSource(valueText);
-        s->applyHostFont(font);
-        s->hide();
-        sliders[std::size_t(i)] = s;
-    }
+    makeValueControls(pageArea, QStringLiteral("KnobLabel%1"), 10, font, valueText, knobs,
+                      knobLabels);
+    makeValueControls(pageArea, QStringLiteral("SliderLabel%1"), 11, font, valueText, sliders,
+                      sliderLabels);
     for (int i : {0, 1, 2, 3, 10, 11}) {
         auto* sw = new QLabel(pageArea);
         sw->setObjectName(QStringLiteral("OnOff%1").arg(i));

@@ -27,6 +27,13 @@ const int kRow = twipsToPx(360);
 const int kCellWidth = twipsToPx(495);
 const int kCellHeight = twipsToPx(330);
 
+template <std::size_t N> QStringList textsOf(const std::array<QLabel*, N>& labels) {
+    QStringList texts;
+    for (const QLabel* label : labels)
+        texts << label->text();
+    return texts;
+}
+
 QWidget* band(QWidget* parent, const QRect& r, const QColor& colour) {
     auto* w = new QWidget(parent);
     w->setGeometry(r);
@@ -114,21 +121,15 @@ void GridEditor::edit(const std::function<void()>& action) {
     emit editFinished();
 }
 
-void GridEditor::showCommon(bool visible) {
-    cells_->setVisible(visible);
-}
-
-void GridEditor::ShowHarmonistGrid(bool visible) {
+bool GridEditor::showGrid(int page, bool visible, const QString& firstStep, int first) {
     if (!visible && !built()) {
-        page_ = page_ == 5 ? 0 : page_;
-        return;
+        page_ = page_ == page ? 0 : page_;
+        return false;
     }
     ensureBuilt();
-    showCommon(visible);
+    cells_->setVisible(visible);
     if (visible) {
-        const int view = selector_.Selected();
-        const int first = view * 13 + 1;
-        stepLabels_[0]->setText(view == 0 ? QStringLiteral("Scale 1 ") : QStringLiteral("14 "));
+        stepLabels_[0]->setText(firstStep);
         for (int i = 1; i < 16; ++i)
             stepLabels_[std::size_t(i)]->setText(QLatin1Char(' ') + QString::number(first + i));
     }
@@ -136,6 +137,15 @@ void GridEditor::ShowHarmonistGrid(bool visible) {
         l->setVisible(visible);
     for (QLabel* l : keyLabels_)
         l->setVisible(visible);
+    page_ = visible ? page : (page_ == page ? 0 : page_);
+    return true;
+}
+
+void GridEditor::ShowHarmonistGrid(bool visible) {
+    const int view = selector_.Selected();
+    if (!showGrid(5, visible, view == 0 ? QStringLiteral("Scale 1 ") : QStringLiteral("14 "),
+                  view * 13 + 1))
+        return;
     for (int i = 0; i <= 10; ++i)
         shapes_[std::size_t(i)]->hide();
     shapes_[11]->setVisible(visible);
@@ -143,32 +153,16 @@ void GridEditor::ShowHarmonistGrid(bool visible) {
     for (int i = 1; i <= 12; ++i)
         lines_[std::size_t(i)]->hide();
     autoFill_->hide();
-    page_ = visible ? 5 : (page_ == 5 ? 0 : page_);
     if (visible) giveHeadings();
 }
 
 void GridEditor::ShowPhraseGrid(bool visible) {
-    if (!visible && !built()) {
-        page_ = page_ == 6 ? 0 : page_;
-        return;
-    }
-    ensureBuilt();
-    showCommon(visible);
-    if (visible) {
-        stepLabels_[0]->setText(QStringLiteral("Step 1 "));
-        for (int i = 1; i < 16; ++i)
-            stepLabels_[std::size_t(i)]->setText(QLatin1Char(' ') + QString::number(i + 1));
-    }
-    for (QLabel* l : stepLabels_)
-        l->setVisible(visible);
-    for (QLabel* l : keyLabels_)
-        l->setVisible(visible);
+    if (!showGrid(6, visible, QStringLiteral("Step 1 "), 1)) return;
     for (QWidget* s : shapes_)
         s->setVisible(visible);
     for (QWidget* l : lines_)
         l->setVisible(visible);
     autoFill_->setVisible(visible);
-    page_ = visible ? 6 : (page_ == 6 ? 0 : page_);
     if (visible) giveHeadings();
 }
 
@@ -302,18 +296,12 @@ QWidget* GridEditor::cellsWidget() const {
 
 QStringList GridEditor::columnHeadings() const {
     ensureBuilt();
-    QStringList out;
-    for (const QLabel* l : stepLabels_)
-        out << l->text();
-    return out;
+    return textsOf(stepLabels_);
 }
 
 QStringList GridEditor::rowHeadings() const {
     ensureBuilt();
-    QStringList out;
-    for (const QLabel* l : keyLabels_)
-        out << l->text();
-    return out;
+    return textsOf(keyLabels_);
 }
 
 } // namespace ferrule

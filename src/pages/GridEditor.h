@@ -89,7 +89,10 @@ private:
     void build(QWidget* pageArea);
     bool built() const { return cells_ != nullptr; }
     void ensureBuilt() const;
-    void showCommon(bool visible);
+    // Shows or hides what both grids have, for page `page`: the cells, the row headings and the
+    // column headings, `firstStep` then `first` + 1 to `first` + 15. False when hiding a grid
+    // that was never built.
+    bool showGrid(int page, bool visible, const QString& firstStep, int first);
     void giveHeadings();
     void guarded(const std::function<void()>& action);
     // Carries out a user's change of the image as one edit.

@@ -559,29 +559,21 @@ QString MainWindow::deviceStateText() const {
     using Kind = DeviceSession::Knowledge::Kind;
     const DeviceSession::Knowledge& k = device_.knowledge();
     const QString at = k.at.toString(QStringLiteral("HH:mm:ss"));
+    const bool same = k.image == document_.image();
+    const QString data = same ? QStringLiteral("this") : QStringLiteral("other");
     QString text;
     if (k.kind == Kind::Received)
-        text = k.image == document_.image()
-                   ? QStringLiteral("holds this data (read from it at %1)").arg(at)
-                   : QStringLiteral("holds other data (read from it at %1): Send Changes sends "
-                                    "the difference")
-                         .arg(at);
+        text = QStringLiteral("holds %1 data (read from it at %2)").arg(data, at);
     else if (k.kind == Kind::Verified)
-        text = k.image == document_.image()
-                   ? QStringLiteral("holds this data (sent and verified at %1)").arg(at)
-                   : QStringLiteral("holds other data (sent and verified at %1): Send Changes "
-                                    "sends the difference")
-                         .arg(at);
+        text = QStringLiteral("holds %1 data (sent and verified at %2)").arg(data, at);
     else if (k.kind == Kind::Sent)
-        text = k.image == document_.image()
-                   ? QStringLiteral("was sent this data at %1; not read back").arg(at)
-                   : QStringLiteral("was sent other data at %1; not read back: Send Changes "
-                                    "sends the difference")
-                         .arg(at);
-    else if (!k.why.isEmpty())
-        text = QStringLiteral("not known: %1").arg(k.why);
-    else
-        text = QStringLiteral("not known yet: nothing received from or sent to it in this run");
+        text = QStringLiteral("was sent %1 data at %2; not read back").arg(data, at);
+    if (!text.isEmpty() && !same) text += QStringLiteral(": Send Changes sends the difference");
+    if (text.isEmpty())
+        text =
+            k.why.isEmpty()
+                ? QStringLiteral("not known yet: nothing received from or sent to it in this run")
+                : QStringLiteral("not known: %1").arg(k.why);
     if (!device_.linkProblem().isEmpty())
         text = k.kind == Kind::Unknown
                    ? QStringLiteral("not reachable: %1; what it holds is not known")
@@ -878,15 +870,9 @@ bool MainWindow::compareWithFile(const QString& path) {
 
 bool MainWindow::compareWithSnapshot(const QString& path) {
     Snapshot s;
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    const std::optional<SystemDocument> snapshot =
+        loadSnapshot(path, &s, QStringLiteral("not compared"));
     if (!snapshot) return false;
-    if (s.model != document_.model()) {
-        say(QStringLiteral("not compared: the snapshot holds GT-%1 system data and the window "
-                           "edits the GT-%2")
-                .arg(s.model)
-                .arg(document_.model()));
-        return false;
-    }
     const QString name = QStringLiteral("%1 %2").arg(Snapshot::kindName(s.kind), s.localTime());
     showCompared(snapshot->image(), name, QStringLiteral("the snapshot %1").arg(name));
     return true;
@@ -1110,7 +1096,9 @@ QString MainWindow::recordSnapshot() {
     return error.isEmpty() ? QString() : QStringLiteral("; not kept in the history: %1").arg(error);
 }
 
-std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot) {
+std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snapshot* snapshot,
+                                                       const QString& refused,
+                                                       const QString& hint) {
     QString error = QStringLiteral("%1 is not a snapshot of the history").arg(path);
     std::optional<SystemDocument> doc;
     if (const std::optional<Snapshot> s = History::of(path)) {
@@ -1120,6 +1108,14 @@ std::optional<SystemDocument> MainWindow::loadSnapshot(const QString& path, Snap
     if (!doc) {
         say(error);
         QMessageBox::warning(this, kTitle, error);
+    } else if (!refused.isEmpty() && snapshot->model != document_.model()) {
+        say(QStringLiteral("%1: the snapshot holds GT-%2 system data and the window edits the "
+                           "GT-%3%4")
+                .arg(refused)
+                .arg(snapshot->model)
+                .arg(document_.model())
+                .arg(hint.isEmpty() ? hint : hint.arg(snapshot->model)));
+        doc.reset();
     }
     return doc;
 }
@@ -1144,15 +1140,10 @@ bool MainWindow::openSnapshot(const QString& path) {
 
 bool MainWindow::sendSnapshot(const QString& path) {
     Snapshot s;
-    const std::optional<SystemDocument> snapshot = loadSnapshot(path, &s);
+    const std::optional<SystemDocument> snapshot =
+        loadSnapshot(path, &s, QStringLiteral("not sent"),
+                     QStringLiteral(" (choose the GT-%1 in the Model box first)"));
     if (!snapshot) return false;
-    if (s.model != document_.model()) {
-        say(QStringLiteral("not sent: the snapshot holds GT-%1 system data and the window edits "
-                           "the GT-%2 (choose the GT-%1 in the Model box first)")
-                .arg(s.model)
-                .arg(document_.model()));
-        return false;
-    }
     if (!askSendSnapshot_(QStringLiteral("Send the GT-%1 system data %2 on %3 to the device?\n\n"
                                          "It replaces all of the device's system settings.")
                               .arg(s.model)

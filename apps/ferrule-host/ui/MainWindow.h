@@ -142,8 +142,12 @@ private:
     void offerSendAgain();
     // Keeps what a finished operation read from or left in the device; a note when it could not.
     QString recordSnapshot();
-    // A snapshot's data, and what it is; nullopt when it cannot be read, which is said.
-    std::optional<SystemDocument> loadSnapshot(const QString& path, Snapshot* snapshot);
+    // A snapshot's data, and what it is; nullopt when it cannot be read, which is said. With
+    // `refused`, one of another model is refused too: "`refused`: the snapshot holds …" and
+    // `hint` (its %1 the snapshot's model).
+    std::optional<SystemDocument> loadSnapshot(const QString& path, Snapshot* snapshot,
+                                               const QString& refused = {},
+                                               const QString& hint = {});
     void say(const QString& message);
     // `image` in the Compared column, headed `column`; the count of differences said.
     void showCompared(const QByteArray& image, const QString& column, const QString& what);
