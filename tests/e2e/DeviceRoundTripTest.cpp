@@ -1,7 +1,8 @@
 // ferrule-host against ferrule-device over a real MIDI system (a JACK server on the dummy
 // driver): requests, transmissions, --diff against the device and dumps, and the failures a user
-// meets. The bytes of every model are the loopback's (SessionLoopbackTest); here the two models
-// that differ most: the GT-3 (the smallest) and the GT-10 (double-byte addresses).
+// meets. What every model's messages carry is checked over the loopback (SessionLoopbackTest);
+// over JACK, the two models that differ most: the GT-3 (the smallest) and the GT-10 (double-byte
+// addresses).
 
 #include "HostProcess.h"
 #include "ImageFiles.h"
