@@ -1,4 +1,5 @@
-// The editor as ferrule-host describes it, read from the widgets' own properties.
+// The editor as ferrule-host describes it, read from the widgets' own properties: one row a fact
+// of a page of each model.
 
 #include "HostProcess.h"
 
@@ -6,6 +7,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <gtest/gtest.h>
+
+#include <map>
 
 namespace {
 
@@ -21,120 +24,107 @@ QJsonObject describe(int model, int page, const QString& root) {
     return doc.object();
 }
 
-QJsonObject find(const QJsonObject& d, const QString& kind, int poolIndex) {
+// The control "kind poolIndex" or named "name" in a description; the description itself for "".
+QJsonValue control(const QJsonObject& d, const QString& which) {
+    if (which.isEmpty()) return d;
+    const QString kind = which.section(u' ', 0, 0), index = which.section(u' ', 1);
     for (const QJsonValue& v : d.value(QStringLiteral("controls")).toArray()) {
         const QJsonObject c = v.toObject();
-        if (c.value(QStringLiteral("kind")).toString() == kind &&
-            c.value(QStringLiteral("poolIndex")).toInt() == poolIndex)
+        if (index.isEmpty() ? c.value(QStringLiteral("name")).toString() == kind
+                            : c.value(QStringLiteral("kind")).toString() == kind &&
+                                  c.value(QStringLiteral("poolIndex")).toInt() == index.toInt())
             return c;
     }
-    return {};
+    return QJsonObject();
 }
 
-int count(const QJsonObject& d, const QString& kind) {
-    int n = 0;
-    for (const QJsonValue& v : d.value(QStringLiteral("controls")).toArray()) {
-        const QJsonObject c = v.toObject();
-        n += c.value(QStringLiteral("kind")).toString() == kind;
+// Follows a path of keys and array indexes ("position/left", "cells/16"); "#" is an array's
+// size, "#kind" how many controls of that kind there are.
+QJsonValue at(QJsonValue v, const QString& path) {
+    for (const QString& step : path.split(u'/', Qt::SkipEmptyParts)) {
+        if (step == u'#') return int(v.toArray().size());
+        if (step.startsWith(u'#')) {
+            int n = 0;
+            for (const QJsonValue& c : v[QStringLiteral("controls")].toArray())
+                n += c[QStringLiteral("kind")].toString() == step.mid(1);
+            return n;
+        }
+        bool isIndex = false;
+        const int i = step.toInt(&isIndex);
+        v = isIndex ? v.toArray().at(i) : v.toObject().value(step);
     }
-    return n;
+    return v;
 }
 
 } // namespace
 
 TEST(Describe, OnePageOfEachModel) {
+    const struct {
+        int model, page;
+        const char* control;
+        const char* path;
+        QJsonValue expected;
+    } rows[] = {
+        // GT-3 page 1: "Pitch" knob 0 at image 0, range 0-10, the default image's tuner pitch.
+        {3, 1, "", "CurrentPage", 1},
+        {3, 1, "", "caption", "System: GT-3"},
+        {3, 1, "knob 0", "caption", "Pitch"},
+        {3, 1, "knob 0", "MemLoc", 0},
+        {3, 1, "knob 0", "Max", 10},
+        {3, 1, "knob 0", "minimum", 0},
+        {3, 1, "knob 0", "TFormat", 175},
+        {3, 1, "knob 0", "pType", 3},
+        {3, 1, "knob 0", "Color", 0},
+        {3, 1, "knob 0", "Value", 5},
+        {3, 1, "knob 0", "valueText", "5"},
+        {3, 1, "knob 0", "Off", false},
+        {3, 1, "knob 0", "position/left", 255},
+        {3, 1, "knob 0", "position/top", 885},
+        {3, 1, "", "#knob", 7},
+        {3, 1, "", "#slider", 9},
+        {3, 1, "", "#heading", 4},
+        // GT-5 MIDI page: "Map Select" and its options.
+        {5, 4, "options 0", "title", "Map Select"},
+        {5, 4, "options 0", "captions", QJsonArray({"Fixed", "Progammable"})},
+        {5, 4, "options 0", "TFormat", 4381},
+        {5, 4, "options 0", "Selected", 0},
+        {5, 4, "options 0", "left", 4680},
+        {5, 4, "", "#switch", 1},
+        // GT-6 custom preamp: the selector list and the heading with its size.
+        {6, 9, "CheckRadio10", "captions", QJsonArray({"1", "2", "3"})},
+        {6, 9, "heading 0", "caption", "Custom Preamp 1"},
+        {6, 9, "heading 0", "position/width", 5925},
+        // GT-8 page 1: "Sub Exp" slider starts at 1; slider label width 4; no grid.
+        {8, 1, "slider 4", "caption", "Sub Exp"},
+        {8, 1, "slider 4", "Min", 1},
+        {8, 1, "slider 4", "LabelWidth", 4},
+        {8, 1, "slider 4", "Enabled", true},
+        {8, 1, "grid 0", "", QJsonObject()},
+        // Its buttons: a tab for each of the 9 pages, 5 modes, then 4 commands (transmit first).
+        {8, 1, "", "buttons/#", 18},
+        {8, 1, "", "buttons/0/name", "TabButton0"},
+        {8, 1, "", "buttons/8/name", "TabButton8"},
+        {8, 1, "", "buttons/14/name", "CButton0"},
+        // GT-10 page 1: "Bank High" reads two bytes (the default image holds 0 and 99).
+        {10, 1, "knob 3", "MemLoc", 19126},
+        {10, 1, "knob 3", "Value", 99},
+        {10, 1, "slider 10", "caption", "Knob 4"},
+        // GT-8 Auto-Riff: the grid's cells and headings (the default phrase runs up from the root).
+        {8, 6, "grid 0", "page", 6},
+        {8, 6, "grid 0", "cells/#", 192},
+        {8, 6, "grid 0", "cells/0", " C"},
+        {8, 6, "grid 0", "cells/1", "+E"},
+        {8, 6, "grid 0", "cells/15", "end"},
+        {8, 6, "grid 0", "cells/16", " Db"},
+        {8, 6, "grid 0", "columnHeadings/0", "Step 1 "},
+        {8, 6, "grid 0", "rowHeadings/1", "C#/Db"},
+    };
     QTemporaryDir dir;
-    const QString root = dir.path();
-
-    // GT-3 page 1: "Pitch" knob 0 at image 0, range 0-10, format 175, colour 0, at (255, 885).
-    QJsonObject d = describe(3, 1, root);
-    EXPECT_EQ(d.value(QStringLiteral("CurrentPage")).toInt(), 1);
-    EXPECT_EQ(d.value(QStringLiteral("caption")).toString(), QStringLiteral("System: GT-3"));
-    QJsonObject pitch = find(d, QStringLiteral("knob"), 0);
-    EXPECT_EQ(pitch.value(QStringLiteral("caption")).toString(), QStringLiteral("Pitch"));
-    EXPECT_EQ(pitch.value(QStringLiteral("MemLoc")).toInt(), 0);
-    EXPECT_EQ(pitch.value(QStringLiteral("Max")).toInt(), 10);
-    EXPECT_EQ(pitch.value(QStringLiteral("minimum")).toInt(), 0);
-    EXPECT_EQ(pitch.value(QStringLiteral("TFormat")).toInt(), 175);
-    EXPECT_EQ(pitch.value(QStringLiteral("pType")).toInt(), 3);
-    EXPECT_EQ(pitch.value(QStringLiteral("Color")).toInt(), 0);
-    EXPECT_EQ(pitch.value(QStringLiteral("Value")).toInt(), 5) << "the default image's tuner pitch";
-    EXPECT_EQ(pitch.value(QStringLiteral("valueText")).toString(), QStringLiteral("5"));
-    EXPECT_FALSE(pitch.value(QStringLiteral("Off")).toBool());
-    const QJsonObject at = pitch.value(QStringLiteral("position")).toObject();
-    EXPECT_EQ(at.value(QStringLiteral("left")).toInt(), 255);
-    EXPECT_EQ(at.value(QStringLiteral("top")).toInt(), 885);
-    EXPECT_EQ(count(d, QStringLiteral("knob")), 7);
-    EXPECT_EQ(count(d, QStringLiteral("slider")), 9);
-    EXPECT_EQ(count(d, QStringLiteral("heading")), 4);
-
-    // GT-5 MIDI page: "Map Select" and its options.
-    d = describe(5, 4, root);
-    const QJsonObject map = find(d, QStringLiteral("options"), 0);
-    EXPECT_EQ(map.value(QStringLiteral("title")).toString(), QStringLiteral("Map Select"));
-    EXPECT_EQ(map.value(QStringLiteral("captions")).toArray(),
-              QJsonArray({"Fixed", "Progammable"}));
-    EXPECT_EQ(map.value(QStringLiteral("TFormat")).toInt(), 4381);
-    EXPECT_EQ(map.value(QStringLiteral("Selected")).toInt(), 0);
-    EXPECT_EQ(map.value(QStringLiteral("left")).toInt(), 4680);
-    EXPECT_EQ(count(d, QStringLiteral("switch")), 1);
-
-    // GT-6 custom preamp: the selector list and the heading with its size.
-    d = describe(6, 9, root);
-    bool listSeen = false;
-    for (const QJsonValue& v : d.value(QStringLiteral("controls")).toArray())
-        if (v.toObject().value(QStringLiteral("name")).toString() ==
-            QLatin1String("CheckRadio10")) {
-            listSeen = true;
-            EXPECT_EQ(v.toObject().value(QStringLiteral("captions")).toArray(),
-                      QJsonArray({"1", "2", "3"}));
-        }
-    EXPECT_TRUE(listSeen);
-    const QJsonObject heading = find(d, QStringLiteral("heading"), 0);
-    EXPECT_EQ(heading.value(QStringLiteral("caption")).toString(),
-              QStringLiteral("Custom Preamp 1"));
-    EXPECT_EQ(
-        heading.value(QStringLiteral("position")).toObject().value(QStringLiteral("width")).toInt(),
-        5925);
-
-    // GT-8 page 1: "Sub Exp" slider starts at 1; slider label width 4. The window's buttons:
-    // a tab for each of its 9 pages, 5 modes and 4 commands.
-    d = describe(8, 1, root);
-    QStringList buttons;
-    for (const QJsonValue& v : d.value(QStringLiteral("buttons")).toArray())
-        buttons << v.toObject().value(QStringLiteral("name")).toString();
-    EXPECT_EQ(buttons.size(), 18) << buttons.join(u' ').toStdString();
-    EXPECT_EQ(buttons.filter(QStringLiteral("TabButton")).size(), 9);
-    EXPECT_TRUE(buttons.contains(QStringLiteral("CButton0"))) << "the transmit button";
-    const QJsonObject subExp = find(d, QStringLiteral("slider"), 4);
-    EXPECT_EQ(subExp.value(QStringLiteral("caption")).toString(), QStringLiteral("Sub Exp"));
-    EXPECT_EQ(subExp.value(QStringLiteral("Min")).toInt(), 1);
-    EXPECT_EQ(subExp.value(QStringLiteral("LabelWidth")).toInt(), 4);
-    EXPECT_TRUE(subExp.value(QStringLiteral("Enabled")).toBool());
-
-    // GT-10 page 1: "Bank High" reads two bytes (the default image holds 0 and 99).
-    d = describe(10, 1, root);
-    const QJsonObject bankHigh = find(d, QStringLiteral("knob"), 3);
-    EXPECT_EQ(bankHigh.value(QStringLiteral("MemLoc")).toInt(), 19126);
-    EXPECT_EQ(bankHigh.value(QStringLiteral("Value")).toInt(), 99);
-    const QJsonObject knob4 = find(d, QStringLiteral("slider"), 10);
-    EXPECT_EQ(knob4.value(QStringLiteral("caption")).toString(), QStringLiteral("Knob 4"));
-
-    // GT-8 Auto-Riff: the grid's cells and headings (the default phrase runs up from the root).
-    d = describe(8, 6, root);
-    const QJsonObject grid = find(d, QStringLiteral("grid"), 0);
-    ASSERT_FALSE(grid.isEmpty());
-    EXPECT_EQ(grid.value(QStringLiteral("page")).toInt(), 6);
-    const QJsonArray cells = grid.value(QStringLiteral("cells")).toArray();
-    ASSERT_EQ(cells.size(), 192);
-    EXPECT_EQ(cells[0].toString(), QStringLiteral(" C"));
-    EXPECT_EQ(cells[1].toString(), QStringLiteral("+E"));
-    EXPECT_EQ(cells[16].toString(), QStringLiteral(" Db"));
-    EXPECT_EQ(cells[15].toString(), QStringLiteral("end"));
-    EXPECT_EQ(grid.value(QStringLiteral("columnHeadings")).toArray().first().toString(),
-              QStringLiteral("Step 1 "));
-    EXPECT_EQ(grid.value(QStringLiteral("rowHeadings")).toArray()[1].toString(),
-              QStringLiteral("C#/Db"));
-    d = describe(8, 1, root);
-    EXPECT_TRUE(find(d, QStringLiteral("grid"), 0).isEmpty()) << "no grid on page 1";
+    std::map<std::pair<int, int>, QJsonObject> described;
+    for (const auto& row : rows) {
+        QJsonObject& d = described[{row.model, row.page}];
+        if (d.isEmpty()) d = describe(row.model, row.page, dir.path());
+        EXPECT_EQ(at(control(d, QLatin1String(row.control)), QLatin1String(row.path)), row.expected)
+            << "GT-" << row.model << " page " << row.page << ": " << row.control << " " << row.path;
+    }
 }

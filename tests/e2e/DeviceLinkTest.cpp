@@ -21,6 +21,8 @@
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <functional>
+
 using namespace ferrule;
 
 namespace {
@@ -38,9 +40,8 @@ struct Result {
 
 // Runs the event loop until the session's operation ends; `during` is called once when
 // `doneShare` of the operation is done.
-template <typename During>
-Result runOperation(MainWindow& w, const QElapsedTimer& clock, double doneShare, During during,
-                    int timeoutMs = kHangMs) {
+Result runOperation(MainWindow& w, const QElapsedTimer& clock, double doneShare = 2.0,
+                    const std::function<void()>& during = {}) {
     Result r;
     bool called = false;
     const auto progress = QObject::connect(
@@ -53,17 +54,15 @@ Result runOperation(MainWindow& w, const QElapsedTimer& clock, double doneShare,
                                            [&](bool ok, const QString& message) {
                                                r = {true, ok, message, clock.elapsed()};
                                            });
-    static_cast<void>(QTest::qWaitFor([&] { return r.ended; }, timeoutMs));
+    static_cast<void>(QTest::qWaitFor([&] { return r.ended; }, kHangMs));
     QObject::disconnect(progress);
     QObject::disconnect(finished);
     return r;
 }
 
-Result runOperation(MainWindow& w, int timeoutMs = kHangMs) {
-    QElapsedTimer clock;
-    clock.start();
-    return runOperation(
-        w, clock, 2.0, [] {}, timeoutMs);
+// How soon the link reacted, as measured.
+void measured(const char* what, qint64 ms) {
+    std::printf("[ measured ] %s %lld ms\n", what, static_cast<long long>(ms));
 }
 
 QAction* action(MainWindow& w, const QString& text) {
@@ -148,9 +147,8 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return w->device().hasInput() && w->device().hasOutput(); }, kHangMs))
         << qPrintable(w->portState());
-    std::printf("[ measured ] lost noticed after %lld ms, reconnected %lld ms after the device "
-                "was back\n",
-                static_cast<long long>(noticedMs), static_cast<long long>(clock.elapsed()));
+    measured("the server's stop was noticed after:", noticedMs);
+    measured("reconnected after the device was back:", clock.elapsed());
     EXPECT_TRUE(w->device().linkProblem().isEmpty()) << qPrintable(w->device().linkProblem());
     EXPECT_TRUE(w->lastResult().startsWith("the MIDI ports are open again: In: ferrule-device"))
         << qPrintable(w->lastResult());
@@ -164,7 +162,7 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     // A request that works, then one that the server's stop cuts short: the stop is named,
     // never the device, and soon.
     w->device().receive(w->document().image(), true);
-    Result r = runOperation(*w);
+    Result r = runOperation(*w, clock);
     ASSERT_TRUE(r.ok) << qPrintable(r.message);
     w->device().receive(w->document().image(), true);
     clock.restart();
@@ -176,8 +174,7 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     ASSERT_TRUE(r.ended);
     EXPECT_FALSE(r.ok);
     EXPECT_EQ(r.message, QStringLiteral("the JACK server has stopped"));
-    std::printf("[ measured ] the request ended %lld ms after the server's stop\n",
-                static_cast<long long>(r.atMs - stoppedAt));
+    measured("the request ended after the server's stop:", r.atMs - stoppedAt);
     // The request is over and its receiver gone with its timeout: what is queued is all that
     // can follow.
     EXPECT_EQ(w->device().busy(), DeviceSession::Operation::None);
@@ -206,8 +203,7 @@ TEST_F(DeviceLink, AServerThatStopsAndComesBackNeverCrashesTheWindowWhichSaysSoA
     EXPECT_FALSE(r.ok);
     EXPECT_TRUE(r.message.startsWith("the JACK server has stopped; ")) << qPrintable(r.message);
     EXPECT_TRUE(r.message.contains("had left")) << qPrintable(r.message);
-    std::printf("[ measured ] the send ended %lld ms after the server's stop\n",
-                static_cast<long long>(r.atMs - stoppedAt));
+    measured("the send ended after the server's stop:", r.atMs - stoppedAt);
     EXPECT_FALSE(w->device().knowsDevice());
     // The send may fail on its next message before the watch has looked at the ports.
     EXPECT_TRUE(QTest::qWaitFor([&] { return !w->device().linkProblem().isEmpty(); }, kHangMs));
@@ -280,8 +276,7 @@ TEST_F(DeviceLink, ADevicePortThatVanishesMidSendFailsInTheWindowAndOnTheCommand
         [&] { return w->deviceStateText().startsWith("not reachable: the MIDI"); }, kHangMs))
         << qPrintable(w->deviceStateText());
     EXPECT_FALSE(w->device().hasOutput());
-    std::printf("[ measured ] the window's send ended %lld ms after the device's ports went\n",
-                static_cast<long long>(r.atMs - killedAt));
+    measured("the window's send ended after the device's ports went:", r.atMs - killedAt);
 
     // The command line: the destination closes once the GT-10's eight seconds of messages are
     // under way, as the monitor hears.
@@ -310,6 +305,5 @@ TEST_F(DeviceLink, ADevicePortThatVanishesMidSendFailsInTheWindowAndOnTheCommand
     EXPECT_TRUE(err.contains("the MIDI output port \"ferrule-device:")) << err.constData();
     EXPECT_TRUE(err.contains("is gone")) << err.constData();
     EXPECT_FALSE(out.contains("sent ")) << out.constData();
-    std::printf("[ measured ] --transmit ended %lld ms after the device's ports went\n",
-                static_cast<long long>(tookMs));
+    measured("--transmit ended after the device's ports went:", tookMs);
 }

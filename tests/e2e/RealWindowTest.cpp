@@ -6,6 +6,7 @@
 
 #include "XDisplay.h"
 
+#include <QDir>
 #include <QFile>
 #include <QPoint>
 #include <QProcess>
@@ -16,156 +17,115 @@
 
 namespace {
 
-// A data file of zeros (an image of 43,252 bytes) in `dir`; empty when it cannot be written.
-QString zeroImage(const QTemporaryDir& dir, const QString& name) {
-    const QString path = dir.filePath(name);
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(QByteArray(43252, char(0))) != 43252) return {};
-    return path;
-}
+constexpr int kImageSize = 43252;
 
-// Every byte that differs, named.
-void expectSameBytes(const QByteArray& after, const QByteArray& expected) {
-    for (int i = 0; i < after.size(); ++i)
-        if (after[i] != expected[i])
-            ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
-                          << int(expected[i]);
-}
+// ferrule-host on a GT-8 data file of zeros under Xvfb, and the keys and clicks a person gives it.
+class RealWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
+        ASSERT_TRUE(x.running()) << "Xvfb did not start";
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly) &&
+                    f.write(QByteArray(kImageSize, char(0))) == kImageSize);
+    }
+    void start(const QStringList& args) {
+        x.startHost(host,
+                    QStringList{QStringLiteral("--model"), QStringLiteral("8"),
+                                QStringLiteral("--data"), data} +
+                        args,
+                    dir.path());
+    }
+    // The window whose name holds `title`, once it is shown; empty (a failure) when it never is.
+    QString window(const QString& title) {
+        const QString id = x.window(title, host);
+        EXPECT_FALSE(id.isEmpty()) << qPrintable(title) << " did not appear" << ended(host);
+        return id;
+    }
+    // No window manager runs on the display: the window is focused, and the keys typed through
+    // XTEST reach it in the order they are given.
+    void type(const QString& window, const QStringList& keys) {
+        x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), window});
+        x.xdotool(
+            QStringList{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40")} +
+            keys);
+    }
+    // Mouse steps at points of `window`: each {dx, dy} and what to do there ("click", "mousedown",
+    // "mouseup" with button 1, or nothing but moving there).
+    void mouse(const QString& window, const QList<std::tuple<int, int, const char*>>& steps) {
+        const QPoint origin = x.origin(window);
+        for (const auto& [dx, dy, what] : steps) {
+            QStringList args{QStringLiteral("mousemove"), QString::number(origin.x() + dx),
+                             QString::number(origin.y() + dy)};
+            if (*what) args << QLatin1String(what) << QStringLiteral("1");
+            x.xdotool(args);
+        }
+    }
+    // The title gets its mark once the window holds changes.
+    void waitForTheChangedMark(const QString& window) {
+        QString title;
+        for (int i = 0; i < 1200 && !title.contains(QLatin1Char('*')); ++i) {
+            title = x.xdotool({QStringLiteral("getwindowname"), window});
+            if (!title.contains(QLatin1Char('*'))) host.waitForFinished(50);
+        }
+        ASSERT_TRUE(title.contains(QLatin1Char('*'))) << qPrintable(title) << ended(host);
+    }
+    // Once the program has ended well, the data file holds `expected`: every byte that differs
+    // is named.
+    void expectSaved(const QByteArray& expected) {
+        EXPECT_TRUE(host.waitForFinished(60000));
+        EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
+        QFile f(data);
+        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+        const QByteArray after = f.readAll();
+        ASSERT_EQ(after.size(), kImageSize);
+        for (int i = 0; i < after.size(); ++i)
+            if (after[i] != expected[i])
+                ADD_FAILURE() << "byte " << i << " is " << int(after[i]) << ", expected "
+                              << int(expected[i]);
+    }
+
+    XDisplay x;
+    QTemporaryDir dir;
+    const QString data = dir.filePath(QStringLiteral("crash.bin"));
+    QProcess host;
+    QByteArray expected = QByteArray(kImageSize, char(0));
+};
 
 } // namespace
 
-TEST(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
-    XDisplay display;
-    if (!display.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
-    ASSERT_TRUE(display.running()) << "Xvfb did not start";
-    QTemporaryDir dir;
-    const QString data = zeroImage(dir, QStringLiteral("d.bin"));
-    ASSERT_FALSE(data.isEmpty());
-    QProcess host;
-    display.startHost(host,
-                      {QStringLiteral("--edit"), QStringLiteral("--model"), QStringLiteral("8"),
-                       QStringLiteral("--data"), data},
-                      dir.path());
-    const QString window = display.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(window.isEmpty()) << "the editor window did not appear" << ended(host);
-    const QPoint origin = display.origin(window);
-    auto at = [&](int dx, int dy) {
-        return QStringList{QStringLiteral("mousemove"), QString::number(origin.x() + dx),
-                           QString::number(origin.y() + dy)};
-    };
+TEST_F(RealWindow, EditsThroughTheMouseAndKeepsThemOnOk) {
+    start({QStringLiteral("--edit")});
+    const QString editor = window(QStringLiteral("System: GT-8"));
+    ASSERT_FALSE(editor.isEmpty());
     // The server hands the window the events in order; the window handles each at once.
-    auto act = [&](QStringList args) { display.xdotool(args); };
-    act(at(120, 50) << QStringLiteral("click") << QStringLiteral("1"));     // the MIDI tab
-    act(at(30, 185) << QStringLiteral("mousedown") << QStringLiteral("1")); // Rx channel knob
-    act(at(42, 158));
-    act(at(60, 170) << QStringLiteral("mouseup") << QStringLiteral("1"));
-    act(at(40, 253) << QStringLiteral("click") << QStringLiteral("1")); // Omni mode
-    act(at(186, 158));                                                  // hover "Progammable"
-    act(at(188, 159) << QStringLiteral("click") << QStringLiteral("1"));
-    act(at(586, 56) << QStringLiteral("click") << QStringLiteral("1")); // OK
-    EXPECT_TRUE(host.waitForFinished(60000));
-    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
-
-    QFile f(data);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QByteArray after = f.readAll();
-    ASSERT_EQ(after.size(), 43252);
-    QByteArray expected(43252, char(0));
-    expected[10428] = char(11); // Rx channel, dragged up past the top
-    expected[10429] = char(1);  // Omni mode on
-    expected[10438] = char(1);  // Map Select: Progammable
-    expectSameBytes(after, expected);
-}
-
-TEST(RealWindow, TheMainWindowEditsSavesAndQuitsFromTheKeyboard) {
-    XDisplay x;
-    if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
-    ASSERT_TRUE(x.running()) << "Xvfb did not start";
-    QTemporaryDir dir;
-    const QString data = zeroImage(dir, QStringLiteral("main.bin"));
-    ASSERT_FALSE(data.isEmpty());
-    QProcess host;
-    x.startHost(host,
-                {QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), data},
-                dir.path());
-    const QString main = x.window(QStringLiteral("main.bin"), host);
-    ASSERT_FALSE(main.isEmpty()) << "the main window did not appear" << ended(host);
-    // No window manager runs on the display: focus the window and type through XTEST.
-    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
-    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+e")});
-    const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(editor.isEmpty()) << "Edit did not open the editor" << ended(host);
-    const QPoint e = x.origin(editor);
-    auto clickAt = [&](int dx, int dy) {
-        x.xdotool({QStringLiteral("mousemove"), QString::number(e.x() + dx),
-                   QString::number(e.y() + dy), QStringLiteral("click"), QStringLiteral("1")});
-    };
-    clickAt(120, 50); // the MIDI tab
-    clickAt(40, 253); // Omni mode
-    clickAt(586, 56); // OK
-    // The title gets its mark once the window has taken the edit.
-    QString title;
-    for (int i = 0; i < 600 && !title.contains(QLatin1Char('*')); ++i) {
-        title = x.xdotool({QStringLiteral("getwindowname"), main});
-        if (!title.contains(QLatin1Char('*'))) host.waitForFinished(50);
-    }
-    EXPECT_TRUE(title.contains(QLatin1Char('*'))) << qPrintable(title);
-    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
-    // Keys reach the window in the order they are sent: the save comes before the quit.
-    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+s")});
-    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+q")});
-    EXPECT_TRUE(host.waitForFinished(60000));
-    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
-
-    QFile f(data);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QByteArray after = f.readAll();
-    ASSERT_EQ(after.size(), 43252);
-    int changed = 0;
-    for (int i = 0; i < after.size(); ++i)
-        changed += after[i] != 0;
-    EXPECT_EQ(changed, 1);
-    EXPECT_EQ(after[10429], char(1)) << "Omni mode on, saved with Ctrl+S";
+    mouse(editor, {{120, 50, "click"},     // the MIDI tab
+                   {30, 185, "mousedown"}, // Rx channel knob
+                   {42, 158, ""},
+                   {60, 170, "mouseup"},
+                   {40, 253, "click"}, // Omni mode
+                   {186, 158, ""},     // hover "Progammable"
+                   {188, 159, "click"},
+                   {586, 56, "click"}}); // OK
+    expected[10428] = char(11);          // Rx channel, dragged up past the top
+    expected[10429] = char(1);           // Omni mode on
+    expected[10438] = char(1);           // Map Select: Progammable
+    expectSaved(expected);
 }
 
 // The editor worked from the keyboard alone: it opens with the focus on the page's first control;
-// Ctrl+PgDown goes to the MIDI page and lands on its first control, which is stepped up three
-// times, one step undone; Shift+Tab goes back round to OK, which Space presses.
-TEST(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
-    XDisplay x;
-    if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
-    ASSERT_TRUE(x.running()) << "Xvfb did not start";
-    QTemporaryDir dir;
-    const QString data = zeroImage(dir, QStringLiteral("keys.bin"));
-    ASSERT_FALSE(data.isEmpty());
-    QProcess host;
-    x.startHost(host,
-                {QStringLiteral("--edit"), QStringLiteral("--model"), QStringLiteral("8"),
-                 QStringLiteral("--data"), data},
-                dir.path());
-    const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(editor.isEmpty()) << "the editor window did not appear" << ended(host);
-    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), editor});
-    auto keys = [&](const QString& key, int times) {
-        x.xdotool({QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40"),
-                   QStringLiteral("--repeat"), QString::number(times), key});
-    };
-    // On the GT-8 the MIDI tab is the fourth from the left.
-    keys(QStringLiteral("ctrl+Next"), 3);
-    keys(QStringLiteral("Up"), 3);
-    keys(QStringLiteral("ctrl+z"), 1);
-    keys(QStringLiteral("shift+Tab"), 1); // from the first control back round to OK
-    keys(QStringLiteral("space"), 1);
-    EXPECT_TRUE(host.waitForFinished(60000));
-    EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
-
-    QFile f(data);
-    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    const QByteArray after = f.readAll();
-    ASSERT_EQ(after.size(), 43252);
-    QByteArray expected(43252, char(0));
+// Ctrl+PgDown goes to the MIDI page (the GT-8's fourth tab) and lands on its first control, which
+// is stepped up three times, one step undone; Shift+Tab goes back round to OK, which Space presses.
+TEST_F(RealWindow, TheEditorWorksFromTheKeyboardAlone) {
+    start({QStringLiteral("--edit")});
+    const QString editor = window(QStringLiteral("System: GT-8"));
+    ASSERT_FALSE(editor.isEmpty());
+    type(editor,
+         {QStringLiteral("ctrl+Next"), QStringLiteral("ctrl+Next"), QStringLiteral("ctrl+Next"),
+          QStringLiteral("Up"), QStringLiteral("Up"), QStringLiteral("Up"),
+          QStringLiteral("ctrl+z"), QStringLiteral("shift+Tab"), QStringLiteral("space")});
     expected[10428] = char(2); // Rx channel: three steps up, one undone
-    expectSameBytes(after, expected);
+    expectSaved(expected);
 }
 
 namespace {
@@ -187,98 +147,66 @@ QByteArray journaledEdit(const QString& dataHome, const QByteArray& from, QProce
     return {};
 }
 
-// A GT-8 editor on a file of zeros, opened at once (`--edit`) or from the main window, gets one
-// value stepped up from the keyboard; once the edit is journaled the program is killed with
-// SIGKILL, started again, and the question on that start is answered with Return (Recover is
-// the default button). The test goes on from there with `host` running again.
-class RealWindowJournal : public ::testing::Test {
+// A GT-8 editor on a file of zeros, opened at once (`--edit`) or from the main window with
+// Ctrl+E, gets one value stepped up from the keyboard; once the edit is journaled the program is
+// killed with SIGKILL, started again, and the question on that start is answered with Return
+// (Recover is the default button). The test goes on from there with `host` running again, and
+// ends with the journal gone.
+class RealWindowJournal : public RealWindow {
 protected:
     void killAndRecover(bool mainWindow) {
-        if (!x.tools()) GTEST_SKIP() << "needs Xvfb and xdotool";
-        ASSERT_TRUE(x.running()) << "Xvfb did not start";
-        data = zeroImage(dir, QStringLiteral("crash.bin"));
-        ASSERT_FALSE(data.isEmpty());
-        QStringList args{QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"),
-                         data};
-        if (!mainWindow) args.prepend(QStringLiteral("--edit"));
-        x.startHost(host, args, dir.path());
+        const QStringList args = mainWindow ? QStringList() : QStringList{QStringLiteral("--edit")};
+        start(args);
         if (mainWindow) {
-            const QString main = x.window(QStringLiteral("crash.bin"), host);
-            ASSERT_FALSE(main.isEmpty()) << "the main window did not appear" << ended(host);
-            x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
-            x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+e")});
+            const QString main = window(QStringLiteral("crash.bin"));
+            ASSERT_FALSE(main.isEmpty());
+            type(main, {QStringLiteral("ctrl+e")});
         }
-        const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-        ASSERT_FALSE(editor.isEmpty()) << "the editor did not appear" << ended(host);
-        x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), editor});
+        const QString editor = window(QStringLiteral("System: GT-8"));
+        ASSERT_FALSE(editor.isEmpty());
         // From the System tab to the page's first control, and one step up: keys reach the
         // window in order, and nothing is rebuilt on the way.
-        QStringList keys{QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("40")};
-        for (int i = 0; i < 18; ++i)
-            keys << QStringLiteral("Tab");
-        x.xdotool(keys << QStringLiteral("Up"));
-        edit = journaledEdit(dir.path(), QByteArray(43252, char(0)), host);
-        ASSERT_EQ(edit.size(), 43252) << "no journal of the edit" << ended(host);
+        QStringList keys(18, QStringLiteral("Tab"));
+        type(editor, keys << QStringLiteral("Up"));
+        expected = journaledEdit(dir.path(), QByteArray(kImageSize, char(0)), host);
+        ASSERT_EQ(expected.size(), kImageSize) << "no journal of the edit" << ended(host);
         // One value, one step: a byte, or the two of a double-byte value.
-        const auto stepped = std::count_if(edit.begin(), edit.end(), [](char b) { return b; });
+        const auto stepped =
+            std::count_if(expected.begin(), expected.end(), [](char b) { return b; });
         EXPECT_TRUE(stepped == 1 || stepped == 2) << stepped << " bytes journaled as changed";
         host.kill();
         host.waitForFinished();
-        ASSERT_EQ(QFile(data).size(), 43252);
+        ASSERT_EQ(QFile(data).size(), kImageSize);
 
-        x.startHost(host, args, dir.path());
-        const QString question = x.window(QStringLiteral("Recover Changes"), host);
-        ASSERT_FALSE(question.isEmpty()) << "no question on the next start" << ended(host);
-        x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), question});
-        x.xdotool({QStringLiteral("key"), QStringLiteral("Return")});
+        start(args);
+        const QString question = window(QStringLiteral("Recover Changes"));
+        ASSERT_FALSE(question.isEmpty()) << "no question on the next start";
+        type(question, {QStringLiteral("Return")});
     }
-    // The file, once the program has ended well, holds the edit.
-    void expectTheEditSaved() {
-        EXPECT_TRUE(host.waitForFinished(60000));
-        EXPECT_EQ(host.exitCode(), 0) << host.readAllStandardError().constData();
-        QFile f(data);
-        ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-        expectSameBytes(f.readAll(), edit);
+    void TearDown() override {
         EXPECT_TRUE(QDir(dir.filePath(QStringLiteral("ferrule-host/recovery")))
                         .entryList({QStringLiteral("*.journal")}, QDir::Files)
                         .isEmpty());
     }
-
-    XDisplay x;
-    QTemporaryDir dir;
-    QString data;
-    QProcess host;
-    QByteArray edit;
 };
 
 } // namespace
 
 // `--edit`: the question comes first, the editor opens on the recovered data, OK saves it.
 TEST_F(RealWindowJournal, TheEditorOpensOnTheRecoveredDataAndOkSavesIt) {
-    killAndRecover(false);
-    if (HasFatalFailure() || IsSkipped()) return;
-    const QString editor = x.window(QStringLiteral("System: GT-8"), host);
-    ASSERT_FALSE(editor.isEmpty()) << "the editor did not open after Recover" << ended(host);
-    const QPoint origin = x.origin(editor);
-    x.xdotool({QStringLiteral("mousemove"), QString::number(origin.x() + 586),
-               QString::number(origin.y() + 56), QStringLiteral("click"), QStringLiteral("1")});
-    expectTheEditSaved();
+    ASSERT_NO_FATAL_FAILURE(killAndRecover(false));
+    const QString editor = window(QStringLiteral("System: GT-8"));
+    ASSERT_FALSE(editor.isEmpty()) << "the editor did not open after Recover";
+    mouse(editor, {{586, 56, "click"}}); // OK
+    expectSaved(expected);
 }
 
-// The main window, killed with its editor open before OK: the recovered data is marked changed
-// and Ctrl+S saves it.
+// The main window, killed with its editor open before OK: the recovered data is marked changed,
+// and Ctrl+S saves it before Ctrl+Q quits.
 TEST_F(RealWindowJournal, TheMainWindowShowsTheRecoveredDataChangedAndSavesIt) {
-    killAndRecover(true);
-    if (HasFatalFailure() || IsSkipped()) return;
-    const QString main = x.window(QStringLiteral("crash.bin"), host);
-    QString title;
-    for (int i = 0; i < 1200 && !title.contains(QLatin1Char('*')); ++i) {
-        title = x.xdotool({QStringLiteral("getwindowname"), main});
-        if (!title.contains(QLatin1Char('*'))) host.waitForFinished(50);
-    }
-    ASSERT_TRUE(title.contains(QLatin1Char('*'))) << qPrintable(title) << ended(host);
-    x.xdotool({QStringLiteral("windowfocus"), QStringLiteral("--sync"), main});
-    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+s")});
-    x.xdotool({QStringLiteral("key"), QStringLiteral("ctrl+q")});
-    expectTheEditSaved();
+    ASSERT_NO_FATAL_FAILURE(killAndRecover(true));
+    const QString main = window(QStringLiteral("crash.bin"));
+    ASSERT_NO_FATAL_FAILURE(waitForTheChangedMark(main));
+    type(main, {QStringLiteral("ctrl+s"), QStringLiteral("ctrl+q")});
+    expectSaved(expected);
 }

@@ -3,58 +3,21 @@
 // before anything is written.
 
 #include "HostFiles.h"
+#include "ParameterLines.h"
 #include "QtPrinters.h"
-#include "catalogue/ParameterIndex.h"
 #include "device/DefaultImage.h"
-#include "device/DumpMap.h"
 #include "device/SysexCodec.h"
 #include "device/SyxFile.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
-
-#include <random>
 
 using namespace ferrule;
 
 namespace {
 
-class TextFiles : public HostFiles {
-protected:
-    HostRun host(const QStringList& args) const { return runHost(args, root()); }
-};
-
-class SettingsTextRun : public TextFiles, public ::testing::WithParamInterface<int> {};
-
-QByteArray randomImage(unsigned start) {
-    std::mt19937 random(start);
-    QByteArray image = makeDefaultImage();
-    for (auto& b : image)
-        b = char(random() & 0x7F);
-    return image;
-}
-
-ImageBytes bytesOf(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
-
-// How many of the model's sent bytes differ between two images.
-int sentDifferences(const QByteArray& a, const QByteArray& b, int model) {
-    int differences = 0;
-    for (const DumpMap::Block& block : DumpMap::of(model).blocks()) {
-        if (!block.inImage) continue;
-        for (int i = block.start; i < block.start + (block.nibbles ? block.units / 2 : block.units);
-             ++i)
-            differences += a[i] != b[i];
-    }
-    return differences;
-}
-
-QStringList lines(const QByteArray& out) {
-    return QString::fromUtf8(out).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-}
+class SettingsTextRun : public HostFiles, public ::testing::WithParamInterface<int> {};
+using TextFiles = HostFiles;
 
 } // namespace
 
@@ -79,7 +42,7 @@ TEST_P(SettingsTextRun, ExportedTextReadsBackAsTheSameDataWithItsOwnModel) {
     const SyxFile::Loaded b = SyxFile::read(readFile(path(QStringLiteral("b.syx"))), model,
                                             Sysex::defaultHeader(model), makeDefaultImage());
     ASSERT_TRUE(b.error.isEmpty()) << qPrintable(b.error);
-    EXPECT_EQ(sentDifferences(b.image, image, model), 0);
+    EXPECT_EQ(mappedDifferences(b.image, image, model), 0);
 
     // The raw image and its text hold the same settings.
     r = host({QStringLiteral("--model"), m, QStringLiteral("--data"), path(QStringLiteral("a.bin")),
@@ -91,7 +54,7 @@ TEST_P(SettingsTextRun, ExportedTextReadsBackAsTheSameDataWithItsOwnModel) {
 INSTANTIATE_TEST_SUITE_P(EveryModel, SettingsTextRun, ::testing::Values(3, 5, 6, 8, 10),
                          [](const auto& info) { return "GT" + std::to_string(info.param); });
 
-TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
+TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOrOne) {
     const ParameterIndex& index = ParameterIndex::of(10);
     const QByteArray a = randomImage(21);
     writeFile(path(QStringLiteral("a.syx")),
@@ -99,8 +62,6 @@ TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
 
     // B: two parameters changed (one of two bytes) and one byte no control edits.
     QByteArray b = a;
-    std::span<std::uint8_t> bBytes(reinterpret_cast<std::uint8_t*>(b.data()),
-                                   std::size_t(b.size()));
     const Parameter* one = nullptr;
     const Parameter* two = nullptr;
     for (const Parameter& p : index.parameters()) {
@@ -112,8 +73,8 @@ TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
     const int oneA = one->value(bytesOf(a)), twoA = two->value(bytesOf(a));
     const int oneB = oneA == one->minimum ? one->maximum : one->minimum;
     const int twoB = (twoA + 200) % 16384;
-    one->store(bBytes, oneB);
-    two->store(bBytes, twoB);
+    one->store(writable(b), oneB);
+    two->store(writable(b), twoB);
     ASSERT_FALSE(index.uncoveredBytes().empty());
     const int loose = index.uncoveredBytes().front();
     b[loose] = char((a[loose] + 1) & 0x7F);
@@ -128,7 +89,7 @@ TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
         QStringLiteral("%1: %2 -> %3").arg(two->name(), two->valueText(twoA), two->valueText(twoB)),
         QStringLiteral("Address %1: %2 -> %3").arg(loose).arg(int(a[loose])).arg(int(b[loose])),
     };
-    EXPECT_EQ(lines(r.out), expected);
+    EXPECT_EQ(QString::fromUtf8(r.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts), expected);
     EXPECT_TRUE(r.err.contains("3 differences")) << r.err.constData();
 
     // The same data in another form: nothing differs.
@@ -136,10 +97,23 @@ TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
     r = host(diff + QStringList{path(QStringLiteral("a.bin"))});
     EXPECT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData();
     EXPECT_TRUE(r.out.isEmpty());
+}
 
-    // Bad input: one line, exit 2, nothing on standard output.
+// Bad input, to --diff or in a text to export: one line, exit 2, nothing on standard output and
+// nothing written; the text file is left as it was.
+TEST_F(TextFiles, BadInputStopsTheRunWithOneLineAndWritesNothing) {
+    const QString out = path(QStringLiteral("out.syx"));
+    const QByteArray edited = "# Model: GT-10\n# a comment\nAddress 19105 = 300\n";
+    writeFile(path(QStringLiteral("edited.txt")), edited);
     writeFile(path(QStringLiteral("bad.txt")), "# Model: GT-10\n\nSystem / No / Such = 1\n");
     writeFile(path(QStringLiteral("gt8.txt")), "# Model: GT-8\n");
+    writeFile(path(QStringLiteral("gt10.txt")), "# Model: GT-10\n");
+    writeFile(path(QStringLiteral("a.bin")), randomImage(21));
+    const QStringList diff = {QStringLiteral("--model"), QStringLiteral("10"),
+                              QStringLiteral("--data"), path(QStringLiteral("a.bin")),
+                              QStringLiteral("--diff")};
+    const QStringList text = {QStringLiteral("--data"), path(QStringLiteral("edited.txt")),
+                              QStringLiteral("--export"), out};
     const struct {
         QStringList args;
         const char* says;
@@ -148,44 +122,33 @@ TEST_F(TextFiles, DiffSaysWhatDiffersByNameAndExitsZeroOneOrTwo) {
         {diff + QStringList{path(QStringLiteral("bad.txt"))}, "line 3: unknown setting"},
         {diff + QStringList{path(QStringLiteral("gt8.txt"))}, "holds GT-8 system data, not GT-10"},
         {{QStringLiteral("--diff"), path(QStringLiteral("a.bin"))}, "--diff needs the other side"},
+        {text, "edited.txt\" is not usable: line 3:"},
+        {{QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"),
+          path(QStringLiteral("gt10.txt")), QStringLiteral("--export"), out},
+         "holds GT-10 system data, not GT-8"},
     };
     for (const auto& c : cases) {
-        r = host(c.args);
+        const HostRun r = host(c.args);
         EXPECT_EQ(r.exitCode, 2) << qPrintable(c.args.join(u' '));
         ASSERT_EQ(r.errLines().size(), 1) << r.err.constData();
         EXPECT_TRUE(r.errLines().first().contains(QLatin1String(c.says))) << r.err.constData();
         EXPECT_TRUE(r.out.isEmpty()) << r.out.constData();
+        EXPECT_FALSE(QFileInfo::exists(out));
     }
+    EXPECT_EQ(readFile(path(QStringLiteral("edited.txt"))), edited);
 }
 
-TEST_F(TextFiles, ABadTextFileStopsTheRunWithItsLineAndWritesNothing) {
-    const QString out = path(QStringLiteral("out.syx"));
-    const QString edited = path(QStringLiteral("edited.txt"));
-    const QByteArray text = "# Model: GT-10\n# a comment\nAddress 19105 = 300\n";
-    writeFile(edited, text);
-    HostRun r = host({QStringLiteral("--data"), edited, QStringLiteral("--export"), out});
-    EXPECT_EQ(r.exitCode, 2);
-    ASSERT_EQ(r.errLines().size(), 1) << r.err.constData();
-    EXPECT_TRUE(r.errLines().first().contains(QLatin1String("edited.txt\" is not usable: line 3:")))
-        << r.err.constData();
-    EXPECT_FALSE(QFileInfo::exists(out));
-    EXPECT_EQ(readFile(edited), text);
-
-    // A --model that disagrees with the file's.
-    writeFile(edited, "# Model: GT-10\n");
-    r = host({QStringLiteral("--model"), QStringLiteral("8"), QStringLiteral("--data"), edited,
-              QStringLiteral("--export"), out});
-    EXPECT_EQ(r.exitCode, 2);
-    EXPECT_TRUE(r.err.contains("holds GT-10 system data, not GT-8")) << r.err.constData();
-    EXPECT_FALSE(QFileInfo::exists(out));
-
-    // A value outside its range that its byte holds is kept, and said.
+// A value outside its range that its byte holds is kept, and said.
+TEST_F(TextFiles, AValueOutsideItsRangeIsKeptAndSaid) {
     const Parameter* knob = nullptr;
     for (const Parameter& p : ParameterIndex::of(10).parameters())
         if (knob == nullptr && p.bytes == 1 && p.maximum < 127) knob = &p;
     ASSERT_NE(knob, nullptr);
-    writeFile(edited, "# Model: GT-10\n" + knob->name().toUtf8() + " = 127\n");
-    r = host({QStringLiteral("--data"), edited, QStringLiteral("--export"), out});
+    const QString out = path(QStringLiteral("out.syx"));
+    writeFile(path(QStringLiteral("edited.txt")),
+              "# Model: GT-10\n" + knob->name().toUtf8() + " = 127\n");
+    const HostRun r = host({QStringLiteral("--data"), path(QStringLiteral("edited.txt")),
+                            QStringLiteral("--export"), out});
     EXPECT_EQ(r.exitCode, 0) << r.err.constData();
     EXPECT_EQ(r.errLines(),
               QStringList{QStringLiteral("ferrule-host: edited.txt: line 2: %1 = 127 is outside "

@@ -12,17 +12,6 @@
 
 using namespace ferrule;
 
-namespace {
-
-QStringList linesOf(const QByteArray& out) {
-    QStringList lines;
-    for (const QString& line : QString::fromUtf8(out).split(QLatin1Char('\n')))
-        if (line.contains(QLatin1String(" -> "))) lines << line;
-    return lines;
-}
-
-} // namespace
-
 // What a read-back finds, for every model and every fault, is SendVerifier's, tested over the
 // loopback; here the command line says it: its exit, its lines, its history.
 TEST(TransmitVerify, ExitSaysWhetherTheDeviceHoldsWhatWasSentAndListsWhatItDoesNot) {
@@ -54,8 +43,7 @@ TEST(TransmitVerify, ExitSaysWhetherTheDeviceHoldsWhatWasSentAndListsWhatItDoesN
     EXPECT_EQ(r.exitCode, 0) << r.err.constData() << r.out.constData();
     EXPECT_TRUE(r.out.contains("verified: the GT-")) << r.out.constData();
     // ...and the history keeps the send as verified.
-    EXPECT_EQ(historyLines(runHost({QStringLiteral("--history")}, dir.path())).value(0).value(2),
-              QStringLiteral("verified"));
+    EXPECT_EQ(history(dir.path()).value(0).value(2), QStringLiteral("verified"));
 
     // One byte the device keeps: exit 4, that one parameter.
     const auto parameters = ParameterIndex::of(model).parameters();
@@ -67,7 +55,8 @@ TEST(TransmitVerify, ExitSaysWhetherTheDeviceHoldsWhatWasSentAndListsWhatItDoesN
     keeping[kept->address] = before[kept->address];
     r = transmitTo({QStringLiteral("--keep-byte"), QString::number(kept->address)});
     EXPECT_EQ(r.exitCode, 4) << r.err.constData() << r.out.constData();
-    const QStringList keptLines = linesOf(r.out);
+    const QStringList keptLines =
+        QString::fromUtf8(r.out).split(QLatin1Char('\n')).filter(QStringLiteral(" -> "));
     ASSERT_EQ(keptLines.size(), 1) << r.out.constData();
     EXPECT_TRUE(keptLines[0].startsWith(kept->name() + QLatin1Char(':')))
         << qPrintable(keptLines[0]);

@@ -6,6 +6,7 @@
 #include "DocumentFiles.h"
 #include "EditorDriver.h"
 #include "HostOptionsForTests.h"
+#include "HostProcess.h"
 #include "LoopbackDriver.h"
 #include "MidiInput.h"
 #include "MidiModule.h"
@@ -129,13 +130,7 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
     ASSERT_TRUE(writeFile(path, original));
     // Another ferrule-host edits the file in its editor; the lock lives in the runtime folder,
     // which this process and the other share.
-    QTemporaryDir runtime;
-    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime.path()));
-    QProcess other;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
-    env.insert(QStringLiteral("FERRULE_SETTINGS_ROOT"), dir.path());
-    other.setProcessEnvironment(env);
+    qputenv("XDG_RUNTIME_DIR", QFile::encodeName(dir.path()));
     const QStringList edit = {QStringLiteral("--edit"),
                               QStringLiteral("--model"),
                               QString::number(model),
@@ -143,6 +138,8 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
                               path,
                               QStringLiteral("--plugin"),
                               QStringLiteral(FERRULE_PLUGIN_FILE)};
+    QProcess other;
+    other.setProcessEnvironment(hostEnvironment(dir.path(), {}));
     other.start(QStringLiteral(FERRULE_HOST_BINARY), edit);
     ASSERT_TRUE(other.waitForStarted());
     ASSERT_TRUE(
@@ -150,15 +147,13 @@ TEST(MainWindow, AFileWithUnsavedChangesInAnotherHostIsOpenedReadOnlyUntilThatHo
         << other.readAllStandardError().constData();
 
     // A third one that would edit it is refused, with the reason.
-    QProcess third;
-    third.setProcessEnvironment(env);
-    third.start(QStringLiteral(FERRULE_HOST_BINARY), edit);
-    ASSERT_TRUE(third.waitForFinished(120000));
-    EXPECT_EQ(third.exitCode(), 2);
-    EXPECT_TRUE(third.readAllStandardError().contains(
+    const HostRun third = runHost(edit, dir.path(), 120000);
+    EXPECT_EQ(third.exitCode, 2);
+    EXPECT_TRUE(third.err.contains(
         QStringLiteral("has unsaved changes in another ferrule-host (process %1)")
             .arg(other.processId())
-            .toUtf8()));
+            .toUtf8()))
+        << third.err.constData();
 
     // The window asks, opens it read-only, and a save goes elsewhere or nowhere.
     MainWindow window(hostOptionsForTests(model),

@@ -4,6 +4,8 @@
 // opens the editor on the parameter's page.
 
 #include "ui/SettingsView.h"
+#include "DocumentFiles.h"
+#include "EditorDriver.h"
 #include "HostOptionsForTests.h"
 #include "ImageSpans.h"
 #include "QtPrinters.h"
@@ -20,20 +22,19 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QDir>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <QToolButton>
 #include <QTreeView>
 #include <QUndoStack>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 #include <random>
 #include <set>
 
@@ -63,13 +64,6 @@ QByteArray changeSome(int model, QByteArray image, int every, std::mt19937& rand
     for (const Parameter& p : ParameterIndex::of(model).parameters())
         if (p.value(bytesOf(image)) != p.value(bytesOf(before))) changed->insert(&p);
     return image;
-}
-
-QString writeRaw(const QTemporaryDir& dir, const QString& name, const QByteArray& image) {
-    const QString path = dir.filePath(name);
-    QFile f(path);
-    EXPECT_TRUE(f.open(QIODevice::WriteOnly) && f.write(image) == image.size());
-    return path;
 }
 
 // The parameters the tree shows (through the filter), and every row's parameter.
@@ -196,7 +190,8 @@ TEST_P(SettingsViewTest, AComparedFileMarksExactlyTheParametersThatDifferAndTaki
     // A byte no parameter covers differs too: it is not a setting, so it is not marked.
     const std::span<const int> uncovered = ParameterIndex::of(model()).uncoveredBytes();
     if (!uncovered.empty()) theirs[uncovered[0]] = char(theirs[uncovered[0]] ^ 1);
-    ASSERT_TRUE(w->compareWithFile(writeRaw(dir, QStringLiteral("theirs.bin"), theirs)))
+    ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("theirs.bin")), theirs));
+    ASSERT_TRUE(w->compareWithFile(dir.filePath(QStringLiteral("theirs.bin"))))
         << qPrintable(w->lastResult());
     EXPECT_FALSE(view.tree()->isColumnHidden(SettingsModel::Compared));
 
@@ -325,8 +320,9 @@ TEST(SettingsView, AFileThatCannotBeComparedIsSaidInOneLineAndChangesNothing) {
     const int model = 8;
     MainWindow w(hostOptionsForTests(model), SystemDocument(model, Sysex::defaultHeader(model)));
     const QByteArray image = w.document().image();
-    for (const QString& path : {dir.filePath(QStringLiteral("missing.syx")),
-                                writeRaw(dir, QStringLiteral("short.bin"), QByteArray(100, 0))}) {
+    ASSERT_TRUE(writeFile(dir.filePath(QStringLiteral("short.bin")), QByteArray(100, 0)));
+    for (const QString& path :
+         {dir.filePath(QStringLiteral("missing.syx")), dir.filePath(QStringLiteral("short.bin"))}) {
         EXPECT_FALSE(w.compareWithFile(path));
         EXPECT_TRUE(w.lastResult().startsWith(QLatin1String("not compared: ")))
             << qPrintable(w.lastResult());
@@ -351,36 +347,29 @@ TEST(SettingsView, EnterOnAParameterOpensTheEditorOnItsPage) {
                      SystemDocument(model, Sysex::defaultHeader(model)));
         w.show();
         SettingsView& view = *w.settingsView();
-        std::vector<QString> pages;
+        // The first parameter of each page.
+        std::map<QString, const Parameter*> firsts;
         for (const Parameter& p : ParameterIndex::of(model).parameters())
-            if (std::ranges::find(pages, p.page) == pages.end()) pages.push_back(p.page);
-        for (const QString& page : pages) {
+            firsts.try_emplace(p.page, &p);
+        for (const auto& [page, first] : firsts) {
             SCOPED_TRACE(QStringLiteral("GT-%1 %2").arg(model).arg(page).toStdString());
             int expected = -1;
             for (int tab = 0; tab < kTabCount; ++tab)
                 if (ButtonArt::tabCaption(tab) == page) expected = kTabPages[std::size_t(tab)];
             ASSERT_GT(expected, 0);
-            const Parameter* first = nullptr;
-            for (const Parameter& p : ParameterIndex::of(model).parameters())
-                if (!first && p.page == page) first = &p;
             view.tree()->setCurrentIndex(
                 view.filter()->mapFromSource(view.model()->indexOf(first)));
             // The editor, once open, says which page it shows and is cancelled.
             int shownPage = -1;
             QString said;
-            QTimer look;
-            look.setInterval(10);
-            QObject::connect(&look, &QTimer::timeout, [&] {
-                for (QWidget* editor : QApplication::topLevelWidgets())
-                    if (editor->objectName() == QLatin1String("SysForm") && editor->isVisible()) {
-                        look.stop();
-                        shownPage = editor->property("CurrentPage").toInt();
-                        said = w.lastResult();
-                        QWidget* cancel = editor->findChild<QWidget*>(QStringLiteral("CButton2"));
-                        QTest::mouseClick(cancel, Qt::LeftButton, {}, cancel->rect().center());
-                    }
-            });
-            look.start();
+            EditorDriver look;
+            look.cancel = true;
+            look.step = false;
+            look.beforeClose = [&] {
+                shownPage = look.editor->property("CurrentPage").toInt();
+                said = w.lastResult();
+            };
+            look.arm();
             QTest::keyClick(view.tree(), Qt::Key_Return);
             // The editor takes the pages it remembers, up to 10; others are a tab away.
             EXPECT_EQ(shownPage, expected <= 10 ? expected : 1);

@@ -1,8 +1,8 @@
 #pragma once
 
 // Drives the plug-in's modal editor as a person would, from inside the running dialog: a left
-// click on a knob's value steps it down by one, then OK (or Cancel). Arm it just before the
-// editor opens.
+// click on a knob's value steps it down by one (unless `step` is off), then OK (or Cancel). Arm
+// it just before the editor opens.
 
 #include <QApplication>
 #include <QTest>
@@ -17,12 +17,13 @@ struct EditorDriver {
     bool done = false;
     std::function<void()> beforeClose; // runs between the click and closing the editor
     bool cancel = false;               // close with Cancel instead of OK
+    bool step = true;                  // click a knob
+    QWidget* editor = nullptr;         // the editor window, once it is open
 
     void arm() {
         auto* timer = new QTimer;
         timer->setInterval(20);
         QObject::connect(timer, &QTimer::timeout, [this, timer] {
-            QWidget* editor = nullptr;
             for (QWidget* w : QApplication::topLevelWidgets())
                 if (w->objectName() == QLatin1String("SysForm") && w->isVisible()) editor = w;
             if (!editor) return;
@@ -30,7 +31,7 @@ struct EditorDriver {
             timer->deleteLater();
             // The plug-in has its own copy of the control classes: find them by class name and
             // read them through their properties.
-            for (QWidget* knob : editor->findChildren<QWidget*>()) {
+            for (QWidget* knob : step ? editor->findChildren<QWidget*>() : QList<QWidget*>()) {
                 if (qstrcmp(knob->metaObject()->className(), "ferrule::RKnob") != 0) continue;
                 if (!knob->isVisible() || knob->property("Off").toBool() ||
                     knob->property("Value").toInt() <= knob->property("minimum").toInt())

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "HostProcess.h"
+#include "ImageFiles.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -11,16 +11,7 @@ class HostFiles : public ::testing::Test {
 protected:
     QString path(const QString& name) const { return dir.filePath(name); }
     QString root() const { return dir.filePath(QStringLiteral("settings")); }
-
-    static void writeFile(const QString& file, const QByteArray& bytes) {
-        QFile f(file);
-        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-        f.write(bytes);
-    }
-    static QByteArray readFile(const QString& file) {
-        QFile f(file);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-    }
+    HostRun host(const QStringList& args) const { return runHost(args, root()); }
 
     QTemporaryDir dir;
 };

@@ -4,6 +4,7 @@
 #include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 // Runs the real ferrule-host with the offscreen platform and a private settings root.
 struct HostRun {
@@ -28,6 +29,19 @@ inline QProcessEnvironment hostEnvironment(const QString& settingsRoot,
     return env;
 }
 
+// Waits for a started process to end (killing it after `timeoutMs`) and adds what it said to `r`.
+inline HostRun finished(QProcess& p, HostRun r, int timeoutMs) {
+    if (!p.waitForFinished(timeoutMs)) {
+        p.kill();
+        p.waitForFinished();
+        return r;
+    }
+    r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+    r.out = p.readAllStandardOutput();
+    r.err += p.readAllStandardError();
+    return r;
+}
+
 // Starts ferrule-host, waits until its stderr shows `cue`, calls `atCue`, then lets it finish.
 template <typename AtCue>
 inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRoot,
@@ -41,15 +55,7 @@ inline HostRun runHostWithCue(const QStringList& args, const QString& settingsRo
     while (!r.err.contains(cue) && p.waitForReadyRead(timeoutMs))
         r.err += p.readAllStandardError();
     if (r.err.contains(cue)) atCue();
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return r;
-    }
-    r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = p.readAllStandardOutput();
-    r.err += p.readAllStandardError();
-    return r;
+    return finished(p, r, timeoutMs);
 }
 
 // Runs a program (ferrule-host, or another build's) in ferrule-host's environment.
@@ -59,16 +65,7 @@ inline HostRun runProgram(const QString& program, const QStringList& args,
     QProcess p;
     p.setProcessEnvironment(hostEnvironment(settingsRoot, extra));
     p.start(program, args);
-    HostRun r;
-    if (!p.waitForFinished(timeoutMs)) {
-        p.kill();
-        p.waitForFinished();
-        return r;
-    }
-    r.exitCode = p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
-    r.out = p.readAllStandardOutput();
-    r.err = p.readAllStandardError();
-    return r;
+    return finished(p, {}, timeoutMs);
 }
 
 inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int timeoutMs = 60000,
@@ -76,9 +73,12 @@ inline HostRun runHost(const QStringList& args, const QString& settingsRoot, int
     return runProgram(QStringLiteral(FERRULE_HOST_BINARY), args, settingsRoot, timeoutMs, extra);
 }
 
-// The lines `ferrule-host --history` printed, each split into its fields (time, model, kind,
-// ports, file), newest first.
-inline QList<QStringList> historyLines(const HostRun& r) {
+// `ferrule-host --history` in the settings root: each line split into its fields (time, model,
+// kind, ports, file), newest first.
+inline QList<QStringList> history(const QString& settingsRoot) {
+    const HostRun r = runHost({QStringLiteral("--history")}, settingsRoot);
+    EXPECT_EQ(r.exitCode, 0) << r.err.constData();
+    EXPECT_TRUE(r.err.isEmpty()) << r.err.constData();
     QList<QStringList> lines;
     for (const QString& line :
          QString::fromUtf8(r.out).split(QLatin1Char('\n'), Qt::SkipEmptyParts))

@@ -2,6 +2,7 @@
 
 // Images of random settings, and files holding them, for tests against a device.
 
+#include "device/DumpMap.h"
 #include "device/ModelDescription.h"
 
 #include <QByteArray>
@@ -24,4 +25,21 @@ inline void writeFile(const QString& path, const QByteArray& bytes) {
     QFile f(path);
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write(bytes);
+}
+
+inline QByteArray readFile(const QString& path) {
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// How many of the bytes the model's messages carry differ between two images.
+inline int mappedDifferences(const QByteArray& a, const QByteArray& b, int model) {
+    int differences = 0;
+    for (const ferrule::DumpMap::Block& block : ferrule::DumpMap::of(model).blocks()) {
+        if (!block.inImage) continue;
+        const int length = block.nibbles ? block.units / 2 : block.units;
+        for (int i = block.start; i < block.start + length; ++i)
+            differences += a[i] != b[i];
+    }
+    return differences;
 }

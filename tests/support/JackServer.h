@@ -35,9 +35,7 @@ public:
     // Ends the server, as a user quitting it would.
     void stop() {
         if (jackd_.state() == QProcess::NotRunning) return;
-        jackd_.terminate();
-        if (!jackd_.waitForFinished(5000)) jackd_.kill();
-        jackd_.waitForFinished(2000);
+        end(jackd_);
         leftEntry_ = jackd_.exitStatus() != QProcess::NormalExit || jackd_.exitCode() != 0;
     }
     // Starts the stopped server again under the same name, as a user would.
@@ -127,12 +125,16 @@ private:
         const bool up = wait.exitStatus() == QProcess::NormalExit && wait.exitCode() == 0 &&
                         jackd.state() == QProcess::Running;
         if (!up) {
-            jackd.terminate();
-            if (!jackd.waitForFinished(5000)) jackd.kill();
-            jackd.waitForFinished(2000);
+            end(jackd);
             log += QString::fromLocal8Bit(jackd.readAll());
         }
         return up;
+    }
+    // Ends a server as a user quitting it would, and kills it when it does not end.
+    static void end(QProcess& jackd) {
+        jackd.terminate();
+        if (!jackd.waitForFinished(5000)) jackd.kill();
+        jackd.waitForFinished(2000);
     }
     // A server of `name` started and ended cleanly: JACK gives it the entry a killed server
     // of that name left, and it clears the entry and its files on the way out.
@@ -141,9 +143,7 @@ private:
         jackd.setProcessChannelMode(QProcess::MergedChannels);
         QString log;
         if (!run(jackd, name, log)) return; // another test took it back first
-        jackd.terminate();
-        if (!jackd.waitForFinished(5000)) jackd.kill();
-        jackd.waitForFinished(2000);
+        end(jackd);
         JackRegistry::removeFilesOf(name);
     }
     // Two servers starting at the same moment can trip over JACK's registry; the one that

@@ -3,14 +3,11 @@
 // Images as the parameter index reads them, and what differs between two, one line a parameter
 // as the host prints it.
 
+#include "ImageSpans.h"
 #include "catalogue/ParameterIndex.h"
 
 #include <QByteArray>
 #include <QStringList>
-
-inline ferrule::ImageBytes bytesOf(const QByteArray& image) {
-    return {reinterpret_cast<const std::uint8_t*>(image.constData()), std::size_t(image.size())};
-}
 
 // "Page / Heading / Caption [instance]: a -> b" for every parameter in which `a` and `b` differ.
 inline QStringList differenceLines(int model, const QByteArray& a, const QByteArray& b) {

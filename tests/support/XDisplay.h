@@ -11,18 +11,6 @@
 
 // Real windows under Xvfb, driven with xdotool as a person would.
 
-// Runs a program on a display to its end and returns what it printed.
-inline QString runOnDisplay(const QString& program, const QStringList& args,
-                            const QString& display) {
-    QProcess p;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("DISPLAY"), display);
-    p.setProcessEnvironment(env);
-    p.start(program, args);
-    p.waitForFinished(10000);
-    return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
-}
-
 // How a program that should still run has ended, for a failure's message.
 inline std::string ended(QProcess& host) {
     if (host.state() != QProcess::NotRunning) return " (it still runs)";
@@ -63,7 +51,13 @@ public:
     bool tools() const { return !xvfb_.isEmpty() && !xdotool_.isEmpty(); }
     bool running() const { return running_; }
     const QString& name() const { return name_; }
-    QString xdotool(const QStringList& args) const { return runOnDisplay(xdotool_, args, name_); }
+    // Runs xdotool on the display to its end and returns what it printed.
+    QString xdotool(const QStringList& args) const {
+        QProcess p;
+        start(p, xdotool_, args, {});
+        p.waitForFinished(10000);
+        return QString::fromLocal8Bit(p.readAllStandardOutput()).trimmed();
+    }
     // The first window whose name matches, once it is mapped where it is shown: from then on
     // the server hands it the pointer's and the keys' events in the order they are made, and
     // can give it the focus. A window is named before it is mapped, and one not yet mapped
