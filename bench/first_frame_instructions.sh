@@ -10,12 +10,7 @@ shift
 # shellcheck source=process_common.sh
 source "$(dirname "$0")/process_common.sh" "$@"
 start_xvfb
-# Instructions from exec to the first frame of a command.
-instructions() {
-    FERRULE_FIRST_FRAME=exit QT_QPA_PLATFORM=xcb valgrind --tool=callgrind \
-        --callgrind-out-file=/dev/null "$@" 2>&1 >/dev/null |
-        grep -o 'Collected : [0-9]*' | awk '{print $3}'
-}
+export FERRULE_FIRST_FRAME=exit QT_QPA_PLATFORM=xcb
 echo "Instructions up to the first frame in an X window (Xvfb):"
 for model in 3 5 6 8 10; do
     m=$(instructions "$host" --model "$model")

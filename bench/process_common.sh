@@ -75,3 +75,9 @@ start_xvfb() {
     done
     export DISPLAY=":$(cat "$root/display")"
 }
+# Instructions a whole run of a command executes, counted by valgrind's callgrind: a figure that
+# hardly depends on how busy the machine is.
+instructions() {
+    valgrind --tool=callgrind --callgrind-out-file=/dev/null "$@" 2>&1 >/dev/null |
+        grep -o 'Collected : [0-9]*' | awk '{print $3}'
+}

@@ -8,6 +8,8 @@
 # Then the first frame in a real X window (Xvfb): from the start of the process to the end of
 # the first paint of the editor (of the peer, of the floor), as each prints it when
 # FERRULE_FIRST_FRAME is set. Measured processes run at nice -5 when allowed.
+# Last, with valgrind, the instructions of one offscreen run of each, which a busy machine does
+# not blur.
 # Needs python3 (to count the widgets) and Xvfb. Usage: bench/start_vs_peer.sh [build] [runs]
 set -euo pipefail
 # shellcheck source=process_common.sh
@@ -69,4 +71,15 @@ for model in 3 5 6 8 10; do
     awk -v n="$model" -v h="$h" -v p="$p" -v rp="$rp" -v f="$f" -v rf="$rf" \
         'BEGIN { printf "GT-%s: editor %.1f ms, peer %.1f ms (%.2fx), floor %.1f ms (%.2fx)\n",
                  n, h/1000, p/1000, rp, f/1000, rf }'
+done
+
+command -v valgrind >/dev/null || exit 0
+echo "Instructions of one offscreen run to PNG (valgrind's callgrind):"
+for model in 3 5 6 8 10; do
+    h=$(instructions "$host" --edit --model "$model" --page 1 --screenshot "$root/h.png")
+    # shellcheck disable=SC2086
+    p=$(instructions "$peer" ${counts[$model]} --screenshot "$root/p.png")
+    f=$(instructions "$peer" --empty --screenshot "$root/f.png")
+    awk -v n="$model" -v h="$h" -v p="$p" -v f="$f" \
+        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), floor %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, f/1e6, h/f }'
 done
