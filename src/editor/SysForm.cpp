@@ -476,15 +476,14 @@ void SysForm::ToggleTransmission() {
     transmitted_ = true;
 }
 
-SystemImage SysForm::readHostImage() const {
-    SystemImage image;
-    for (int i = 0; i < SystemImage::kSize; ++i)
-        image.set(i, state_.host.sysData(i));
-    return image;
+std::array<std::uint8_t, SystemImage::kSize> SysForm::readHostImage() const {
+    std::array<std::uint8_t, SystemImage::kSize> bytes;
+    state_.host.readSysData(bytes);
+    return bytes;
 }
 
 void SysForm::ReloadFromHost() {
-    const SystemImage reloaded = readHostImage();
+    const auto reloaded = readHostImage();
     history_->clear();
     {
         // One rebuild below, whatever changed.
@@ -522,9 +521,7 @@ void SysForm::redo() {
 }
 
 bool SysForm::differsFromHost() const {
-    for (int i = 0; i < SystemImage::kSize; ++i)
-        if (state_.host.sysData(i) != state_.image.at(i)) return true;
-    return false;
+    return state_.host.firstSysDataDifference(state_.image.bytes()) >= 0;
 }
 
 void SysForm::CancelEdit() {

@@ -149,7 +149,7 @@ private:
     std::vector<QWidget*> chromeFocusOrder() const;
     std::vector<ImageButton*> tabBarOrder() const;
     int modeButtonIndex() const;
-    SystemImage readHostImage() const;
+    std::array<std::uint8_t, SystemImage::kSize> readHostImage() const;
     void imageChanged();
     void refreshPage();
     void showTabPicture(int tab, int picture);

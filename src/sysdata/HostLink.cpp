@@ -88,11 +88,15 @@ bool plainInts(const QMetaMethod& m, int argumentCount, bool returnsInt) {
 
 } // namespace
 
-int HostLink::sysData(int index) const {
+void HostLink::resolveSysDataGet() const {
     if (sysDataGet_ == -1 && host_) {
         const int i = methodIndex("SysData", 1); // throws, naming the member, when missing
         sysDataGet_ = plainInts(host_->metaObject()->method(i), 1, true) ? i : -2;
     }
+}
+
+int HostLink::sysData(int index) const {
+    resolveSysDataGet();
     if (sysDataGet_ < 0 || host_.isNull())
         return toByte(call("SysData", {index}), "SysData", index);
     int result = 0;
@@ -100,6 +104,44 @@ int HostLink::sysData(int index) const {
     QMetaObject::metacall(host_.data(), QMetaObject::InvokeMetaMethod, sysDataGet_, argv);
     if (result < 0 || result > 255) return toByte(result, "SysData", index); // names the fault
     return result;
+}
+
+HostLink::Getter HostLink::getter() const {
+    Getter g;
+    resolveSysDataGet();
+    if (sysDataGet_ < 0 || host_.isNull()) return g;
+    const QMetaMethod method = host_->metaObject()->method(sysDataGet_);
+    const QMetaObject* owner = method.enclosingMetaObject();
+    g.call = owner ? owner->d.static_metacall : nullptr;
+    if (!g.call) return g;
+    g.target = host_.data();
+    g.localIndex = sysDataGet_ - owner->methodOffset();
+    return g;
+}
+
+int HostLink::Getter::get(int index) const {
+    int result = 0;
+    void* argv[] = {&result, &index};
+    call(target, QMetaObject::InvokeMetaMethod, localIndex, argv);
+    if (result < 0 || result > 255) return toByte(result, "SysData", index); // names the fault
+    return result;
+}
+
+void HostLink::readSysData(std::span<std::uint8_t> out) const {
+    if (out.empty()) return;
+    const Getter g = getter();
+    const int count = int(out.size());
+    for (int i = 0; i < count; ++i)
+        out[std::size_t(i)] = std::uint8_t(g.call ? g.get(i) : sysData(i));
+}
+
+int HostLink::firstSysDataDifference(std::span<const std::uint8_t> bytes) const {
+    if (bytes.empty()) return -1;
+    const Getter g = getter();
+    const int count = int(bytes.size());
+    for (int i = 0; i < count; ++i)
+        if ((g.call ? g.get(i) : sysData(i)) != bytes[std::size_t(i)]) return i;
+    return -1;
 }
 
 void HostLink::setSysData(int index, int value) const {

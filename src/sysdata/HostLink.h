@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QByteArray>
+#include <QObject>
 #include <QPointer>
 #include <QVariant>
-#include <vector>
 
+#include <cstdint>
 #include <initializer_list>
-
-class QObject;
+#include <span>
+#include <vector>
 
 namespace ferrule {
 
@@ -39,7 +40,25 @@ public:
     int sysData(int index) const;
     void setSysData(int index, int value) const;
 
+    // SysData(i) for every i from 0 to out.size() - 1 in ascending order, into out: one host
+    // call per index, as sysData() makes it, with its errors at the index that fails.
+    void readSysData(std::span<std::uint8_t> out) const;
+    // The first index i at which SysData(i) differs from bytes[i], asking in ascending order
+    // and no further; -1 when none does.
+    int firstSysDataDifference(std::span<const std::uint8_t> bytes) const;
+
 private:
+    // SysData(index) straight through the declaring class's static dispatcher when the getter
+    // takes and returns plain integers (what QMetaMethod::invoke does for a direct call);
+    // through sysData() otherwise.
+    struct Getter {
+        QObject* target = nullptr;
+        QMetaObject::Data::StaticMetacallFunction call = nullptr;
+        int localIndex = -1;
+        int get(int index) const;
+    };
+    Getter getter() const;
+    void resolveSysDataGet() const;
     int methodIndex(const char* name, int argumentCount) const;
     void requireHost(const char* name) const;
 

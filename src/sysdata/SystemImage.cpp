@@ -60,24 +60,24 @@ QByteArray SystemImage::toByteArray() const {
     return QByteArray(reinterpret_cast<const char*>(bytes_.data()), kSize);
 }
 
-void SystemImage::assign(const QByteArray& data) {
-    if (data.size() != kSize)
+void SystemImage::assign(std::span<const std::uint8_t> in) {
+    if (in.size() != std::size_t(kSize))
         throw FerruleError(
-            QStringLiteral("system data must be %1 bytes, not %2").arg(kSize).arg(data.size()));
-    const auto* in = reinterpret_cast<const std::uint8_t*>(data.constData());
+            QStringLiteral("system data must be %1 bytes, not %2").arg(kSize).arg(in.size()));
     int first = kSize;
     int last = -1;
     for (int i = 0; i < kSize; ++i)
-        if (bytes_[std::size_t(i)] != in[i]) {
+        if (bytes_[std::size_t(i)] != in[std::size_t(i)]) {
             first = std::min(first, i);
             last = i;
         }
-    std::copy(in, in + kSize, bytes_.begin());
+    std::copy(in.begin(), in.end(), bytes_.begin());
     changed(first, last);
 }
 
-void SystemImage::assign(const SystemImage& other) {
-    assign(other.toByteArray());
+void SystemImage::assign(const QByteArray& data) {
+    assign(std::span(reinterpret_cast<const std::uint8_t*>(data.constData()),
+                     std::size_t(data.size())));
 }
 
 void SystemImage::apply(std::span<const ByteWrite> writes) {

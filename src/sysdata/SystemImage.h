@@ -44,8 +44,10 @@ public:
 
     const std::array<std::uint8_t, kSize>& bytes() const { return bytes_; }
     QByteArray toByteArray() const;
+    // Replaces every byte; reports one range that covers those that changed.
+    void assign(std::span<const std::uint8_t> data);
     void assign(const QByteArray& data);
-    void assign(const SystemImage& other);
+    void assign(const SystemImage& other) { assign(other.bytes_); }
     // Writes every byte of `writes` and reports one range that covers those that changed.
     void apply(std::span<const ByteWrite> writes);
 

@@ -40,13 +40,26 @@ TEST(HostLink, ErrorsNameTheMember) {
 }
 
 namespace {
-// A host whose SysData has plain integer types, as ferrule-host's has: the resolved path.
+// A host whose SysData has plain integer types, as ferrule-host's has: the resolved path. It
+// records the indexes it is asked for.
 class IntHost : public QObject {
     Q_OBJECT
 public:
     std::vector<int> data = std::vector<int>(16, 0);
-    Q_INVOKABLE int SysData(int index) const { return data.at(std::size_t(index)); }
+    mutable std::vector<int> asked;
+    Q_INVOKABLE int SysData(int index) const {
+        asked.push_back(index);
+        return data.at(std::size_t(index));
+    }
     Q_INVOKABLE void SysData(int index, int value) { data.at(std::size_t(index)) = value; }
+};
+// The same members inherited by a class with invokable methods of its own: a resolved call
+// must be made through the class that declares SysData, with its index there.
+class DerivedIntHost : public IntHost {
+    Q_OBJECT
+public:
+    Q_INVOKABLE int Other(int) const { return -1; }
+    Q_INVOKABLE int Another(int) const { return -2; }
 };
 class NoSysDataHost : public QObject {
     Q_OBJECT
@@ -70,6 +83,57 @@ TEST(HostLink, TheResolvedSysDataPathBehavesAsTheCallByName) {
     EXPECT_NE(errorOf([&] { link.setSysData(0, 1); }).find("SysData"), std::string::npos);
     link.setHost(&host);
     EXPECT_EQ(link.sysData(5), 77);
+}
+
+namespace {
+// Whole-image reads and the first difference ask the host once per index, in ascending order,
+// and no further than the answer needs; a value that is not a byte is named with its index.
+template <typename Host> void checkWholeImageCalls(Host& host) {
+    HostLink link;
+    link.setHost(&host);
+    std::vector<int> ascending(host.data.size());
+    for (std::size_t i = 0; i < host.data.size(); ++i) {
+        host.data[i] = int((i * 37 + 5) % 256);
+        ascending[i] = int(i);
+    }
+    std::vector<std::uint8_t> bytes(host.data.size());
+    link.readSysData(bytes);
+    EXPECT_TRUE(std::equal(bytes.begin(), bytes.end(), host.data.begin()));
+    EXPECT_EQ(host.asked, ascending);
+
+    host.asked.clear();
+    EXPECT_EQ(link.firstSysDataDifference(bytes), -1);
+    EXPECT_EQ(host.asked, ascending);
+    host.asked.clear();
+    host.data[9] ^= 1;
+    EXPECT_EQ(link.firstSysDataDifference(bytes), 9);
+    EXPECT_EQ(host.asked, std::vector<int>(ascending.begin(), ascending.begin() + 10));
+
+    host.data[12] = 256;
+    EXPECT_NE(errorOf([&] { link.readSysData(bytes); }).find("SysData(12)"), std::string::npos);
+    EXPECT_EQ(bytes[11], host.data[11]) << "the bytes before the fault are read";
+}
+} // namespace
+
+TEST(HostLink, WholeImageReadsAskEachIndexOnceInOrder) {
+    IntHost plain;
+    checkWholeImageCalls(plain);
+    DerivedIntHost derived;
+    checkWholeImageCalls(derived);
+    // A host whose SysData returns a variant goes through the call by name, with the same law.
+    TestHost variant;
+    variant.fillPattern();
+    HostLink link;
+    link.setHost(&variant);
+    std::vector<std::uint8_t> bytes(64);
+    link.readSysData(bytes);
+    for (int i = 0; i < 64; ++i)
+        ASSERT_EQ(bytes[std::size_t(i)], std::uint8_t(variant.image[i])) << i;
+    EXPECT_EQ(variant.reads, 64);
+    variant.overrides.push_back({40, int(bytes[40] ^ 1)});
+    EXPECT_EQ(link.firstSysDataDifference(bytes), 40);
+    variant.overrides.push_back({20, 300});
+    EXPECT_NE(errorOf([&] { link.readSysData(bytes); }).find("SysData(20)"), std::string::npos);
 }
 
 #include "HostLinkTest.moc"
