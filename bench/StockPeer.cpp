@@ -1,11 +1,13 @@
 // A stock Qt 6 dialog made of the same kinds and counts of widgets as the editor's first page,
 // at the editor's fixed size, rendered to PNG the same way `ferrule-host --screenshot` renders
 // the editor: the peer that the editor's start-up is measured against (bench/start_vs_peer.sh).
-// With --empty it is the floor: the same dialog with nothing in it. Without --screenshot it
-// stays on the screen (FERRULE_FIRST_FRAME says when it is first painted).
+// With --empty it is the floor: the same dialog with nothing in it. With --page-fonts its texts
+// are drawn in the page's seven sizes and weights instead of the one default font, so that a
+// comparison can tell the cost of the fonts from the rest. Without --screenshot it stays on the
+// screen (FERRULE_FIRST_FRAME says when it is first painted).
 //
 //   ferrule_stock_peer --knobs N --sliders N --switches N --groups 2,2,4 --headings N
-//                      --buttons N --tabs N [--empty] [--screenshot FILE.png]
+//                      --buttons N --tabs N [--page-fonts] [--empty] [--screenshot FILE.png]
 
 #include <QApplication>
 #include <QCheckBox>
@@ -41,6 +43,25 @@ int show(QDialog& window, const QString& file) {
     return 0;
 }
 
+// The page's texts: headings 12 px bold, captions 10 px, values 11 px, switch faces 8 px bold,
+// option titles 10 px bold, command and tab buttons 11 px bold, the rest the default 12 px.
+enum class Text { Heading, Caption, Value, Switch, OptionTitle, Option, Button };
+bool pageFonts = false;
+template <typename W> W* styled(W* w, Text text) {
+    if (!pageFonts) return w;
+    struct Face {
+        int pixels;
+        bool bold;
+    };
+    static const Face faces[] = {{12, true}, {10, false}, {11, false}, {8, true},
+                                 {10, true}, {11, false}, {11, true}};
+    QFont f = w->font();
+    f.setPixelSize(faces[int(text)].pixels);
+    f.setBold(faces[int(text)].bold);
+    w->setFont(f);
+    return w;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -58,8 +79,10 @@ int main(int argc, char** argv) {
     const QCommandLineOption groups(QStringLiteral("groups"), QString(), QStringLiteral("LIST"));
     const QCommandLineOption shot(QStringLiteral("screenshot"), QString(), QStringLiteral("FILE"));
     const QCommandLineOption empty(QStringLiteral("empty"));
-    parser.addOptions({groups, shot, empty});
+    const QCommandLineOption fonts(QStringLiteral("page-fonts"));
+    parser.addOptions({groups, shot, empty, fonts});
     parser.process(app);
+    pageFonts = parser.isSet(fonts);
     const auto n = [&](const QCommandLineOption& o) { return parser.value(o).toInt(); };
 
     ferrule::FirstFrameReport::installIfAsked();
@@ -71,9 +94,10 @@ int main(int argc, char** argv) {
     auto* outer = new QVBoxLayout(&window);
     auto* top = new QHBoxLayout;
     for (int i = 0; i < n(buttons); ++i)
-        top->addWidget(new QPushButton(QStringLiteral("Button %1").arg(i + 1)));
+        top->addWidget(
+            styled(new QPushButton(QStringLiteral("Button %1").arg(i + 1)), Text::Button));
     outer->addLayout(top);
-    auto* tabWidget = new QTabWidget;
+    auto* tabWidget = styled(new QTabWidget, Text::Button);
     outer->addWidget(tabWidget);
     auto* page = new QWidget;
     tabWidget->addTab(page, QStringLiteral("Page 1"));
@@ -92,7 +116,7 @@ int main(int argc, char** argv) {
     };
     QList<Box> boxes;
     for (int h = 0; h < std::max(1, n(headings)); ++h) {
-        auto* box = new QGroupBox(QStringLiteral("Heading %1").arg(h + 1));
+        auto* box = styled(new QGroupBox(QStringLiteral("Heading %1").arg(h + 1)), Text::Heading);
         auto* row = new QHBoxLayout(box);
         row->setContentsMargins(4, 2, 4, 2);
         row->setSpacing(2);
@@ -106,9 +130,9 @@ int main(int argc, char** argv) {
     const auto cell = [&](QWidget* control, const QString& caption, const QString& value) {
         auto* column = new QVBoxLayout;
         column->setSpacing(0);
-        column->addWidget(new QLabel(caption), 0, Qt::AlignHCenter);
+        column->addWidget(styled(new QLabel(caption), Text::Caption), 0, Qt::AlignHCenter);
         column->addWidget(control, 0, Qt::AlignHCenter);
-        column->addWidget(new QLabel(value), 0, Qt::AlignHCenter);
+        column->addWidget(styled(new QLabel(value), Text::Value), 0, Qt::AlignHCenter);
         QHBoxLayout* row = boxes[placed++ % boxes.size()].row;
         row->insertLayout(row->count() - 1, column);
     };
@@ -128,15 +152,16 @@ int main(int argc, char** argv) {
     }
     for (int i = 0; i < n(switches); ++i)
         boxes[sided++ % boxes.size()].side->addWidget(
-            new QCheckBox(QStringLiteral("Switch %1").arg(i + 1)));
+            styled(new QCheckBox(QStringLiteral("Switch %1").arg(i + 1)), Text::Switch));
     int g = 0;
     for (const QString& items : parser.value(groups).split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        auto* box = new QGroupBox(QStringLiteral("Options %1").arg(++g));
+        auto* box = styled(new QGroupBox(QStringLiteral("Options %1").arg(++g)), Text::OptionTitle);
         auto* l = new QVBoxLayout(box);
         l->setContentsMargins(2, 0, 2, 0);
         l->setSpacing(0);
         for (int i = 0; i < items.toInt(); ++i) {
-            auto* r = new QRadioButton(QStringLiteral("Option %1").arg(i + 1));
+            auto* r =
+                styled(new QRadioButton(QStringLiteral("Option %1").arg(i + 1)), Text::Option);
             r->setChecked(i == 0);
             l->addWidget(r);
         }

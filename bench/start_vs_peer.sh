@@ -9,7 +9,8 @@
 # the first paint of the editor (of the peer, of the floor), as each prints it when
 # FERRULE_FIRST_FRAME is set. Measured processes run at nice -5 when allowed.
 # Last, with valgrind, the instructions of one offscreen run of each, which a busy machine does
-# not blur.
+# not blur, and of the peer drawing its texts in the page's seven sizes and weights
+# (--page-fonts): the part of the difference that is the fonts.
 # Needs python3 (to count the widgets) and Xvfb. Usage: bench/start_vs_peer.sh [build] [runs]
 set -euo pipefail
 # shellcheck source=process_common.sh
@@ -79,7 +80,9 @@ for model in 3 5 6 8 10; do
     h=$(instructions "$host" --edit --model "$model" --page 1 --screenshot "$root/h.png")
     # shellcheck disable=SC2086
     p=$(instructions "$peer" ${counts[$model]} --screenshot "$root/p.png")
+    # shellcheck disable=SC2086
+    pf=$(instructions "$peer" ${counts[$model]} --page-fonts --screenshot "$root/p.png")
     f=$(instructions "$peer" --empty --screenshot "$root/f.png")
-    awk -v n="$model" -v h="$h" -v p="$p" -v f="$f" \
-        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), floor %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, f/1e6, h/f }'
+    awk -v n="$model" -v h="$h" -v p="$p" -v pf="$pf" -v f="$f" \
+        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), floor %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, f/1e6, h/f }'
 done
