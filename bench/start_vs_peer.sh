@@ -10,7 +10,8 @@
 # FERRULE_FIRST_FRAME is set. Measured processes run at nice -5 when allowed.
 # Last, with valgrind, the instructions of one offscreen run of each, which a busy machine does
 # not blur, and of the peer drawing its texts in the page's seven sizes and weights
-# (--page-fonts): the part of the difference that is the fonts.
+# (--page-fonts): the part of the difference that is the fonts; then the same counts from exec
+# to the first frame in the X window (FERRULE_FIRST_FRAME=exit ends each process there).
 # Needs python3 (to count the widgets) and Xvfb. Usage: bench/start_vs_peer.sh [build] [runs]
 set -euo pipefail
 # shellcheck source=process_common.sh
@@ -85,4 +86,17 @@ for model in 3 5 6 8 10; do
     f=$(instructions "$peer" --empty --screenshot "$root/f.png")
     awk -v n="$model" -v h="$h" -v p="$p" -v pf="$pf" -v f="$f" \
         'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), floor %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, f/1e6, h/f }'
+done
+echo "Instructions from exec to the first frame in an X window (Xvfb):"
+for model in 3 5 6 8 10; do
+    read -r h p pf f < <(
+        export FERRULE_FIRST_FRAME=exit QT_QPA_PLATFORM=xcb
+        # shellcheck disable=SC2086
+        echo "$(instructions "$host" --edit --model "$model" --page 1)" \
+            "$(instructions "$peer" ${counts[$model]})" \
+            "$(instructions "$peer" ${counts[$model]} --page-fonts)" \
+            "$(instructions "$peer" --empty)"
+    )
+    awk -v n="$model" -v h="$h" -v p="$p" -v pf="$pf" -v f="$f" \
+        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), empty dialog, which draws no text, %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, f/1e6, h/f }'
 done

@@ -26,21 +26,23 @@ bool isLabelOrButton(const QWidget* w) {
            w->property("ferruleCommandButton").toBool();
 }
 
+// The labels and buttons below `parent`, except inside knobs and sliders, which apply their own
+// font when they are created.
+void applyToLabelsAndButtons(const QWidget* parent, const HostFontSettings& font) {
+    for (QObject* o : parent->children()) {
+        auto* child = qobject_cast<QWidget*>(o);
+        if (!child || child->property("ferruleOwnFont").toBool()) continue;
+        if (isLabelOrButton(child)) applyFields(child, font, false);
+        applyToLabelsAndButtons(child, font);
+    }
+}
+
 } // namespace
 
 void ApplyHostFont(QWidget* window, const HostFontSettings& font) {
     if (!window || !font.valid) return;
     applyFields(window, font, false);
-    const auto children = window->findChildren<QWidget*>();
-    for (QWidget* child : children) {
-        // Knobs and sliders apply their own font when they are created.
-        if (child->property("ferruleOwnFont").toBool()) continue;
-        QWidget* parent = child->parentWidget();
-        bool insideControl = false;
-        for (; parent && parent != window; parent = parent->parentWidget())
-            insideControl = insideControl || parent->property("ferruleOwnFont").toBool();
-        if (!insideControl && isLabelOrButton(child)) applyFields(child, font, false);
-    }
+    applyToLabelsAndButtons(window, font);
 }
 
 void ApplyHostFontToControl(QWidget* control, const HostFontSettings& font) {
