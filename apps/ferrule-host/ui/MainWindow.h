@@ -93,6 +93,12 @@ public:
     void newDocument();
     bool edit();
     bool setPorts(const QString& input, const QString& output);
+    // Lists the ports and opens the chosen ones (given on the command line, or remembered from
+    // the last run), once: later calls do nothing. The window does it by itself once it has
+    // first been painted, so that its first frame does not wait for the MIDI systems; until
+    // then the MIDI line says that the ports are being listed.
+    void openChosenPorts();
+    bool portsListed() const { return portsListed_; }
     // Lists the ports again and reopens chosen ports that came back, as Refresh does.
     void refreshPorts();
     // Device > Send and Send Changes, as the menu starts them.
@@ -158,6 +164,11 @@ private:
     void documentReplaced();
     void updateUndoActions();
     std::optional<MidiApi> api() const;
+    // The MIDI system and ports given on the command line, or remembered from the last run.
+    struct PortChoice {
+        QString api, input, output;
+    };
+    PortChoice chosenPorts() const;
 
     SessionOptions options_;
     SystemDocument document_;
@@ -194,6 +205,7 @@ private:
     QString systemProblem_;
     // The ports open when the link last changed, and whether their loss has been said.
     bool hadInput_ = false, hadOutput_ = false, lossSaid_ = false;
+    bool portsListed_ = false;
     bool sendAfterRead_ = false;
     bool readingBack_ = false; // the operation under way reads back a send
     AskSendAgain askSendAgain_;

@@ -126,7 +126,7 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     table_->setAlternatingRowColors(true);
     auto* search = new QLineEdit(this);
     search->setPlaceholderText(QStringLiteral("Filter (any column)"));
-    LateClearButton::install(search);
+    addLateClearButton(search);
     connect(search, &QLineEdit::textChanged, filter_, &QSortFilterProxyModel::setFilterFixedString);
     auto* copy = new QPushButton(QStringLiteral("Copy as hex"), this);
     connect(copy, &QPushButton::clicked, this, &MidiMonitor::copySelection);
