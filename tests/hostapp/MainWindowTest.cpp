@@ -19,6 +19,7 @@
 #include "device/SyxFile.h"
 #include "document/DocumentLock.h"
 #include "sysdata/ParameterEncoding.h"
+#include "ui/MidiMonitor.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -28,6 +29,7 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QStatusBar>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -328,7 +330,8 @@ TEST_F(MainWindowPorts, ChoosingPortsIsNeitherALossNorAReturn) {
 }
 
 // The window's first frame does not wait for the MIDI systems: it lists the ports once it has
-// been painted, and opens the ports named on the command line then. Until then the MIDI line
+// been painted, and opens the ports named on the command line then (and makes the MIDI
+// monitor's panel). Until then the MIDI line
 // says that the ports are being listed, and claims nothing else.
 TEST_F(MainWindowPorts, ListsThePortsOnceShownAndOpensTheNamedOnes) {
     HostOptions o = hostOptionsForTests(8);
@@ -369,4 +372,6 @@ TEST_F(MainWindowPorts, ListsThePortsOnceShownAndOpensTheNamedOnes) {
     EXPECT_EQ(portLabel->text(), QStringLiteral("In: dev out  Out: dev in"));
     EXPECT_EQ(inBox->currentText(), QStringLiteral("dev out"));
     EXPECT_TRUE(receive->isEnabled()) << qPrintable(receive->toolTip());
+    // The MIDI monitor, behind the History at first, has its panel by then.
+    EXPECT_NE(window.monitor()->findChild<QTableView*>(), nullptr);
 }

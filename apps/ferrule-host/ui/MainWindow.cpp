@@ -282,7 +282,7 @@ MainWindow::MainWindow(const SessionOptions& options, SystemDocument document, Q
 
     buildActions();
     buildPorts();
-    AfterFirstPaint::call(this, [this] { openChosenPorts(); });
+    AfterFirstPaint::call(this, [this] { finishStart(); });
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(960, 720);
@@ -434,12 +434,8 @@ void MainWindow::buildPorts() {
     inBox_->setObjectName(QStringLiteral("midiIn"));
     outBox_ = new QComboBox(ports);
     outBox_->setObjectName(QStringLiteral("midiOut"));
-    // The ports are listed once the window is on the screen: the boxes fit the names they hold
-    // then, not only those they held when first shown.
-    for (QComboBox* box : {inBox_, outBox_}) {
-        box->setMinimumContentsLength(18);
-        box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    }
+    inBox_->setMinimumContentsLength(18);
+    outBox_->setMinimumContentsLength(18);
     ports->addWidget(new QLabel(QStringLiteral(" MIDI "), ports));
     ports->addWidget(apiBox_);
     ports->addWidget(new QLabel(QStringLiteral(" In "), ports));
@@ -481,6 +477,11 @@ MainWindow::PortChoice MainWindow::chosenPorts() const {
             given(options_.midiOut, QStringLiteral("MidiOut"))};
 }
 
+void MainWindow::finishStart() {
+    openChosenPorts();
+    monitor_->buildPanel();
+}
+
 void MainWindow::openChosenPorts() {
     if (portsListed_) return;
     portsListed_ = true;
@@ -496,6 +497,10 @@ void MainWindow::openChosenPorts() {
     const int apiIndex = apiBox_->findText(api.toUpper());
     if (apiIndex >= 0) apiBox_->setCurrentIndex(apiIndex);
     setPorts(chosen.input, chosen.output);
+    // The window may have been shown before: the boxes fit the names they hold now, not only
+    // those they held then.
+    for (QComboBox* box : {inBox_, outBox_})
+        box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
 }
 
 std::optional<MidiApi> MainWindow::api() const {

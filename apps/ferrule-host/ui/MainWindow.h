@@ -93,11 +93,11 @@ public:
     void newDocument();
     bool edit();
     bool setPorts(const QString& input, const QString& output);
-    // Lists the ports and opens the chosen ones (given on the command line, or remembered from
-    // the last run), once: later calls do nothing. The window does it by itself once it has
-    // first been painted, so that its first frame does not wait for the MIDI systems; until
-    // then the MIDI line says that the ports are being listed.
-    void openChosenPorts();
+    // What the first frame does not need, which the window does by itself once it has first
+    // been painted: it lists the ports and opens the chosen ones (given on the command line, or
+    // remembered from the last run), and makes the MIDI monitor's panel. Until then the MIDI
+    // line says that the ports are being listed. Once: later calls do nothing.
+    void finishStart();
     bool portsListed() const { return portsListed_; }
     // Lists the ports again and reopens chosen ports that came back, as Refresh does.
     void refreshPorts();
@@ -164,6 +164,8 @@ private:
     void documentReplaced();
     void updateUndoActions();
     std::optional<MidiApi> api() const;
+    // The ports part of finishStart.
+    void openChosenPorts();
     // The MIDI system and ports given on the command line, or remembered from the last run.
     struct PortChoice {
         QString api, input, output;
