@@ -28,6 +28,8 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
 int runWindowed(const HostOptions& options, SystemDocument& document) {
     if (!options.mainScreenshot.isEmpty()) {
         MainWindow window(options, std::move(document));
+        // The picture shows the window as it is once on the screen, with its ports.
+        window.finishStart();
         window.show();
         QApplication::processEvents();
         if (!window.grab().save(options.mainScreenshot, "PNG"))

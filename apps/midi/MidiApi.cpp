@@ -7,8 +7,8 @@ QString midiApiName(MidiApi api) {
 }
 
 std::optional<MidiApi> midiApiFromName(const QString& name) {
-    if (name.compare(QLatin1String("alsa"), Qt::CaseInsensitive) == 0) return MidiApi::Alsa;
-    if (name.compare(QLatin1String("jack"), Qt::CaseInsensitive) == 0) return MidiApi::Jack;
+    for (MidiApi api : kMidiApis)
+        if (name.compare(midiApiName(api), Qt::CaseInsensitive) == 0) return api;
     return std::nullopt;
 }
 

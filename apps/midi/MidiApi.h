@@ -9,6 +9,8 @@ namespace ferrule {
 
 // The MIDI systems Ferrule reaches: ALSA through RtMidi, JACK through a client of its own.
 enum class MidiApi { Alsa, Jack };
+// Every MIDI system Ferrule reaches, whether this build can use it or not.
+inline constexpr MidiApi kMidiApis[]{MidiApi::Alsa, MidiApi::Jack};
 
 QString midiApiName(MidiApi api);
 std::optional<MidiApi> midiApiFromName(const QString& name);

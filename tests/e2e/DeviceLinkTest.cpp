@@ -93,6 +93,8 @@ protected:
         // Sends here end when the last message has left; reading them back is tested over the
         // loopback (SessionLoopbackTest).
         w->device().setVerify(false);
+        // The window lists its ports and opens the named ones once it has been painted.
+        w->show();
         waitForPorts(*w, kHangMs);
         return w;
     }

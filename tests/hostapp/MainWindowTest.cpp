@@ -19,6 +19,7 @@
 #include "device/SyxFile.h"
 #include "document/DocumentLock.h"
 #include "sysdata/ParameterEncoding.h"
+#include "ui/MidiMonitor.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -28,6 +29,7 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QStatusBar>
+#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -294,27 +296,82 @@ TEST(MainWindow, ASettingsTextOpensAsTheModelItNamesShowsItsWarningsAndSavesAsTe
     EXPECT_TRUE(saved.contains(knob->name().toUtf8() + " = 127\n")) << saved.constData();
 }
 
+// The loopback MIDI system in place of the MIDI module, with a device's ports "dev in" and
+// "dev out".
+class MainWindowPorts : public ::testing::Test {
+protected:
+    MainWindowPorts() { useMidiDriver(&midi_); }
+    ~MainWindowPorts() override { useMidiDriver(nullptr); }
+    void SetUp() override {
+        QString error;
+        ASSERT_TRUE(deviceIn_.openVirtual(MidiApi::Alsa, "dev", "dev in", &error) &&
+                    deviceOut_.openVirtual(MidiApi::Alsa, "dev", "dev out", &error))
+            << qPrintable(error);
+    }
+
+private:
+    LoopbackDriver midi_;
+    MidiInput deviceIn_;
+    MidiOutput deviceOut_;
+};
+
 // Choosing ports, and choosing them again, closes the old ones on purpose: that is no loss, and
 // the window must not report the ports as lost or as "open again".
-TEST(MainWindow, ChoosingPortsIsNeitherALossNorAReturn) {
-    LoopbackDriver midi;
-    useMidiDriver(&midi);
-    {
-        QString error;
-        MidiInput deviceIn;
-        MidiOutput deviceOut;
-        ASSERT_TRUE(deviceIn.openVirtual(MidiApi::Alsa, "dev", "dev in", &error) &&
-                    deviceOut.openVirtual(MidiApi::Alsa, "dev", "dev out", &error))
-            << qPrintable(error);
-        MainWindow window(hostOptionsForTests(8), SystemDocument(8, Sysex::defaultHeader(8)));
-        for (int choice = 0; choice < 3; ++choice) {
-            ASSERT_TRUE(window.setPorts(choice == 1 ? QString() : QStringLiteral("dev out"),
-                                        QStringLiteral("dev in")))
-                << qPrintable(window.portState());
-            EXPECT_TRUE(window.device().linkProblem().isEmpty());
-            EXPECT_FALSE(window.lastResult().contains(QLatin1String("again")))
-                << choice << ": " << qPrintable(window.lastResult());
-        }
+TEST_F(MainWindowPorts, ChoosingPortsIsNeitherALossNorAReturn) {
+    MainWindow window(hostOptionsForTests(8), SystemDocument(8, Sysex::defaultHeader(8)));
+    for (int choice = 0; choice < 3; ++choice) {
+        ASSERT_TRUE(window.setPorts(choice == 1 ? QString() : QStringLiteral("dev out"),
+                                    QStringLiteral("dev in")))
+            << qPrintable(window.portState());
+        EXPECT_TRUE(window.device().linkProblem().isEmpty());
+        EXPECT_FALSE(window.lastResult().contains(QLatin1String("again")))
+            << choice << ": " << qPrintable(window.lastResult());
     }
-    useMidiDriver(nullptr);
+}
+
+// The window's first frame does not wait for the MIDI systems: it lists the ports once it has
+// been painted, and opens the ports named on the command line then (and makes the MIDI
+// monitor's panel). Until then the MIDI line
+// says that the ports are being listed, and claims nothing else.
+TEST_F(MainWindowPorts, ListsThePortsOnceShownAndOpensTheNamedOnes) {
+    HostOptions o = hostOptionsForTests(8);
+    o.midiApi = QStringLiteral("alsa");
+    o.midiIn = QStringLiteral("dev out");
+    o.midiOut = QStringLiteral("dev in");
+    MainWindow window(o, SystemDocument(8, Sysex::defaultHeader(8)));
+    auto* portLabel = window.findChild<QLabel*>(QStringLiteral("portState"));
+    auto* inBox = window.findChild<QComboBox*>(QStringLiteral("midiIn"));
+    QAction* receive = nullptr;
+    for (QAction* a : window.findChildren<QAction*>())
+        if (a->text() == QLatin1String("&Receive")) receive = a;
+    ASSERT_NE(receive, nullptr);
+    // What the first frame shows, seen as the window is painted.
+    struct FirstPaint : QObject {
+        std::function<void()> see;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint && see) std::exchange(see, nullptr)();
+            return false;
+        }
+    } first;
+    QString text, why;
+    bool open = true;
+    first.see = [&] {
+        text = portLabel->text();
+        why = receive->toolTip();
+        open = window.device().hasInput() || window.device().hasOutput();
+    };
+    window.installEventFilter(&first);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.portsListed(); }, 120000));
+    window.removeEventFilter(&first);
+    EXPECT_EQ(text, QStringLiteral("listing the ports…"));
+    EXPECT_EQ(why, QStringLiteral("Not now: the MIDI ports are being listed"));
+    EXPECT_FALSE(open);
+    ASSERT_TRUE(window.device().hasInput() && window.device().hasOutput())
+        << qPrintable(window.portState());
+    EXPECT_EQ(portLabel->text(), QStringLiteral("In: dev out  Out: dev in"));
+    EXPECT_EQ(inBox->currentText(), QStringLiteral("dev out"));
+    EXPECT_TRUE(receive->isEnabled()) << qPrintable(receive->toolTip());
+    // The MIDI monitor, behind the History at first, has its panel by then.
+    EXPECT_NE(window.monitor()->findChild<QTableView*>(), nullptr);
 }

@@ -62,6 +62,9 @@ protected:
         auto w =
             std::make_unique<MainWindow>(o, SystemDocument(model, Sysex::defaultHeader(model)));
         w->setAskSave([](const QString&) { return QMessageBox::Discard; });
+        // The window lists its ports and opens the named ones once it has been painted.
+        w->show();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return w->portsListed(); }, kHangMs));
         EXPECT_EQ(w->device().hasInput() && w->device().hasOutput(), there)
             << qPrintable(w->portState());
         return w;

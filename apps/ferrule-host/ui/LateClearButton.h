@@ -1,8 +1,8 @@
 #pragma once
 
-#include <QEvent>
+#include "AfterFirstPaint.h"
+
 #include <QLineEdit>
-#include <QTimer>
 
 namespace ferrule {
 
@@ -10,24 +10,8 @@ namespace ferrule {
 // button's icon in the desktop's icon theme costs more than the rest of the main window's
 // start; done after the first paint, the window reaches the screen first. The button shows only
 // when there is text, so nobody sees the difference.
-class LateClearButton : public QObject {
-public:
-    static void install(QLineEdit* box) { box->installEventFilter(new LateClearButton(box)); }
-
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (event->type() == QEvent::Paint) {
-            watched->removeEventFilter(this);
-            QTimer::singleShot(0, this, [this] {
-                static_cast<QLineEdit*>(parent())->setClearButtonEnabled(true);
-                deleteLater();
-            });
-        }
-        return false;
-    }
-
-private:
-    explicit LateClearButton(QLineEdit* box)
-        : QObject(box) {}
-};
+inline void addLateClearButton(QLineEdit* box) {
+    AfterFirstPaint::call(box, [box] { box->setClearButtonEnabled(true); });
+}
 
 } // namespace ferrule

@@ -1,5 +1,6 @@
 #include "MainWindow.h"
 
+#include "AfterFirstPaint.h"
 #include "FailedSaveDialog.h"
 #include "HistoryDock.h"
 #include "HistoryModel.h"
@@ -281,6 +282,7 @@ MainWindow::MainWindow(const SessionOptions& options, SystemDocument document, Q
 
     buildActions();
     buildPorts();
+    AfterFirstPaint::call(this, [this] { finishStart(); });
     device_.setHeader(document_.model(), options_.sysexHeader);
     device_.setGapMs(options_.gapMs);
     resize(960, 720);
@@ -428,13 +430,11 @@ void MainWindow::buildPorts() {
     QToolBar* ports = addToolBar(QStringLiteral("MIDI Ports"));
     ports->setObjectName(QStringLiteral("PortsToolBar"));
     apiBox_ = new QComboBox(ports);
-    for (MidiApi a : compiledMidiApis())
-        apiBox_->addItem(midiApiName(a).toUpper(), int(a));
     inBox_ = new QComboBox(ports);
     inBox_->setObjectName(QStringLiteral("midiIn"));
-    inBox_->setMinimumContentsLength(18);
     outBox_ = new QComboBox(ports);
     outBox_->setObjectName(QStringLiteral("midiOut"));
+    inBox_->setMinimumContentsLength(18);
     outBox_->setMinimumContentsLength(18);
     ports->addWidget(new QLabel(QStringLiteral(" MIDI "), ports));
     ports->addWidget(apiBox_);
@@ -447,17 +447,14 @@ void MainWindow::buildPorts() {
     connect(refresh, &QToolButton::clicked, this, &MainWindow::refreshPorts);
     ports->addWidget(refresh);
 
-    // The ports given on the command line, or the ones remembered from the last run.
-    QString api = !options_.midiApi.isEmpty() ? options_.midiApi : readSetting("MidiApi");
-    if (api.isEmpty()) {
-        QString why;
-        if (const auto running = defaultMidiApi(&why)) api = midiApiName(*running);
-    }
-    const int apiIndex = apiBox_->findText(api.toUpper());
-    if (apiIndex >= 0) apiBox_->setCurrentIndex(apiIndex);
-    const QString in = !options_.midiIn.isEmpty() ? options_.midiIn : readSetting("MidiIn");
-    const QString out = !options_.midiOut.isEmpty() ? options_.midiOut : readSetting("MidiOut");
-    setPorts(in, out);
+    // Until the ports are listed, the boxes show what is chosen, nothing more: no MIDI system
+    // when none is (which one runs is not known yet), but room for any of their names.
+    const PortChoice chosen = chosenPorts();
+    for (MidiApi a : kMidiApis)
+        apiBox_->addItem(midiApiName(a).toUpper());
+    apiBox_->setCurrentIndex(apiBox_->findText(chosen.api.toUpper()));
+    inBox_->addItem(chosen.input.isEmpty() ? QStringLiteral("(none)") : chosen.input);
+    outBox_->addItem(chosen.output.isEmpty() ? QStringLiteral("(none)") : chosen.output);
     auto changed = [this] {
         setPorts(inBox_->currentData().toString(), outBox_->currentData().toString());
     };
@@ -471,12 +468,48 @@ void MainWindow::buildPorts() {
     });
 }
 
+MainWindow::PortChoice MainWindow::chosenPorts() const {
+    const auto given = [](const QString& option, const QString& setting) {
+        return !option.isEmpty() ? option : readSetting(setting);
+    };
+    return {given(options_.midiApi, QStringLiteral("MidiApi")),
+            given(options_.midiIn, QStringLiteral("MidiIn")),
+            given(options_.midiOut, QStringLiteral("MidiOut"))};
+}
+
+void MainWindow::finishStart() {
+    openChosenPorts();
+    monitor_->buildPanel();
+}
+
+void MainWindow::openChosenPorts() {
+    if (portsListed_) return;
+    portsListed_ = true;
+    apiBox_->clear();
+    for (MidiApi a : compiledMidiApis())
+        apiBox_->addItem(midiApiName(a).toUpper(), int(a));
+    const PortChoice chosen = chosenPorts();
+    QString api = chosen.api;
+    if (api.isEmpty()) {
+        QString why;
+        if (const auto running = defaultMidiApi(&why)) api = midiApiName(*running);
+    }
+    const int apiIndex = apiBox_->findText(api.toUpper());
+    if (apiIndex >= 0) apiBox_->setCurrentIndex(apiIndex);
+    setPorts(chosen.input, chosen.output);
+    // The window may have been shown before: the boxes fit the names they hold now, not only
+    // those they held then.
+    for (QComboBox* box : {inBox_, outBox_})
+        box->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+}
+
 std::optional<MidiApi> MainWindow::api() const {
     if (apiBox_->count() == 0) return std::nullopt;
     return MidiApi(apiBox_->currentData().toInt());
 }
 
 void MainWindow::refreshPorts() {
+    if (!portsListed_) return openChosenPorts();
     device_.reconnect();
     showPorts();
 }
@@ -517,6 +550,8 @@ void MainWindow::showPorts() {
 }
 
 bool MainWindow::setPorts(const QString& input, const QString& output) {
+    // A choice made before the start's listing replaces the one it opens.
+    openChosenPorts();
     QString error;
     const std::optional<MidiApi> a = api();
     // A name picks the first listed port that contains it; a port not listed now is kept as
@@ -542,6 +577,7 @@ bool MainWindow::setPorts(const QString& input, const QString& output) {
 }
 
 QString MainWindow::portState() const {
+    if (!portsListed_) return QStringLiteral("listing the ports…");
     QString state = QStringLiteral("In: %1  Out: %2")
                         .arg(device_.hasInput() ? device_.inputName() : QStringLiteral("none"),
                              device_.hasOutput() ? device_.outputName() : QStringLiteral("none"));
@@ -630,10 +666,13 @@ void MainWindow::refreshState() {
     const bool idle = device_.busy() == DeviceSession::Operation::None;
     // A disabled action says why.
     const QString busy = QStringLiteral("a transfer with the device is running");
-    const QString noIn = device_.chosenInput().isEmpty()
+    const QString listing = QStringLiteral("the MIDI ports are being listed");
+    const QString noIn = !portsListed_ ? listing
+                         : device_.chosenInput().isEmpty()
                              ? QStringLiteral("choose the device's MIDI input port first")
                              : device_.linkProblem();
-    const QString noOut = device_.chosenOutput().isEmpty()
+    const QString noOut = !portsListed_ ? listing
+                          : device_.chosenOutput().isEmpty()
                               ? QStringLiteral("choose the device's MIDI output port first")
                               : device_.linkProblem();
     const auto enable = [](auto* item, const QString& why, const QString& what) {

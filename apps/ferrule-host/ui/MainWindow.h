@@ -93,6 +93,12 @@ public:
     void newDocument();
     bool edit();
     bool setPorts(const QString& input, const QString& output);
+    // What the first frame does not need, which the window does by itself once it has first
+    // been painted: it lists the ports and opens the chosen ones (given on the command line, or
+    // remembered from the last run), and makes the MIDI monitor's panel. Until then the MIDI
+    // line says that the ports are being listed. Once: later calls do nothing.
+    void finishStart();
+    bool portsListed() const { return portsListed_; }
     // Lists the ports again and reopens chosen ports that came back, as Refresh does.
     void refreshPorts();
     // Device > Send and Send Changes, as the menu starts them.
@@ -158,6 +164,13 @@ private:
     void documentReplaced();
     void updateUndoActions();
     std::optional<MidiApi> api() const;
+    // The ports part of finishStart.
+    void openChosenPorts();
+    // The MIDI system and ports given on the command line, or remembered from the last run.
+    struct PortChoice {
+        QString api, input, output;
+    };
+    PortChoice chosenPorts() const;
 
     SessionOptions options_;
     SystemDocument document_;
@@ -194,6 +207,7 @@ private:
     QString systemProblem_;
     // The ports open when the link last changed, and whether their loss has been said.
     bool hadInput_ = false, hadOutput_ = false, lossSaid_ = false;
+    bool portsListed_ = false;
     bool sendAfterRead_ = false;
     bool readingBack_ = false; // the operation under way reads back a send
     AskSendAgain askSendAgain_;

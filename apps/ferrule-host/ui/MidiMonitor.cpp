@@ -111,10 +111,14 @@ QVariant MidiMonitorModel::headerData(int section, Qt::Orientation orientation, 
 
 MidiMonitor::MidiMonitor(QWidget* parent)
     : QWidget(parent)
-    , model_(new MidiMonitorModel(this))
-    , filter_(new QSortFilterProxyModel(this))
-    , table_(new QTableView(this)) {
+    , model_(new MidiMonitorModel(this)) {
     setObjectName(QStringLiteral("MidiMonitor"));
+}
+
+void MidiMonitor::buildPanel() {
+    if (table_) return;
+    filter_ = new QSortFilterProxyModel(this);
+    table_ = new QTableView(this);
     filter_->setSourceModel(model_);
     filter_->setFilterKeyColumn(-1);
     filter_->setFilterCaseSensitivity(Qt::CaseInsensitive);
@@ -126,7 +130,7 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     table_->setAlternatingRowColors(true);
     auto* search = new QLineEdit(this);
     search->setPlaceholderText(QStringLiteral("Filter (any column)"));
-    LateClearButton::install(search);
+    addLateClearButton(search);
     connect(search, &QLineEdit::textChanged, filter_, &QSortFilterProxyModel::setFilterFixedString);
     auto* copy = new QPushButton(QStringLiteral("Copy as hex"), this);
     connect(copy, &QPushButton::clicked, this, &MidiMonitor::copySelection);
@@ -149,9 +153,15 @@ MidiMonitor::MidiMonitor(QWidget* parent)
     connect(model_, &QAbstractItemModel::rowsInserted, table_, [this] {
         if (!table_->selectionModel()->hasSelection()) table_->scrollToBottom();
     });
+    // Those that came before are followed too.
+    table_->scrollToBottom();
+    // Made while the panel may be on the screen already.
+    for (QWidget* child : findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        child->show();
 }
 
 void MidiMonitor::copySelection() {
+    if (!table_) return;
     QStringList lines;
     for (const QModelIndex& index : table_->selectionModel()->selectedRows())
         lines << Sysex::hex(model_->message(filter_->mapToSource(index).row()));

@@ -48,20 +48,24 @@ private:
     QElapsedTimer clock_;
 };
 
-// The monitor as a panel: the table, a filter, Copy as hex and Clear.
+// The monitor as a panel: the table, a filter, Copy as hex and Clear. The model records from
+// the start; the panel's widgets are made by `buildPanel` (the window makes them once it is on
+// the screen, with the panel behind the History).
 class MidiMonitor : public QWidget {
     Q_OBJECT
 public:
     explicit MidiMonitor(QWidget* parent = nullptr);
     MidiMonitorModel* model() const { return model_; }
+    // Once; later calls do nothing.
+    void buildPanel();
 
 public slots:
     void copySelection();
 
 private:
     MidiMonitorModel* model_;
-    QSortFilterProxyModel* filter_;
-    QTableView* table_;
+    QSortFilterProxyModel* filter_ = nullptr;
+    QTableView* table_ = nullptr;
 };
 
 } // namespace ferrule

@@ -28,7 +28,7 @@ SettingsView::SettingsView(QWidget* parent)
     filter_->setSourceModel(model_);
     filterBox_->setObjectName(QStringLiteral("settingsFilter"));
     filterBox_->setPlaceholderText(QStringLiteral("Filter by name"));
-    LateClearButton::install(filterBox_);
+    addLateClearButton(filterBox_);
     filterBox_->setAccessibleName(QStringLiteral("Filter the settings by name"));
     onlyDifferences_->setObjectName(QStringLiteral("onlyDifferences"));
     onlyDifferences_->setToolTip(
