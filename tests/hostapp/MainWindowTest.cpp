@@ -362,7 +362,7 @@ TEST_F(MainWindowPorts, ListsThePortsOnceShownAndOpensTheNamedOnes) {
     };
     window.installEventFilter(&first);
     window.show();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return window.portsListed(); }, 120000));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return window.portsListed(); }, 20000));
     window.removeEventFilter(&first);
     EXPECT_EQ(text, QStringLiteral("listing the ports…"));
     EXPECT_EQ(why, QStringLiteral("Not now: the MIDI ports are being listed"));
