@@ -91,6 +91,12 @@ void HeadlessRun::transmit() {
     EditorCommands* commands = editor_.commands();
     commands->pressTransmit();
     auto running = [commands] { return commands->transmitting(); };
+    // An output that fails within the first step has already had messages leave: the
+    // transmission started and stopped, and says so as it does later on.
+    if (!running() && pipeline_.failed()) {
+        reportTransmission();
+        return;
+    }
     if (!running()) {
         const QString error = commands->lastError();
         const QString why = !error.isEmpty() ? QStringLiteral(": ") + error
