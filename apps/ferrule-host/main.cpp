@@ -9,9 +9,10 @@
 #include "cli/DeviceRuns.h"
 #include "cli/HostRun.h"
 
-#include <dlfcn.h>
+#include <QFile>
+#include <QFileInfo>
 
-#include <filesystem>
+#include <dlfcn.h>
 
 using namespace ferrule;
 
@@ -20,22 +21,20 @@ namespace {
 // The windowed part's entry point, from the library beside the program (its folder relative
 // to the program's is the same in the build tree and when installed).
 int runWindowed(int argc, char** argv) {
-    std::error_code error;
-    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
-    const std::filesystem::path library =
-        self.parent_path() / FERRULE_WINDOWED_RELDIR / FERRULE_WINDOWED_FILE;
+    const QString self = QFileInfo(QStringLiteral("/proc/self/exe")).symLinkTarget();
+    const QString library = QFileInfo(self).path() +
+                            QStringLiteral("/" FERRULE_WINDOWED_RELDIR "/" FERRULE_WINDOWED_FILE);
     // Bound lazily: of the thousands of Qt functions the part refers to, a run calls a few
     // hundred, and each binding is a symbol look-up across every library loaded.
-    void* handle = dlopen(library.c_str(), RTLD_LAZY | RTLD_LOCAL);
+    void* handle = dlopen(QFile::encodeName(library).constData(), RTLD_LAZY | RTLD_LOCAL);
     if (!handle)
         return fail(kExitBadInput,
                     QStringLiteral("cannot load the windowed part: %1").arg(dlerror()));
     using Entry = int (*)(int, char**);
     const auto entry = reinterpret_cast<Entry>(dlsym(handle, kWindowedEntry));
     if (!entry)
-        return fail(kExitBadInput, QStringLiteral("\"%1\" has no %2")
-                                       .arg(QString::fromStdString(library.string()),
-                                            QLatin1String(kWindowedEntry)));
+        return fail(kExitBadInput,
+                    QStringLiteral("\"%1\" has no %2").arg(library, QLatin1String(kWindowedEntry)));
     return entry(argc, argv);
 }
 
