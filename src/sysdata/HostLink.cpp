@@ -96,14 +96,7 @@ void HostLink::resolveSysDataGet() const {
 }
 
 int HostLink::sysData(int index) const {
-    resolveSysDataGet();
-    if (sysDataGet_ < 0 || host_.isNull())
-        return toByte(call("SysData", {index}), "SysData", index);
-    int result = 0;
-    void* argv[] = {&result, &index};
-    QMetaObject::metacall(host_.data(), QMetaObject::InvokeMetaMethod, sysDataGet_, argv);
-    if (result < 0 || result > 255) return toByte(result, "SysData", index); // names the fault
-    return result;
+    return getter().get(*this, index);
 }
 
 HostLink::Getter HostLink::getter() const {
@@ -119,7 +112,8 @@ HostLink::Getter HostLink::getter() const {
     return g;
 }
 
-int HostLink::Getter::get(int index) const {
+int HostLink::Getter::get(const HostLink& link, int index) const {
+    if (!call) return toByte(link.call("SysData", {index}), "SysData", index);
     int result = 0;
     void* argv[] = {&result, &index};
     call(target, QMetaObject::InvokeMetaMethod, localIndex, argv);
@@ -132,7 +126,7 @@ void HostLink::readSysData(std::span<std::uint8_t> out) const {
     const Getter g = getter();
     const int count = int(out.size());
     for (int i = 0; i < count; ++i)
-        out[std::size_t(i)] = std::uint8_t(g.call ? g.get(i) : sysData(i));
+        out[std::size_t(i)] = std::uint8_t(g.get(*this, i));
 }
 
 int HostLink::firstSysDataDifference(std::span<const std::uint8_t> bytes) const {
@@ -140,7 +134,7 @@ int HostLink::firstSysDataDifference(std::span<const std::uint8_t> bytes) const 
     const Getter g = getter();
     const int count = int(bytes.size());
     for (int i = 0; i < count; ++i)
-        if ((g.call ? g.get(i) : sysData(i)) != bytes[std::size_t(i)]) return i;
+        if (g.get(*this, i) != bytes[std::size_t(i)]) return i;
     return -1;
 }
 

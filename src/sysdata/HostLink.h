@@ -35,8 +35,8 @@ public:
     static int toInt(const QVariant& value, const char* member, int index = -1);
 
     // SysData(index) read as a byte, and SysData(index, value) written. The methods are found
-    // by name once per host; when their types are plain integers the calls go straight through
-    // the meta-object, otherwise through call() with its conversions. Errors are the same.
+    // by name once per host; when their types are plain integers the calls go straight to the
+    // host's dispatcher, otherwise through call() with its conversions. Errors are the same.
     int sysData(int index) const;
     void setSysData(int index, int value) const;
 
@@ -50,12 +50,12 @@ public:
 private:
     // SysData(index) straight through the declaring class's static dispatcher when the getter
     // takes and returns plain integers (what QMetaMethod::invoke does for a direct call);
-    // through sysData() otherwise.
+    // through call() with its conversions otherwise.
     struct Getter {
         QObject* target = nullptr;
         QMetaObject::Data::StaticMetacallFunction call = nullptr;
         int localIndex = -1;
-        int get(int index) const;
+        int get(const HostLink& link, int index) const;
     };
     Getter getter() const;
     void resolveSysDataGet() const;
