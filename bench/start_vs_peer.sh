@@ -75,6 +75,13 @@ for model in 3 5 6 8 10; do
                  n, h/1000, p/1000, rp, f/1000, rf }'
 done
 
+# One model's instruction counts and their ratios: counts_line MODEL EDITOR PEER PEER-IN-FONTS
+# FLOOR-NAME FLOOR.
+counts_line() {
+    awk -v n="$1" -v h="$2" -v p="$3" -v pf="$4" -v fn="$5" -v f="$6" \
+        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), %s %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, fn, f/1e6, h/f }'
+}
+
 command -v valgrind >/dev/null || exit 0
 echo "Instructions of one offscreen run to PNG (valgrind's callgrind):"
 for model in 3 5 6 8 10; do
@@ -84,8 +91,7 @@ for model in 3 5 6 8 10; do
     # shellcheck disable=SC2086
     pf=$(instructions "$peer" ${counts[$model]} --page-fonts --screenshot "$root/p.png")
     f=$(instructions "$peer" --empty --screenshot "$root/f.png")
-    awk -v n="$model" -v h="$h" -v p="$p" -v pf="$pf" -v f="$f" \
-        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), floor %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, f/1e6, h/f }'
+    counts_line "$model" "$h" "$p" "$pf" floor "$f"
 done
 echo "Instructions from exec to the first frame in an X window (Xvfb):"
 for model in 3 5 6 8 10; do
@@ -97,6 +103,5 @@ for model in 3 5 6 8 10; do
             "$(instructions "$peer" ${counts[$model]} --page-fonts)" \
             "$(instructions "$peer" --empty)"
     )
-    awk -v n="$model" -v h="$h" -v p="$p" -v pf="$pf" -v f="$f" \
-        'BEGIN { printf "GT-%s: editor %.1f M, peer %.1f M (%.3fx), peer in the page'"'"'s fonts %.1f M (%.3fx), empty dialog, which draws no text, %.1f M (%.3fx)\n", n, h/1e6, p/1e6, h/p, pf/1e6, h/pf, f/1e6, h/f }'
+    counts_line "$model" "$h" "$p" "$pf" "empty dialog, which draws no text," "$f"
 done
